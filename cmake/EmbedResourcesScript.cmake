@@ -1,0 +1,70 @@
+# Writes OUTPUT, a C++ source defining the English resource module, from
+# RESOURCE_DIR/strings.txt ("id<TAB>text", \n \t \\ escapes, # comments) and
+# RESOURCE_DIR/resources.txt ("id<TAB>type<TAB>file" per line).
+cmake_minimum_required(VERSION 3.25)
+
+function(to_cpp_bytes file out_var)
+  file(READ ${file} hex HEX)
+  string(LENGTH "${hex}" hex_length)
+  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${hex}")
+  set(${out_var} "${bytes}" PARENT_SCOPE)
+endfunction()
+
+set(body "// Generated from resources/: do not edit.\n#include <KORVAutl/ResourceModule.h>\n\nnamespace {\n")
+
+# String table.
+file(STRINGS ${RESOURCE_DIR}/strings.txt lines ENCODING UTF-8)
+set(entries "")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^#" OR line STREQUAL "")
+    continue()
+  endif()
+  if(NOT line MATCHES "^([0-9]+)\t(.*)$")
+    message(FATAL_ERROR "strings.txt: bad line: ${line}")
+  endif()
+  set(id ${CMAKE_MATCH_1})
+  set(text "${CMAKE_MATCH_2}")
+  # Keep the file's escapes (\n, \t, \\) as C escapes; quote the rest.
+  string(REPLACE "\"" "\\\"" text "${text}")
+  string(APPEND entries "    {${id}u, \"${text}\"},\n")
+endforeach()
+string(APPEND body "const korva::StringEntry kStrings[] = {\n${entries}};\n\n")
+
+# Other resources.
+set(resource_entries "")
+set(index 0)
+if(EXISTS ${RESOURCE_DIR}/resources.txt)
+  file(STRINGS ${RESOURCE_DIR}/resources.txt rlines)
+  foreach(line IN LISTS rlines)
+    if(line MATCHES "^#" OR line STREQUAL "")
+      continue()
+    endif()
+    if(NOT line MATCHES "^([0-9]+)\t([A-Za-z_]+)\t(.+)$")
+      message(FATAL_ERROR "resources.txt: bad line: ${line}")
+    endif()
+    set(id ${CMAKE_MATCH_1})
+    set(type ${CMAKE_MATCH_2})
+    set(path ${RESOURCE_DIR}/${CMAKE_MATCH_3})
+    to_cpp_bytes(${path} bytes)
+    file(SIZE ${path} size)
+    string(APPEND body "const char kData${index}[] = {${bytes} '\\0'};\n")
+    string(APPEND resource_entries "    {${id}u, \"${type}\", kData${index}, ${size}u},\n")
+    math(EXPR index "${index} + 1")
+  endforeach()
+endif()
+if(resource_entries STREQUAL "")
+  string(APPEND body "const korva::ResourceEntry* const kResources = nullptr;\nconst unsigned kResourceCount = 0;\n")
+else()
+  string(APPEND body "const korva::ResourceEntry kResources[] = {\n${resource_entries}};\nconst unsigned kResourceCount = sizeof(kResources) / sizeof(kResources[0]);\n")
+endif()
+
+string(APPEND body "} // namespace\n\nnamespace korva {\nconst ResourceModule& EnglishResourceModule()\n{\n    static const ResourceModule module(\"English\", kStrings, sizeof(kStrings) / sizeof(kStrings[0]), kResources, kResourceCount);\n    return module;\n}\n} // namespace korva\n")
+
+# Only touch the file when it changes, so nothing rebuilds needlessly.
+if(EXISTS ${OUTPUT})
+  file(READ ${OUTPUT} old)
+  if(old STREQUAL body)
+    return()
+  endif()
+endif()
+file(WRITE ${OUTPUT} "${body}")

@@ -1,0 +1,32 @@
+#pragma once
+// A fresh folder below the system's temporary folder, removed with its content at scope end.
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+class TempDir
+{
+public:
+    TempDir()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "korva-test-XXXXXX").string();
+        if (!mkdtemp(pattern.data()))
+            std::abort();
+        mPath = pattern;
+    }
+    ~TempDir()
+    {
+        std::error_code ignored;
+        std::filesystem::permissions(mPath, std::filesystem::perms::owner_all, ignored);
+        std::filesystem::remove_all(mPath, ignored);
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& Path() const { return mPath; }
+    std::string File(const std::string& name) const { return mPath + "/" + name; }
+
+private:
+    std::string mPath;
+};

@@ -1,0 +1,19 @@
+#include <KORVAutl/UserComm.h>
+
+#include <atomic>
+
+namespace {
+std::atomic<UserComm*> gUserComm{nullptr};
+}
+
+UserComm* UserComm::GetUserComm()
+{
+    return gUserComm.load(std::memory_order_acquire);
+}
+
+UserComm* UserComm::SetUserComm(UserComm* channel)
+{
+    return gUserComm.exchange(channel, std::memory_order_acq_rel);
+}
+
+UserComm::~UserComm() = default;
