@@ -18,6 +18,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -59,8 +60,10 @@ TEST(ExceptionTest, CarriesItsTextAndCauses)
 
 TEST(LanguageStringTest, EveryIdTheCodeUsesHasAText)
 {
-    // Scans the sources for LanguageString::Get(<number>) and TsString::Format(<number>, ...).
-    const std::regex use(R"((LanguageString::Get|TsString::Format)\(\s*(\d+)u?\s*[,)])");
+    // Scans the sources for LanguageString::Get(x) and TsString::Format(x, ...), where x
+    // is a number or a constant of the same file ("constexpr unsigned int kName = 13274;").
+    const std::regex use(R"((LanguageString::Get|TsString::Format)\(\s*(\w+)\s*[,)])");
+    const std::regex constant(R"(constexpr\s+unsigned(?:\s+int)?\s+(\w+)\s*=\s*(\d+)u?\s*;)");
     std::set<unsigned> missing;
     int uses = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(KORVA_SOURCE_DIR)) {
@@ -69,9 +72,19 @@ TEST(LanguageStringTest, EveryIdTheCodeUsesHasAText)
             (entry.path().extension() != ".cpp" && entry.path().extension() != ".h"))
             continue;
         const std::string text = ReadAll(path);
+        std::map<std::string, unsigned> constants;
+        for (std::sregex_iterator it(text.begin(), text.end(), constant), end; it != end; ++it)
+            constants[(*it)[1]] = static_cast<unsigned>(std::stoul((*it)[2]));
         for (std::sregex_iterator it(text.begin(), text.end(), use), end; it != end; ++it) {
+            const std::string argument = (*it)[2];
+            unsigned id = 0;
+            if (std::isdigit(static_cast<unsigned char>(argument[0])))
+                id = static_cast<unsigned>(std::stoul(argument));
+            else if (constants.count(argument))
+                id = constants[argument];
+            else
+                continue;
             ++uses;
-            const unsigned id = static_cast<unsigned>(std::stoul((*it)[2]));
             if (!LanguageString::Has(id))
                 missing.insert(id);
         }
