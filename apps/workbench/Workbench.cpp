@@ -1,0 +1,120 @@
+// The workbench: the suite shell that shows every part of the library at work.
+//   Workbench [--screenshot FILE [--command ID]]
+// With --screenshot the main window is saved as a picture once it has been
+// shown, and the program ends (run it with QT_QPA_PLATFORM=offscreen to need no
+// display). With --command as well, command ID runs first and the picture is of
+// the dialog it opens, which is then closed.
+
+#include "WorkbenchFrame.h"
+
+#include <KORVAutlwin/frame/TsApp.h>
+
+#include <KORVAutl/ConfigurationSection.h>
+#include <KORVAutl/Log.h>
+#include <KORVAutl/TsSystemInfo.h>
+
+#include <QApplication>
+#include <QDateTime>
+#include <QTimer>
+#include <QWidget>
+
+#include <cstdio>
+
+KORVA_DECLARE_VERSION(1, 0, 0, 0);
+
+namespace {
+
+class WorkbenchApp : public TsApp
+{
+public:
+    WorkbenchApp() : TsApp("Workbench") {}
+
+    bool InitInstance() override
+    {
+        SetRegistryLocation();
+        RecordStart();
+
+        auto* frame = new WorkbenchFrame(*this);
+        frame->setAttribute(Qt::WA_DeleteOnClose);
+        SetMainWnd(frame);
+        frame->show();
+
+        const QStringList arguments = QCoreApplication::arguments();
+        const int at = arguments.indexOf(QStringLiteral("--screenshot"));
+        if (at >= 0) {
+            if (at + 1 >= arguments.size()) {
+                std::fprintf(stderr, "Workbench: --screenshot needs a file name\n");
+                return false;
+            }
+            mScreenshot = arguments[at + 1];
+            const int command = arguments.indexOf(QStringLiteral("--command"));
+            if (command >= 0 && command + 1 < arguments.size()) {
+                const unsigned int id = arguments[command + 1].toUInt();
+                QTimer::singleShot(300, frame, [this, id] { ScreenshotOfDialog(id); });
+                QTimer::singleShot(200, frame, [frame, id] { frame->ExecuteCommand(id); });
+            } else {
+                QTimer::singleShot(500, frame, [this, frame] { SaveScreenshot(frame); });
+            }
+        }
+        return true;
+    }
+
+    int ExitInstance() override
+    {
+        Log::WriteMessage("WorkbenchApp", "ExitInstance", "Workbench ends.", Log::eMilestone);
+        return mExitCode;
+    }
+
+private:
+    void RecordStart()
+    {
+        int starts = 0;
+        appSettings->ReadInt("StartCount", starts);
+        appSettings->WriteInt("StartCount", starts + 1);
+        appSettings->WriteKey("LastStart", QDateTime::currentDateTime().toString(Qt::ISODate).toStdString());
+        appSettings->Flush();
+        WriteProfileInt("Workbench", "Starts", GetProfileInt("Workbench", "Starts", 0) + 1);
+        Log::WriteMessage("WorkbenchApp", "InitInstance", "Workbench starts.", Log::eMilestone);
+    }
+
+    void SaveScreenshot(QWidget* frame)
+    {
+        if (!frame->grab().save(mScreenshot)) {
+            std::fprintf(stderr, "Workbench: cannot write %s\n", mScreenshot.toLocal8Bit().constData());
+            mExitCode = 1;
+        }
+        frame->close();
+    }
+
+    // Waits for the dialog of the command, takes its picture, closes it and ends.
+    void ScreenshotOfDialog(unsigned int id)
+    {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog) {
+            if (++mTries > 50) {
+                std::fprintf(stderr, "Workbench: command %u opened no dialog\n", id);
+                mExitCode = 1;
+                GetMainWnd()->close();
+                return;
+            }
+            QTimer::singleShot(100, GetMainWnd(), [this, id] { ScreenshotOfDialog(id); });
+            return;
+        }
+        if (!dialog->grab().save(mScreenshot))
+            mExitCode = 1;
+        dialog->close();
+        QTimer::singleShot(100, GetMainWnd(), [this] { GetMainWnd()->close(); });
+    }
+
+    QString mScreenshot;
+    int mTries = 0;
+    int mExitCode = 0;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    WorkbenchApp app;
+    return app.Run(argc, argv);
+}

@@ -1,0 +1,457 @@
+// Menu resources, the menu update through the command route, the popup menu of
+// the widget kit and context menus; popups are driven with real key and mouse
+// events on offscreen windows.
+
+#include "TestApplication.h"
+
+#include <KORVAutlwin/frame/CmdTarget.h>
+#include <KORVAutlwin/frame/CommandAction.h>
+#include <KORVAutlwin/frame/GUI.h>
+#include <KORVAutlwin/frame/GUIUtilities.h>
+#include <KORVAutlwin/frame/MenuResource.h>
+#include <KORVAutlwin/frame/SetResourceInstance.h>
+#include <KORVAutlwin/frame/TsFrameWnd.h>
+#include <KORVAutlwin/frame/TsMenu.h>
+#include <KORVAutlwin/frame/WinApp.h>
+
+#include <KORVAutl/Exception.h>
+#include <KORVAutl/ResourceModule.h>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace {
+
+constexpr unsigned int kContextMenu = 1;
+constexpr unsigned int kNoPopupMenu = 2;
+
+const char kContextMenuText[] = R"(<menu>
+  <popup text="Context">
+    <item id="500" text="First"/>
+    <item id="501" text="Second"/>
+    <item id="502" text="Nobody's"/>
+  </popup>
+</menu>)";
+const char kNoPopupMenuText[] = R"(<menu><item id="500" text="Flat"/></menu>)";
+const char kOwnEditMenuText[] = R"(<menu><popup text="Edit"><item id="57634" text="Kopieren"/></popup></menu>)";
+
+const korva::ResourceModule& TestModule()
+{
+    static const korva::ResourceEntry resources[] = {
+        {kContextMenu, "MENU", kContextMenuText, sizeof kContextMenuText - 1},
+        {kNoPopupMenu, "MENU", kNoPopupMenuText, sizeof kNoPopupMenuText - 1},
+        {30620, "MENU", kOwnEditMenuText, sizeof kOwnEditMenuText - 1},
+    };
+    static const korva::ResourceModule module("MenuTest", nullptr, 0, resources, std::size(resources));
+    return module;
+}
+
+// Runs `action` on the popup menu as soon as one is up; closes any popup left
+// after `timeout`, so that a failing test cannot hang in the menu's loop.
+void WhenPopup(std::function<void(QMenu*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(5))
+{
+    auto* timer = new QTimer;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    QObject::connect(timer, &QTimer::timeout, [timer, action, deadline] {
+        auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (popup && popup->isVisible()) {
+            timer->stop();
+            timer->deleteLater();
+            action(popup);
+        } else if (std::chrono::steady_clock::now() > deadline) {
+            timer->stop();
+            timer->deleteLater();
+            if (QWidget* open = QApplication::activePopupWidget())
+                open->close();
+        }
+    });
+    timer->start(10);
+}
+
+QAction* FindAction(QMenu* menu, unsigned int id)
+{
+    for (QAction* action : menu->actions())
+        if (korva::GetCommandId(action) == id)
+            return action;
+    return nullptr;
+}
+
+class GuiMenuTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { korva::test::Application(); }
+};
+
+// A control that is a command target of its own.
+class TargetButton : public QPushButton, public CmdTarget
+{
+public:
+    using QPushButton::QPushButton;
+};
+
+// --- Menu resources -------------------------------------------------------------
+
+TEST_F(GuiMenuTest, EnglishEditMenuIsReadWithItsIdsTextsAndSeparators)
+{
+    std::unique_ptr<QMenu> menu(MenuResource::Load(30620));
+    ASSERT_EQ(menu->actions().size(), 1);
+    QMenu* edit = menu->actions().front()->menu();
+    ASSERT_NE(edit, nullptr);
+    EXPECT_EQ(edit->title(), QStringLiteral("&Edit"));
+    const QList<QAction*> items = edit->actions();
+    ASSERT_EQ(items.size(), 8);
+    EXPECT_TRUE(items[1]->isSeparator());
+    EXPECT_TRUE(items[6]->isSeparator());
+    EXPECT_EQ(korva::GetCommandId(items[3]), 57634u);
+    EXPECT_EQ(items[3]->text(), QStringLiteral("&Copy\tCtrl+C"));
+    EXPECT_EQ(korva::GetCommandId(items[7]), 57642u);
+    EXPECT_FALSE(korva::RoutesItself(items[3]));
+}
+
+TEST_F(GuiMenuTest, CurrentModuleComesFirstAndEnglishStandsBehindIt)
+{
+    const korva::StringEntry strings[] = {{1, "only a string"}};
+    const korva::ResourceModule noMenus("NoMenus", strings, 1, nullptr, 0);
+    {
+        SetResourceInstance scope(&TestModule());
+        std::unique_ptr<QMenu> own(MenuResource::Load(30620));
+        EXPECT_EQ(own->actions().front()->menu()->actions().front()->text(), QStringLiteral("Kopieren"));
+        EXPECT_TRUE(MenuResource::Exists(kContextMenu));
+    }
+    EXPECT_FALSE(MenuResource::Exists(kContextMenu));
+    SetResourceInstance scope(&noMenus);
+    std::unique_ptr<QMenu> english(MenuResource::Load(30620));
+    EXPECT_EQ(english->actions().front()->menu()->actions().size(), 8);
+    try {
+        delete MenuResource::Load(424242);
+        FAIL() << "a missing menu must throw";
+    } catch (const Exception& e) {
+        EXPECT_STREQ(e.Why(), "The menu resource 424242 does not exist.");
+    }
+}
+
+TEST_F(GuiMenuTest, ItemAttributesGiveTheFirstLook)
+{
+    const std::string text = R"(<menu><popup text="P" enabled="false">
+        <item id="1" text="a" checked="true"/><item id="2" text="b" enabled="false"/><item id="3" text="c"/>
+        </popup></menu>)";
+    std::unique_ptr<QMenu> menu(MenuResource::Parse(text.data(), text.size(), 9));
+    QAction* entry = menu->actions().front();
+    EXPECT_FALSE(entry->isEnabled());
+    QMenu* popup = entry->menu();
+    EXPECT_TRUE(FindAction(popup, 1)->isChecked());
+    EXPECT_FALSE(FindAction(popup, 2)->isEnabled());
+    EXPECT_TRUE(FindAction(popup, 3)->isEnabled());
+    EXPECT_FALSE(FindAction(popup, 3)->isCheckable());
+}
+
+TEST_F(GuiMenuTest, InvalidMenusAreRefusedWithWhereTheFaultIs)
+{
+    struct Case
+    {
+        const char* text;
+        const char* detail;
+    };
+    const Case cases[] = {
+        {"<menu>\n<popup text=\"P\">\n<item text=\"no id\"/></popup></menu>", "an item has no valid command id (line 3,"},
+        {"<menu>\n<popup text=\"P\">\n<item id=\"0\" text=\"zero\"/></popup></menu>", "an item has no valid command id (line 3,"},
+        {"<menu>\n<button id=\"4\"/></menu>", "unknown element <button> (line 2,"},
+        {"<menu>\n<popup text=\"P\">\n<item id=\"4\" text=\"x\">\n</menu>", "(line 4,"},
+        {"<bar><item id=\"4\" text=\"x\"/></bar>", "the root element is not <menu>"},
+        {"", "(line "},
+        {"<menu/><menu/>", "(line 1,"},
+    };
+    for (const Case& c : cases) {
+        try {
+            delete MenuResource::Parse(c.text, std::strlen(c.text), 7);
+            ADD_FAILURE() << "accepted: " << c.text;
+        } catch (const Exception& e) {
+            const std::string why = e.Why();
+            EXPECT_EQ(why.rfind("The menu resource 7 is not a valid menu: ", 0), 0u) << why;
+            EXPECT_NE(why.find(c.detail), std::string::npos) << why;
+        }
+    }
+}
+
+// --- EnableMenu -----------------------------------------------------------------
+
+TEST_F(GuiMenuTest, EnableMenuUpdatesEveryItemToAnyDepth)
+{
+    const std::string text = R"(<menu><popup text="Top">
+        <item id="100" text="Handled"/>
+        <separator/>
+        <item id="101" text="Unhandled"/>
+        <item id="102" text="Old name"/>
+        <item id="61536" text="System"/>
+        <popup text="Sub">
+          <item id="200" text="Sub first"/>
+          <item id="201" text="Radio"/>
+          <popup text="Deeper"><item id="300" text="Deep unhandled"/></popup>
+        </popup>
+        <popup text="Empty"/>
+      </popup></menu>)";
+    std::unique_ptr<QMenu> root(MenuResource::Parse(text.data(), text.size(), 1));
+    QMenu* top = root->actions().front()->menu();
+    QAction* subEntry = top->actions()[5];
+    QMenu* sub = subEntry->menu();
+    QAction* deeperEntry = sub->actions()[2];
+    QMenu* deeper = deeperEntry->menu();
+    ASSERT_TRUE(sub && deeper);
+
+    CmdTarget target;
+    target.OnCommand(100, [] {});
+    target.OnUpdateCommand(100, [](CCmdUI* ui) {
+        ui->Enable(true);
+        ui->SetCheck(1);
+    });
+    target.OnUpdateCommand(102, [](CCmdUI* ui) { ui->SetText("New name"); });
+    int firstItemUpdates = 0;
+    target.OnUpdateCommand(200, [&](CCmdUI* ui) {
+        ++firstItemUpdates;
+        ui->Enable(false);
+        ui->SetText("Renamed first");
+    });
+    target.OnCommand(201, [] {});
+    target.OnUpdateCommand(201, [](CCmdUI* ui) { ui->SetRadio(true); });
+
+    GUIUtilities::EnableMenu(&target, root.get());
+
+    EXPECT_TRUE(FindAction(top, 100)->isEnabled());
+    EXPECT_TRUE(FindAction(top, 100)->isChecked());
+    EXPECT_FALSE(FindAction(top, 101)->isEnabled());
+    EXPECT_EQ(FindAction(top, 102)->text(), QStringLiteral("New name"));
+    EXPECT_TRUE(FindAction(top, 61536)->isEnabled());   // system commands stay enabled
+    EXPECT_TRUE(top->actions()[1]->isSeparator());
+    EXPECT_TRUE(top->actions()[1]->isEnabled());
+
+    // The sub-menu's entry takes the state of its first item, but not its text.
+    EXPECT_EQ(firstItemUpdates, 2);
+    EXPECT_FALSE(subEntry->isEnabled());
+    EXPECT_EQ(subEntry->text(), QStringLiteral("Sub"));
+    EXPECT_FALSE(FindAction(sub, 200)->isEnabled());
+    EXPECT_EQ(FindAction(sub, 200)->text(), QStringLiteral("Renamed first"));
+    EXPECT_TRUE(FindAction(sub, 201)->isChecked());
+    // The radio mark comes from an exclusive group that ties it to no other item.
+    ASSERT_NE(FindAction(sub, 201)->actionGroup(), nullptr);
+    EXPECT_TRUE(FindAction(sub, 201)->actionGroup()->isExclusive());
+    EXPECT_EQ(FindAction(sub, 201)->actionGroup()->actions().size(), 1);
+    // A sub-menu is never disabled for want of a handler; its items are.
+    EXPECT_TRUE(deeperEntry->isEnabled());
+    EXPECT_FALSE(FindAction(deeper, 300)->isEnabled());
+    EXPECT_TRUE(top->actions()[6]->isEnabled());
+
+    // Handlers that change their mind are heard at the next update.
+    target.OnUpdateCommand(200, [](CCmdUI* ui) { ui->Enable(true); });
+    target.OnCommand(300, [] {});
+    GUIUtilities::EnableMenu(&target, root.get());
+    EXPECT_TRUE(subEntry->isEnabled());
+    EXPECT_TRUE(FindAction(deeper, 300)->isEnabled());
+}
+
+// --- TsMenu::TrackPopupMenu -----------------------------------------------------
+
+TEST_F(GuiMenuTest, TrackPopupMenuFlags)
+{
+    SetResourceInstance scope(&TestModule());
+    std::unique_ptr<QMenu> root(MenuResource::Load(kContextMenu));
+    QMenu* popup = root->actions().front()->menu();
+    CmdTarget owner;
+    int ownerRuns = 0;
+    owner.OnCommand(500, [&] { ++ownerRuns; });
+    owner.OnCommand(501, [&] { ++ownerRuns; });
+
+    // TPM_RETURNCMD only answers; TPM_NONOTIFY leaves the items as they are.
+    bool unhandledEnabled = false;
+    WhenPopup([&](QMenu* menu) {
+        unhandledEnabled = FindAction(menu, 502)->isEnabled();
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RETURNCMD | TPM_NONOTIFY, QPoint(200, 150), &owner), 500u);
+    EXPECT_EQ(ownerRuns, 0);
+    EXPECT_TRUE(unhandledEnabled);
+
+    // Bottom-right alignment puts the menu's lower right corner at the point.
+    QRect geometry;
+    WhenPopup([&](QMenu* menu) {
+        geometry = menu->geometry();
+        unhandledEnabled = FindAction(menu, 502)->isEnabled();
+        QTest::keyClick(menu, Qt::Key_Escape);
+    });
+    EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RIGHTALIGN | TPM_BOTTOMALIGN, QPoint(400, 300), &owner), 0u);
+    EXPECT_EQ(geometry.topLeft() + QPoint(geometry.width(), geometry.height()), QPoint(400, 300));
+    EXPECT_FALSE(unhandledEnabled);
+    EXPECT_EQ(ownerRuns, 0);
+
+    // An action that routes itself is not routed a second time.
+    WinApp app("MenuTest");
+    int appRuns = 0;
+    app.OnCommand(600, [&] { ++appRuns; });
+    owner.OnCommand(600, [&] { ++ownerRuns; });
+    TsMenu own;
+    own.addAction(korva::CreateCommandAction(600, QStringLiteral("Self"), &own));
+    WhenPopup([&](QMenu* menu) {
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    EXPECT_EQ(own.TrackPopupMenu(TPM_RIGHTBUTTON, 100, 100, &owner), 600u);
+    EXPECT_EQ(appRuns, 1);
+    EXPECT_EQ(ownerRuns, 0);
+}
+
+// --- GUI::DisplayContextMenu ----------------------------------------------------
+
+class ContextMenuTest : public GuiMenuTest
+{
+protected:
+    void SetUp() override
+    {
+        GuiMenuTest::SetUp();
+        mScope = std::make_unique<SetResourceInstance>(&TestModule());
+        mFrame = std::make_unique<TsFrameWnd>();
+        mFrame->setGeometry(60, 80, 400, 300);
+        auto* central = new QWidget(mFrame.get());
+        mFrame->setCentralWidget(central);
+        mControl = new TargetButton(QStringLiteral("Control"), central);
+        mControl->setGeometry(30, 40, 120, 30);
+        mPlain = new QPushButton(QStringLiteral("Plain"), mControl);
+        mFrame->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(mFrame.get()));
+        for (unsigned int id : {500u, 501u}) {
+            mFrame->OnCommand(id, [this, id] { mRan += "frame " + std::to_string(id) + ";"; });
+            mControl->OnCommand(id, [this, id] { mRan += "control " + std::to_string(id) + ";"; });
+        }
+    }
+    void TearDown() override
+    {
+        mFrame.reset();
+        mScope.reset();
+    }
+
+    // Opens the context menu and picks its second item with the keyboard.
+    void PickSecond()
+    {
+        WhenPopup([this](QMenu* menu) {
+            mPopupPosition = menu->pos();
+            mUnhandledEnabled = FindAction(menu, 502)->isEnabled();
+            QTest::keyClick(menu, Qt::Key_Down);
+            mFirstActive = menu->activeAction() ? menu->activeAction()->text() : QString();
+            QTest::keyClick(menu, Qt::Key_Down);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+    }
+
+    std::unique_ptr<SetResourceInstance> mScope;
+    std::unique_ptr<TsFrameWnd> mFrame;
+    TargetButton* mControl = nullptr;
+    QPushButton* mPlain = nullptr;
+    std::string mRan;
+    QPoint mPopupPosition;
+    bool mUnhandledEnabled = true;
+    QString mFirstActive;
+};
+
+TEST_F(ContextMenuTest, KeyboardMenuOpensAtTheControlCornerAndRunsOnTheFrame)
+{
+    PickSecond();
+    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 501u);
+    EXPECT_EQ(mPopupPosition, mControl->mapToGlobal(QPoint(0, 0)) + QPoint(5, 5));
+    EXPECT_EQ(mFirstActive, QStringLiteral("First"));
+    EXPECT_FALSE(mUnhandledEnabled);   // brought up to date through the frame
+    EXPECT_EQ(mRan, "frame 501;");
+}
+
+TEST_F(ContextMenuTest, WithoutFindFrameTheWindowItselfTakesTheCommand)
+{
+    PickSecond();
+    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(150, 160), false, nullptr), 501u);
+    EXPECT_EQ(mPopupPosition, QPoint(150, 160));
+    EXPECT_EQ(mRan, "control 501;");
+
+    // A plain widget stands for the nearest command target around it.
+    mRan.clear();
+    PickSecond();
+    EXPECT_EQ(GUI::DisplayContextMenu(mPlain, kContextMenu, QPoint(-1, -1), false, nullptr), 501u);
+    EXPECT_EQ(mPopupPosition, mPlain->mapToGlobal(QPoint(5, 5)));
+    EXPECT_EQ(mRan, "control 501;");
+}
+
+TEST_F(ContextMenuTest, AGivenTargetWinsAndCancellingRunsNothing)
+{
+    CmdTarget given;
+    given.OnCommand(501, [this] { mRan += "given 501;"; });
+    PickSecond();
+    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, &given), 501u);
+    EXPECT_EQ(mRan, "given 501;");
+
+    mRan.clear();
+    WhenPopup([](QMenu* menu) { QTest::keyClick(menu, Qt::Key_Escape); });
+    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 0u);
+    EXPECT_EQ(mRan, "");
+
+    try {
+        GUI::DisplayContextMenu(mControl, kNoPopupMenu, QPoint(-1, -1), true, nullptr);
+        FAIL() << "a menu without a sub-menu must throw";
+    } catch (const Exception& e) {
+        EXPECT_STREQ(e.Why(), "The menu resource 2 has no sub-menu to show.");
+    }
+}
+
+TEST_F(ContextMenuTest, CommandMayDestroyTheWindowItCameFrom)
+{
+    QPointer<TargetButton> control = mControl;
+    mControl->OnCommand(500, [this] { delete mControl; });
+    WhenPopup([](QMenu* menu) {
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), false, nullptr), 500u);
+    EXPECT_TRUE(control.isNull());
+}
+
+// --- AddToMenuBar ---------------------------------------------------------------
+
+TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
+{
+    SetResourceInstance scope(&TestModule());
+    QMainWindow window;
+    CmdTarget target;
+    std::string ran;
+    target.OnCommand(501, [&] { ran += "501;"; });
+    target.OnCommand(500, [&] { ran += "500;"; });
+    MenuResource::AddToMenuBar(kContextMenu, window.menuBar(), &target);
+    window.setGeometry(60, 80, 400, 300);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+
+    QMenuBar* bar = window.menuBar();
+    ASSERT_EQ(bar->actions().size(), 1);
+    QAction* entry = bar->actions().front();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(entry).center());
+    auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(popup, nullptr);
+    EXPECT_EQ(popup, entry->menu());
+    EXPECT_FALSE(FindAction(popup, 502)->isEnabled());   // updated as it opened
+    QTest::keyClick(popup, Qt::Key_Down);
+    QTest::keyClick(popup, Qt::Key_Down);
+    QTest::keyClick(popup, Qt::Key_Return);
+    EXPECT_EQ(ran, "501;");
+}
+
+} // namespace

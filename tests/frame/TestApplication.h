@@ -1,0 +1,50 @@
+#pragma once
+// One guarded QApplication for the whole test program: made on first use, kept
+// to process end (Qt allows only one per process). Widget tests run offscreen.
+
+#include <KORVAutlwin/frame/GuardedApplication.h>
+
+#include <QApplication>
+#include <QTimer>
+#include <QWidget>
+
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+
+namespace korva::test {
+
+inline QApplication* Application()
+{
+    if (auto* existing = qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return existing;
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    static int argc = 1;
+    static char name[] = "frame_tests";
+    static char* argv[] = {name, nullptr};
+    return new GuardedApplication(argc, argv);
+}
+
+/// Calls `action` with the active modal widget as soon as one is up that
+/// `accept` takes (any, without it), polling every 20 ms for at most `timeout`;
+/// for answering dialogs that a test opens.
+inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(10),
+                      std::function<bool(QWidget*)> accept = nullptr)
+{
+    auto* timer = new QTimer;
+    auto deadline = std::chrono::steady_clock::now() + timeout;
+    QObject::connect(timer, &QTimer::timeout, [timer, action, accept, deadline] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal && (!accept || accept(modal))) {
+            timer->stop();
+            timer->deleteLater();
+            action(modal);
+        } else if (std::chrono::steady_clock::now() > deadline) {
+            timer->stop();
+            timer->deleteLater();
+        }
+    });
+    timer->start(20);
+}
+
+} // namespace korva::test

@@ -1,0 +1,167 @@
+// A small program that the failure tests start as a child process, since what
+// they check ends a process: crashes that leave a dump, and the internal error
+// dialog, whose Finish button ends the program (and may start it again).
+//
+//   korva_failure_helper <mode> <folder>
+//
+// Crash modes initialise MiniDumper with the dump file <folder>/crash.dmp; its
+// onDumped writes <folder>/dumped (the path), its onFailed <folder>/failed
+// (path, a line feed, the error number).
+
+#include <KORVAutlwin/frame/FaultTranslation.h>
+#include <KORVAutlwin/frame/InternalErrorDialog.h>
+#include <KORVAutlwin/frame/MiniDumper.h>
+#include <KORVAutlwin/frame/TsSystemException.h>
+
+#include <KORVAutl/Exception.h>
+#include <KORVAutl/Log.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QTest>
+#include <QTimer>
+#include <QWizard>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+std::string gFolder;
+
+// Markers are written from the crash handler: plain system calls only.
+void WriteMarker(const char* name, const std::string& content)
+{
+    const std::string path = gFolder + "/" + name;
+    const int fd = open(path.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0644);
+    if (fd < 0)
+        return;
+    if (write(fd, content.data(), content.size()) < 0) {
+    }
+    close(fd);
+}
+
+void InitializeDumper(const std::string& dumpFile, const char* dumpedMarker)
+{
+    MiniDumper::Initialize([dumpFile] { return dumpFile; },
+                           [dumpedMarker](const char* path) { WriteMarker(dumpedMarker, path); },
+                           [](const char* path, unsigned long error) {
+                               WriteMarker("failed", std::string(path) + "\n" + std::to_string(error));
+                           });
+}
+
+[[gnu::noinline]] void FaultAt(std::uintptr_t address)
+{
+    *reinterpret_cast<volatile int*>(address) = 1;
+}
+
+[[gnu::noinline]] int Recurse(int depth)
+{
+    volatile char block[512];
+    block[0] = static_cast<char>(depth);
+    if (depth < 0)
+        return 0;
+    return Recurse(depth + 1) + block[0];
+}
+
+// A guard that a thrown exception and a translated fault have left: neither may
+// leave a stale guard behind for the crash that follows.
+void LeaveGuards()
+{
+    try {
+        korva::RunWithFaultTranslation([] { throw Exception("passes through"); });
+    } catch (const Exception&) {
+    }
+    try {
+        korva::RunWithFaultTranslation([] { FaultAt(8); });
+    } catch (const TsSystemException&) {
+    }
+}
+
+int RunDialog(int argc, char** argv, bool restart)
+{
+    // The program started again by Finish: it only reports its arguments.
+    if (access((gFolder + "/first").c_str(), F_OK) == 0) {
+        std::string arguments;
+        for (int i = 0; i < argc; ++i)
+            arguments += std::string(argv[i]) + "\n";
+        WriteMarker("restarted", arguments);
+        return 0;
+    }
+    WriteMarker("first", std::to_string(getpid()));
+
+    QApplication app(argc, argv);
+    // Clicks as a user would give them, once the dialog is up.
+    std::function<void()> drive = [&] {
+        auto* wizard = qobject_cast<QWizard*>(QApplication::activeModalWidget());
+        if (!wizard || !wizard->isVisible()) {
+            QTimer::singleShot(10, drive);
+            return;
+        }
+        if (restart) {
+            for (QCheckBox* box : wizard->findChildren<QCheckBox*>())
+                if (box->property("ctrlId").toInt() == 13040)
+                    QTest::mouseClick(box, Qt::LeftButton);
+        }
+        QTest::mouseClick(wizard->button(QWizard::FinishButton), Qt::LeftButton);
+    };
+    QTimer::singleShot(0, drive);
+    ShowInternalErrorDialog("The helper met an error.");
+    WriteMarker("returned", "");
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: %s <mode> <folder>\n", argv[0]);
+        return 2;
+    }
+    const std::string mode = argv[1];
+    gFolder = argv[2];
+    Log::SetLogFile((gFolder + "/helper.log").c_str());
+    // A crash here is expected: no core file.
+    const rlimit noCore{0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+
+    const std::string dumpFile = gFolder + "/crash.dmp";
+    if (mode == "crash-main") {
+        InitializeDumper(dumpFile, "dumped");
+        LeaveGuards();
+        FaultAt(0x10);
+    } else if (mode == "crash-thread") {
+        InitializeDumper(dumpFile, "dumped");
+        std::thread worker([] {
+            LeaveGuards();
+            FaultAt(0x20);
+        });
+        worker.join();
+    } else if (mode == "crash-twice") {
+        InitializeDumper(dumpFile, "dumped");
+        InitializeDumper(gFolder + "/second.dmp", "dumped-second");
+        FaultAt(0x10);
+    } else if (mode == "crash-unwritable") {
+        InitializeDumper(gFolder + "/missing/crash.dmp", "dumped");
+        FaultAt(0x10);
+    } else if (mode == "overflow-main") {
+        InitializeDumper(dumpFile, "dumped");
+        return Recurse(0);
+    } else if (mode == "terminate") {
+        InitializeDumper(dumpFile, "dumped");
+        std::thread([] { throw Exception("The helper gave up."); }).join();
+    } else if (mode == "dialog-restart" || mode == "dialog-finish") {
+        return RunDialog(argc, argv, mode == "dialog-restart");
+    } else {
+        std::fprintf(stderr, "unknown mode %s\n", mode.c_str());
+        return 2;
+    }
+    return 0;
+}
