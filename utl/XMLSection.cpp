@@ -6,6 +6,7 @@
 #include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/SafeFileWriter.h>
 #include <KORVAutl/TsString.h>
+#include <KORVAutl/TsUnicode.h>
 #include <KORVAutl/XMLInputStream.h>
 
 #include <pugixml.hpp>
@@ -60,61 +61,6 @@ bool IsNameChar(char32_t c)
            (c >= 0x300 && c <= 0x36F) || (c >= 0x203F && c <= 0x2040);
 }
 
-// Decodes one UTF-8 sequence at `text[i]`; its length, or 0 when the bytes
-// there are no valid, shortest-form sequence.
-std::size_t DecodeUtf8(std::string_view text, std::size_t i, char32_t& c)
-{
-    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
-    const unsigned char b = byte(i);
-    std::size_t length;
-    if (b < 0x80) {
-        c = b;
-        return 1;
-    }
-    if ((b & 0xE0) == 0xC0) {
-        length = 2;
-        c = b & 0x1F;
-    } else if ((b & 0xF0) == 0xE0) {
-        length = 3;
-        c = b & 0x0F;
-    } else if ((b & 0xF8) == 0xF0) {
-        length = 4;
-        c = b & 0x07;
-    } else {
-        return 0;
-    }
-    if (i + length > text.size())
-        return 0;
-    for (std::size_t k = 1; k < length; ++k) {
-        if ((byte(i + k) & 0xC0) != 0x80)
-            return 0;
-        c = (c << 6) | (byte(i + k) & 0x3F);
-    }
-    static const char32_t minimum[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (c < minimum[length] || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
-        return 0;
-    return length;
-}
-
-void AppendUtf8(std::string& text, char32_t c)
-{
-    if (c < 0x80) {
-        text += static_cast<char>(c);
-    } else if (c < 0x800) {
-        text += static_cast<char>(0xC0 | (c >> 6));
-        text += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        text += static_cast<char>(0xE0 | (c >> 12));
-        text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        text += static_cast<char>(0xF0 | (c >> 18));
-        text += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
-
 void AppendEscape(std::string& text, unsigned long value, int digits)
 {
     char buffer[16];
@@ -133,7 +79,7 @@ std::string EncodeName(std::string_view name, bool escapeUnderscores)
             continue;
         }
         char32_t c = 0;
-        const std::size_t length = DecodeUtf8(name, i, c);
+        const std::size_t length = korva::DecodeUtf8(name, i, c);
         if (length == 0) {
             AppendEscape(encoded, static_cast<unsigned char>(name[i]), 2);
             ++i;
@@ -448,7 +394,7 @@ std::string DecodeXMLName(std::string_view name)
                     continue;
                 }
                 if ((digits == 4 || digits == 6) && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF)) {
-                    AppendUtf8(decoded, static_cast<char32_t>(value));
+                    korva::AppendUtf8(decoded, static_cast<char32_t>(value));
                     i = end + 1;
                     continue;
                 }

@@ -131,7 +131,7 @@ TEST(UnicodeTest, ConversionsRoundTripAndRepairBadInput)
 
     // Truncated sequences, overlong forms and lone surrogates become U+FFFD.
     EXPECT_EQ(korva::Utf8ToWide("x\xE2\x82"), std::wstring(L"x\uFFFD\uFFFD"));
-    EXPECT_EQ(korva::Utf8ToWide("\xC0\xAF"), std::wstring(L"\uFFFD"));
+    EXPECT_EQ(korva::Utf8ToWide("\xC0\xAF"), std::wstring(L"\uFFFD\uFFFD"));   // each byte of an overlong form
     EXPECT_EQ(korva::Utf16ToWide(std::u16string(1, char16_t(0xD800))), std::wstring(L"\uFFFD"));
 }
 
