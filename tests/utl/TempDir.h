@@ -1,9 +1,26 @@
 #pragma once
-// A fresh folder below the system's temporary folder, removed with its content at scope end.
+// Files for tests, and a fresh folder below the system's temporary folder, removed with its content at scope end.
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
+
+/// The whole content of a file; empty when it cannot be read.
+inline std::string ReadFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+/// Replaces the content of a file.
+inline void WriteFile(const std::string& path, const std::string& content)
+{
+    std::ofstream(path, std::ios::binary) << content;
+}
 
 class TempDir
 {

@@ -26,16 +26,6 @@
 
 KORVA_DECLARE_VERSION(3, 14, 15, 92);
 
-namespace {
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
-} // namespace
-
 TEST(ExceptionTest, CarriesItsTextAndCauses)
 {
     const Exception inner("disk full");
@@ -71,7 +61,7 @@ TEST(LanguageStringTest, EveryIdTheCodeUsesHasAText)
         if (path.find("/build/") != std::string::npos || path.find("/tests/") != std::string::npos ||
             (entry.path().extension() != ".cpp" && entry.path().extension() != ".h"))
             continue;
-        const std::string text = ReadAll(path);
+        const std::string text = ReadFile(path);
         std::map<std::string, unsigned> constants;
         for (std::sregex_iterator it(text.begin(), text.end(), constant), end; it != end; ++it)
             constants[(*it)[1]] = static_cast<unsigned>(std::stoul((*it)[2]));
@@ -208,7 +198,7 @@ TEST(FileUtlTest, FoldersFilesAndCopies)
 
     const std::string target = dir.File("a/copy.bin");
     ASSERT_TRUE(TsCopyFile(source.c_str(), target.c_str(), true));
-    EXPECT_EQ(ReadAll(target), content);
+    EXPECT_EQ(ReadFile(target), content);
     struct stat info {};
     stat(target.c_str(), &info);
     EXPECT_EQ(info.st_mode & 0777, 0640u);
@@ -216,11 +206,11 @@ TEST(FileUtlTest, FoldersFilesAndCopies)
     // failIfExists keeps the existing target; without it the target is replaced.
     std::ofstream(target) << "keep";
     EXPECT_FALSE(TsCopyFile(source.c_str(), target.c_str(), true));
-    EXPECT_EQ(ReadAll(target), "keep");
+    EXPECT_EQ(ReadFile(target), "keep");
     ASSERT_TRUE(TsCopyFile(source.c_str(), target.c_str(), false));
-    EXPECT_EQ(ReadAll(target), content);
+    EXPECT_EQ(ReadFile(target), content);
     EXPECT_FALSE(TsCopyFile(dir.File("missing").c_str(), target.c_str(), false));
-    EXPECT_EQ(ReadAll(target), content);
+    EXPECT_EQ(ReadFile(target), content);
     // No temporary file is left behind.
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.File("a")), {}), 2);
 
@@ -252,7 +242,7 @@ TEST(LogTest, OneLinePerCallWithImportanceAndForce)
     Log::SetMinimumImportance(0);
     Log::Flush();
 
-    std::istringstream lines(ReadAll(file));
+    std::istringstream lines(ReadFile(file));
     std::vector<std::string> all;
     for (std::string line; std::getline(lines, line);)
         all.push_back(line);
@@ -269,7 +259,7 @@ TEST(LogTest, OneLinePerCallWithImportanceAndForce)
     Log::SetLogFile(nullptr);
     EXPECT_EQ(Log::GetLogFile(), dir.Path() + "/Tessmark/utl_tests/3.14/utl_tests.log");
     Log::WriteMessage("X", "Y", "into the default file", 4);
-    EXPECT_NE(ReadAll(Log::GetLogFile()).find("X::Y: into the default file"), std::string::npos);
+    EXPECT_NE(ReadFile(Log::GetLogFile()).find("X::Y: into the default file"), std::string::npos);
     unsetenv("XDG_CONFIG_HOME");
     Log::SetLogFile(dir.File("other.log").c_str());
 }

@@ -27,19 +27,6 @@ using Section = std::unique_ptr<ConfigurationSection>;
 
 const std::string kData = std::string(KORVA_SOURCE_DIR) + "/tests/utl/data/xml/";
 
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
-void WriteFile(const std::string& path, const std::string& content)
-{
-    std::ofstream(path, std::ios::binary) << content;
-}
-
 std::string Key(const ConfigurationSection& section, const char* key)
 {
     std::string value;
