@@ -1,0 +1,3 @@
+#include <KORVAutlwin/progress/TsGaugeBase.h>
+
+TsGaugeBase::~TsGaugeBase() = default;
