@@ -3,6 +3,7 @@
 #include <KORVAutl/Exception.h>
 
 #include <fstream>
+#include <memory>
 #include <mutex>
 #include <sstream>
 #include <vector>
@@ -70,7 +71,8 @@ const ResourceModule* ResourceModule::LoadFromDirectory(const std::string& direc
     if (!ReadFile(directory + "/strings.txt", content))
         throw Exception("The language module in " + directory + " has no readable strings.txt.");
 
-    auto* module = new ResourceModule();
+    auto owned = std::unique_ptr<ResourceModule>(new ResourceModule());
+    ResourceModule* module = owned.get();
     module->mName = directory;
     for (const std::string& line : Lines(content)) {
         const auto tab = line.find('\t');
@@ -78,7 +80,6 @@ const ResourceModule* ResourceModule::LoadFromDirectory(const std::string& direc
         try {
             id = std::stoul(line.substr(0, tab));
         } catch (const std::exception&) {
-            delete module;
             throw Exception("The language module in " + directory + " has a bad line: " + line);
         }
         module->mStrings[static_cast<unsigned int>(id)] =
@@ -90,14 +91,17 @@ const ResourceModule* ResourceModule::LoadFromDirectory(const std::string& direc
             std::istringstream fields(line);
             unsigned int id = 0;
             std::string type, file, data;
-            if (!(fields >> id >> type >> file) || !ReadFile(directory + "/" + file, data)) {
-                delete module;
+            if (!(fields >> id >> type >> file) || !ReadFile(directory + "/" + file, data))
                 throw Exception("The language module in " + directory + " has a bad resource: " + line);
-            }
             module->mResources[{type, id}] = data;
         }
     }
-    // Modules live to the end of the process, so the texts they hand out stay valid.
+    // Modules live to the end of the process, static destruction included, so
+    // the texts they hand out stay valid; the list only keeps them reachable.
+    static std::mutex loadedMutex;
+    static auto* loaded = new std::vector<std::unique_ptr<ResourceModule>>();
+    std::lock_guard<std::mutex> lock(loadedMutex);
+    loaded->push_back(std::move(owned));
     return module;
 }
 
