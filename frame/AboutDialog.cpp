@@ -1,9 +1,9 @@
 #include <KORVAutlwin/frame/AboutDialog.h>
 
+#include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/WinApp.h>
 
 #include <KORVAutl/LanguageString.h>
-#include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/TsString.h>
 #include <KORVAutl/TsSystemInfo.h>
 
@@ -22,23 +22,6 @@ constexpr unsigned int kTitle = 13183;
 constexpr unsigned int kVersion = 13186;
 constexpr unsigned int kLibraries = 13241;
 constexpr unsigned int kPngLibrary = 13242;
-
-QColor FromColorRef(unsigned int colorRef)
-{
-    return QColor(colorRef & 0xFF, (colorRef >> 8) & 0xFF, (colorRef >> 16) & 0xFF);
-}
-
-QPixmap LoadPicture(unsigned int id)
-{
-    std::size_t size = 0;
-    const char* data = LanguageString::GetModule()->FindResource(id, "PNG", &size);
-    if (!data)
-        data = korva::EnglishResourceModule().FindResource(id, "PNG", &size);
-    QPixmap picture;
-    if (data)
-        picture.loadFromData(reinterpret_cast<const uchar*>(data), static_cast<uint>(size), "PNG");
-    return picture;
-}
 
 } // namespace
 
@@ -63,7 +46,7 @@ void AboutDialog::Build(const char* text1, const char* text2, bool showDetailsBu
     setWindowTitle(QString::fromStdString(TsString::Format(kTitle, mAppName.c_str())));
 
     auto* picture = new QLabel(this);
-    picture->setPixmap(LoadPicture(mBitmapId));
+    picture->setPixmap(QPixmap::fromImage(GUIUtilities::LoadPicture(mBitmapId)));
     picture->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
     picture->setProperty("ctrlId", 1000);
 
@@ -74,7 +57,7 @@ void AboutDialog::Build(const char* text1, const char* text2, bool showDetailsBu
     name->setFont(nameFont);
     const bool dark = palette().color(QPalette::Window).lightness() < 128;
     QPalette namePalette = name->palette();
-    namePalette.setColor(QPalette::WindowText, FromColorRef(dark ? kProductColorDark : kProductColor));
+    namePalette.setColor(QPalette::WindowText, GUIUtilities::FromColorRef(dark ? kProductColorDark : kProductColor));
     name->setPalette(namePalette);
     name->setObjectName(QStringLiteral("productName"));
 

@@ -2,11 +2,18 @@
 
 #include <KORVAutlwin/frame/CmdTarget.h>
 #include <KORVAutlwin/frame/CommandAction.h>
+#include <KORVAutlwin/frame/TessmaMDIFrame.h>
+#include <KORVAutlwin/frame/WinApp.h>
 
 #include <KORVAutl/LanguageString.h>
 #include <KORVAutl/ResourceModule.h>
 
 #include <QAction>
+#include <QColor>
+#include <QImage>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 
 namespace {
@@ -24,6 +31,24 @@ std::string ReadResource(unsigned int id)
     std::size_t size = 0;
     const char* data = LanguageString::GetModule()->FindResource(id, "HTML", &size);
     return data ? std::string(data, size) : std::string();
+}
+
+QImage LoadPicture(unsigned int id)
+{
+    std::size_t size = 0;
+    const char* data = LanguageString::GetModule()->FindResource(id, "PNG", &size);
+    if (!data)
+        data = korva::EnglishResourceModule().FindResource(id, "PNG", &size);
+    QImage picture;
+    if (data)
+        picture.loadFromData(reinterpret_cast<const uchar*>(data), static_cast<int>(size), "PNG");
+    return picture;
+}
+
+QColor FromColorRef(unsigned long colorRef)
+{
+    return QColor(static_cast<int>(colorRef & 0xFF), static_cast<int>((colorRef >> 8) & 0xFF),
+                  static_cast<int>((colorRef >> 16) & 0xFF));
 }
 
 void EnableMenu(CmdTarget* target, QMenu* menu)
@@ -49,6 +74,30 @@ void EnableMenu(CmdTarget* target, QMenu* menu)
         korva::ActionCmdUI item(action, id);
         item.DoUpdate(target, id < kFirstSystemCommand);
     }
+}
+
+int GetMDIChildWnds(std::vector<QMdiSubWindow*>* windows, bool visibleOnly)
+{
+    const WinApp* app = WinApp::GetApp();
+    QWidget* main = app ? app->GetMainWnd() : nullptr;
+    QMdiArea* area = nullptr;
+    if (const auto* frame = dynamic_cast<const TessmaMDIFrame*>(main))
+        area = frame->GetMDIClient();
+    else if (const auto* window = qobject_cast<const QMainWindow*>(main))
+        area = qobject_cast<QMdiArea*>(window->centralWidget());
+    if (!area || !area->currentSubWindow())
+        return 0;
+    // Stacking order lists the topmost child last.
+    const QList<QMdiSubWindow*> children = area->subWindowList(QMdiArea::StackingOrder);
+    int count = 0;
+    for (auto child = children.crbegin(); child != children.crend(); ++child) {
+        if (visibleOnly && (*child)->isHidden())
+            continue;
+        ++count;
+        if (windows)
+            windows->push_back(*child);
+    }
+    return count;
 }
 
 } // namespace GUIUtilities

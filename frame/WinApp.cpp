@@ -1,13 +1,12 @@
 #include <KORVAutlwin/frame/WinApp.h>
 
+#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/GuardedApplication.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
 
 #include <KORVAutl/TsSystemInfo.h>
 
-#include <QMessageBox>
-#include <QPushButton>
 #include <QWidget>
 
 #include <memory>
@@ -125,68 +124,14 @@ int WinApp::ExitInstance()
 
 namespace {
 
-struct ButtonChoice
-{
-    QMessageBox::StandardButton button;
-    int id;
-};
-
-std::vector<ButtonChoice> ButtonsOf(unsigned int type)
-{
-    switch (type & MB_TYPEMASK) {
-    case MB_OKCANCEL:
-        return {{QMessageBox::Ok, IDOK}, {QMessageBox::Cancel, IDCANCEL}};
-    case MB_ABORTRETRYIGNORE:
-        return {{QMessageBox::Abort, IDABORT}, {QMessageBox::Retry, IDRETRY}, {QMessageBox::Ignore, IDIGNORE}};
-    case MB_YESNOCANCEL:
-        return {{QMessageBox::Yes, IDYES}, {QMessageBox::No, IDNO}, {QMessageBox::Cancel, IDCANCEL}};
-    case MB_YESNO:
-        return {{QMessageBox::Yes, IDYES}, {QMessageBox::No, IDNO}};
-    case MB_RETRYCANCEL:
-        return {{QMessageBox::Retry, IDRETRY}, {QMessageBox::Cancel, IDCANCEL}};
-    case MB_CANCELTRYCONTINUE:
-        return {{QMessageBox::Cancel, IDCANCEL}, {QMessageBox::Retry, IDTRYAGAIN}, {QMessageBox::Ignore, IDCONTINUE}};
-    default:
-        return {{QMessageBox::Ok, IDOK}};
-    }
-}
-
-QMessageBox::Icon IconOf(unsigned int type)
-{
-    switch (type & MB_ICONMASK) {
-    case MB_ICONHAND:
-        return QMessageBox::Critical;
-    case MB_ICONQUESTION:
-        return QMessageBox::Question;
-    case MB_ICONEXCLAMATION:
-        return QMessageBox::Warning;
-    case MB_ICONASTERISK:
-        return QMessageBox::Information;
-    default:
-        return QMessageBox::NoIcon;
-    }
-}
-
 int ShowMessageBox(QWidget* parent, const std::string& title, const char* text, unsigned int type)
 {
-    QMessageBox box(IconOf(type), QString::fromStdString(title), QString::fromUtf8(text ? text : ""),
-                    QMessageBox::NoButton, parent);
-    const std::vector<ButtonChoice> buttons = ButtonsOf(type);
-    for (const ButtonChoice& choice : buttons)
-        box.addButton(choice.button);
-    const std::size_t defaultIndex = (type & MB_DEFMASK) >> 8;
-    if (defaultIndex < buttons.size())
-        box.setDefaultButton(buttons[defaultIndex].button);
-    // Escape answers Cancel where there is one, and OK in a box with only OK.
-    for (const ButtonChoice& choice : buttons)
-        if (choice.id == IDCANCEL || buttons.size() == 1)
-            box.setEscapeButton(choice.button);
-    box.exec();
-    const auto pressed = box.standardButton(box.clickedButton());
-    for (const ButtonChoice& choice : buttons)
-        if (choice.button == pressed)
-            return choice.id;
-    return IDCANCEL;
+    CustomMessageBoxDlg box(type, 0, parent);
+    box.SetTitle(title.c_str());
+    box.SetText(text);
+    const int answer = box.exec();
+    // A box with only OK has one answer however it was closed, as the framework's own box has.
+    return (type & MB_TYPEMASK) == MB_OK ? IDOK : answer;
 }
 
 } // namespace
