@@ -1,0 +1,111 @@
+#include <KORVAutlwin/progress/ProgressArt.h>
+
+#include <KORVAutlwin/frame/TsApp.h>
+
+#include <KORVAutl/TsFileUtl.h>
+
+#include <filesystem>
+
+bool ProgressArt::msInitialized = false;
+std::mutex ProgressArt::msLock;
+
+korva::ArtCatalogue& ProgressArt::Catalogue()
+{
+    static korva::ArtCatalogue* catalogue = new korva::ArtCatalogue;
+    return *catalogue;
+}
+
+void ProgressArt::Init()
+{
+    const std::lock_guard<std::mutex> guard(msLock);
+    if (msInitialized)
+        return;
+    msInitialized = true;
+    korva::ArtCatalogue& catalogue = Catalogue();
+    const std::string executableFolder = TsGetExecutableDirectory();
+    catalogue.LoadPainters(executableFolder);
+    if (const auto* app = dynamic_cast<const TsApp*>(WinApp::GetApp())) {
+        const std::string pluginFolder = app->GetPluginDirectory();
+        // A plug-in folder that is the executable's own would bring every artist twice.
+        std::error_code error;
+        if (!pluginFolder.empty() && !std::filesystem::equivalent(pluginFolder, executableFolder, error))
+            catalogue.LoadPainters(pluginFolder);
+    }
+    catalogue.Finish();
+}
+
+int ProgressArt::GetNumArtists()
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetNumArtists();
+}
+
+int ProgressArt::GetPreferedArtist()
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetPreferedArtist();
+}
+
+void ProgressArt::SetPreferedArtist(int artist)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    Catalogue().SetPreferedArtist(artist);
+}
+
+int ProgressArt::GetNumPaintings(int artist)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetNumPaintings(artist);
+}
+
+std::string ProgressArt::GetArtistName(int artist, int picture)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetArtistName(artist, picture);
+}
+
+std::string ProgressArt::GetArtistLifeSpan(int artist, int picture)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetArtistLifeSpan(artist, picture);
+}
+
+QImage ProgressArt::GetArtistPortrait(int artist, int picture)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetArtistPortrait(artist, picture);
+}
+
+QImage ProgressArt::GetPainting(int artist, int picture)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetPainting(artist, picture);
+}
+
+std::string ProgressArt::GetPaintingName(int artist, int picture)
+{
+    Init();
+    const std::lock_guard<std::mutex> guard(msLock);
+    return Catalogue().GetPaintingName(artist, picture);
+}
+
+// The sizes are fixed once Init has run, so they are read without the lock.
+QPoint ProgressArt::GetMaxBitmapSize()
+{
+    Init();
+    return Catalogue().GetMaxBitmapSize();
+}
+
+QPoint ProgressArt::GetMaxPortraitSize()
+{
+    Init();
+    return Catalogue().GetMaxPortraitSize();
+}

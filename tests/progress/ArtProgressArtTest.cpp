@@ -1,0 +1,107 @@
+#include "ArtTestSupport.h"
+
+#include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/progress/ArtCatalogue.h>
+#include <KORVAutlwin/progress/ProgressArt.h>
+
+#include <KORVAutl/TsFileUtl.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+using korva::test::MakeCollection;
+using korva::test::SaveWithPicture;
+using korva::test::WritePicture;
+
+namespace {
+
+// ProgressArt loads once per process, so this is its only test: the catalogue
+// of the executable's folder (the collection that ships beside the programs)
+// and of the application's plug-in folder, with two collections of 3 and 2.
+TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
+{
+    TempDir home;
+    setenv("XDG_CONFIG_HOME", home.File("config").c_str(), 1);
+    setenv("KORVA_COMMON_APPDATA", home.File("common").c_str(), 1);
+    setenv("KORVA_REGISTRY_DIR", home.Path().c_str(), 1);
+
+    TempDir plugins;
+    const std::string picture = WritePicture(home.File("p.png"), 90, 70);
+    ArtInfo three;
+    three.AddCollection(MakeCollection("Three", {"T1", "T2", "T3"}));
+    SaveWithPicture(three, plugins.File("a.tart"), picture);
+    ArtInfo two;
+    CollectionInfo big = MakeCollection("Two", {"W1", "W2"});
+    big.SetMaxPictureSize(399, 398);
+    big.SetMaxPortraitSize(79, 78);
+    two.AddCollection(big);
+    SaveWithPicture(two, plugins.File("b.tart"), picture);
+
+    // What the executable's folder brings by itself.
+    korva::ArtCatalogue programFolder;
+    programFolder.LoadPainters(TsGetExecutableDirectory());
+    programFolder.Finish();
+    const int shipped = programFolder.GetNumArtists() >= 2 ? programFolder.GetNumArtists() - 1
+                                                            : programFolder.GetNumArtists();
+    const int shippedPictures = programFolder.GetNumPaintings(shipped);
+
+    {
+        TsApp app("art_tests");
+        app.SetPluginDirectory(plugins.Path().c_str());
+        ProgressArt::Init();
+    }
+    // Loaded once: the application and its plug-in folder are gone, the catalogue stays.
+    const int collections = shipped + 2;
+    ASSERT_EQ(collections + 1, ProgressArt::GetNumArtists());
+    EXPECT_EQ(0, ProgressArt::GetPreferedArtist());
+    EXPECT_EQ("Three", ProgressArt::GetArtistName(shipped, -1));
+    EXPECT_EQ("Two", ProgressArt::GetArtistName(shipped + 1, -1));
+    EXPECT_EQ("<Random>", ProgressArt::GetArtistName(collections, -1));
+    EXPECT_EQ(shippedPictures + 5, ProgressArt::GetNumPaintings(collections));
+    EXPECT_EQ("W1", ProgressArt::GetPaintingName(collections, shippedPictures + 3));
+    EXPECT_EQ("", ProgressArt::GetPaintingName(collections, shippedPictures + 5));
+    EXPECT_EQ(QSize(90, 70), ProgressArt::GetPainting(shipped + 1, 1).size());
+    EXPECT_TRUE(ProgressArt::GetArtistPortrait(shipped, -1).isNull());
+    EXPECT_EQ(std::max(programFolder.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
+    EXPECT_EQ(std::max(programFolder.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
+    ProgressArt::SetPreferedArtist(collections);
+    EXPECT_EQ(collections, ProgressArt::GetPreferedArtist());
+    ProgressArt::SetPreferedArtist(collections + 1);
+    EXPECT_EQ(0, ProgressArt::GetPreferedArtist());
+
+    // The break window's thread and the main thread ask at the same time.
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 25; ++i) {
+                const int picture = shippedPictures + (i + t) % 5;
+                const std::string name = ProgressArt::GetPaintingName(collections, picture);
+                const QImage image = ProgressArt::GetPainting(collections, picture);
+                if (name.empty() || image.size() != QSize(90, 70))
+                    ++wrong;
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(0, wrong.load());
+
+    // A file added while the process runs waits for the next start.
+    SaveWithPicture(three, plugins.File("c.tart"), picture);
+    {
+        TsApp app("art_tests");
+        app.SetPluginDirectory(plugins.Path().c_str());
+        ProgressArt::Init();
+        EXPECT_EQ(collections + 1, ProgressArt::GetNumArtists());
+    }
+
+    unsetenv("KORVA_REGISTRY_DIR");
+    unsetenv("KORVA_COMMON_APPDATA");
+    unsetenv("XDG_CONFIG_HOME");
+}
+
+} // namespace

@@ -1,0 +1,169 @@
+#include "../utl/TempDir.h"
+
+#include <KORVAutlwin/progress/ArtStorageReader.h>
+#include <KORVAutlwin/progress/ArtStorageWriter.h>
+#include <KORVAutlwin/progress/IStreamDevice.h>
+
+#include <boost/iostreams/stream.hpp>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// Writes `text` into stream "s" of a new compound file through the device.
+void WriteThroughDevice(const std::string& path, const std::string& text)
+{
+    korva::ArtStorageWriter writer(path);
+    ASSERT_TRUE(writer.IsOpen());
+    const auto stream = writer.CreateStream("s");
+    ASSERT_TRUE(stream);
+    {
+        boost::iostreams::stream<IStreamDevice> out{IStreamDevice(stream.get())};
+        out << text;
+        out.flush();
+        ASSERT_TRUE(out.good());
+    }
+    ASSERT_TRUE(writer.CloseStream(stream));
+    ASSERT_TRUE(writer.Commit());
+}
+
+TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
+{
+    TempDir dir;
+    // More than the stream buffer and more than a small-block stream, so that both kinds are crossed.
+    std::string text;
+    for (int i = 0; text.size() < 20000; ++i)
+        text += std::to_string(i) + " ";
+    WriteThroughDevice(dir.File("a.cf"), text);
+
+    std::shared_ptr<GsfInput> input;
+    {
+        korva::ArtStorageReader reader(dir.File("a.cf"));
+        input = reader.OpenStream("s");
+    }
+    // The stream outlives the reader that opened it.
+    ASSERT_TRUE(input);
+    boost::iostreams::stream<IStreamDevice> in{IStreamDevice(input.get())};
+    in.exceptions(std::ios_base::badbit);
+    std::string all((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(text, all);
+
+    in.clear();
+    in.seekg(6000);
+    EXPECT_EQ(6000, in.tellg());
+    EXPECT_EQ(text[6000], in.get());
+    in.seekg(-3, std::ios_base::end);
+    std::string tail(3, '\0');
+    in.read(tail.data(), 3);
+    EXPECT_EQ(text.substr(text.size() - 3), tail);
+    in.seekg(-10, std::ios_base::cur);
+    EXPECT_EQ(static_cast<std::streamoff>(text.size() - 10), static_cast<std::streamoff>(in.tellg()));
+
+    IStreamDevice device(input.get());
+    device.seek(0, std::ios_base::end);
+    char byte = 0;
+    EXPECT_EQ(-1, device.read(&byte, 1));
+    try {
+        device.seek(-1, std::ios_base::beg);
+        ADD_FAILURE() << "no exception";
+    } catch (const IStreamDevice::IStreamDeviceError& error) {
+        EXPECT_STREQ("seek failed", error.what());
+    }
+    EXPECT_THROW(device.seek(1, std::ios_base::end), std::ios_base::failure);
+    // A device for reading writes nothing.
+    EXPECT_THROW(device.write("x", 1), IStreamDevice::IStreamDeviceError);
+    // Through a stream with bad-bit exceptions, the device's failure arrives as itself.
+    EXPECT_THROW(in.seekg(-1, std::ios_base::beg), IStreamDevice::IStreamDeviceError);
+}
+
+TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommit)
+{
+    TempDir dir;
+    WriteThroughDevice(dir.File("a.cf"), "old");
+    {
+        korva::ArtStorageWriter writer(dir.File("a.cf"));
+        ASSERT_TRUE(writer.WriteStream("s", "new", 3));
+        // Names the format cannot hold, and doubles, are refused.
+        EXPECT_FALSE(writer.CreateStream(""));
+        EXPECT_FALSE(writer.CreateStream("s"));
+        EXPECT_FALSE(writer.CreateStream(std::string(32, 'n')));
+        EXPECT_TRUE(writer.WriteStream(std::string(31, 'n'), "", 0));
+        // Not committed: dropped.
+    }
+    std::string content;
+    ASSERT_TRUE(korva::ArtStorageReader(dir.File("a.cf")).ReadStream("s", content));
+    EXPECT_EQ("old", content);
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(dir.Path()), std::filesystem::directory_iterator()));
+
+    {
+        korva::ArtStorageWriter writer(dir.File("a.cf"));
+        korva::ArtStorageReader old(dir.File("a.cf"));
+        ASSERT_TRUE(writer.WriteStream("t", "added", 5));
+        ASSERT_TRUE(writer.CopyMissing(old));
+        ASSERT_TRUE(writer.Commit());
+        EXPECT_FALSE(writer.Commit());
+    }
+    korva::ArtStorageReader reader(dir.File("a.cf"));
+    EXPECT_EQ((std::vector<std::string>{"s", "t"}), reader.GetStreamNames());
+    ASSERT_TRUE(reader.ReadStream("s", content));
+    EXPECT_EQ("old", content);
+    EXPECT_FALSE(reader.ReadStream("s", content, 2));
+    EXPECT_FALSE(reader.ReadStream("u", content));
+
+    EXPECT_FALSE(korva::ArtStorageWriter(dir.File("missing/a.cf")).IsOpen());
+}
+
+TEST(ArtStreamDeviceTest, FilesKeptOpenForPicturesAreOpenedAfreshWhenReplaced)
+{
+    TempDir dir;
+    const std::string path = dir.File("a.cf");
+    WriteThroughDevice(path, "first");
+    std::string content;
+    ASSERT_TRUE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
+    EXPECT_EQ("first", content);
+
+    // Replaced by renaming a new file over it, as the writer does.
+    WriteThroughDevice(path, "second, longer");
+    ASSERT_TRUE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
+    EXPECT_EQ("second, longer", content);
+
+    // Overwritten in place by a copy of another file.
+    WriteThroughDevice(dir.File("b.cf"), "third, in place");
+    {
+        std::ofstream out(path, std::ios::binary | std::ios::trunc);
+        out << std::ifstream(dir.File("b.cf"), std::ios::binary).rdbuf();
+    }
+    ASSERT_TRUE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
+    EXPECT_EQ("third, in place", content);
+
+    std::remove(path.c_str());
+    EXPECT_FALSE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
+    EXPECT_FALSE(korva::ArtStorageReader::ReadStreamOf(dir.File("b.cf"), "t", content));
+
+    // More files than are kept open, read from several threads at once.
+    for (int i = 0; i < 6; ++i)
+        WriteThroughDevice(dir.File(std::to_string(i) + ".cf"), "file " + std::to_string(i));
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 60; ++i) {
+                const int file = (i * 5 + t) % 6;
+                std::string text;
+                if (!korva::ArtStorageReader::ReadStreamOf(dir.File(std::to_string(file) + ".cf"), "s", text) ||
+                    text != "file " + std::to_string(file))
+                    ++wrong;
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(0, wrong.load());
+}
+
+} // namespace

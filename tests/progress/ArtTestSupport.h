@@ -1,0 +1,105 @@
+#pragma once
+// Helpers of the art tests: source pictures, collections, and compound files
+// with a description of our own making.
+
+#include "../utl/TempDir.h"
+
+#include <KORVAutlwin/frame/WinApp.h>
+#include <KORVAutlwin/progress/ArtInfo.h>
+#include <KORVAutlwin/progress/ArtStorageReader.h>
+#include <KORVAutlwin/progress/ArtStorageWriter.h>
+
+#include <QColor>
+#include <QImage>
+
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace korva::test {
+
+/// Writes a PNG of `width` by `height`: the left half `left`, the right half `right`.
+inline std::string WritePicture(const std::string& path, int width, int height, QColor left = Qt::red,
+                                QColor right = Qt::blue)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int x = 0; x < width; ++x)
+        for (int y = 0; y < height; ++y)
+            image.setPixelColor(x, y, x < width / 2 ? left : right);
+    if (!image.save(QString::fromStdString(path), "PNG"))
+        throw std::runtime_error("cannot write " + path);
+    return path;
+}
+
+/// A collection by `artist` with one picture per title (each with its own stream name).
+inline CollectionInfo MakeCollection(const std::string& artist, const std::vector<std::string>& titles,
+                                     const std::string& portraitName = std::string())
+{
+    CollectionInfo collection;
+    collection.SetArtistName(artist.c_str());
+    collection.SetLifeSpan(("life of " + artist).c_str());
+    collection.SetPortraitName(portraitName.c_str());
+    for (const std::string& title : titles) {
+        PictureInfo picture;
+        picture.SetTitle(title.c_str());
+        collection.AddPicture(picture);
+    }
+    return collection;
+}
+
+/// Saves `art` into `path` with `source` for every picture, no rotation and no portraits.
+inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const std::string& source)
+{
+    std::vector<std::vector<std::string>> pictures;
+    std::vector<std::vector<int>> rotations;
+    for (const CollectionInfo& collection : art.GetCollections()) {
+        pictures.emplace_back(collection.GetPictures().size(), source);
+        rotations.emplace_back(collection.GetPictures().size(), 0);
+    }
+    art.SaveToFile(path.c_str(), pictures, rotations, std::vector<std::string>(art.GetCollections().size()),
+                   std::vector<int>(art.GetCollections().size(), 0));
+}
+
+/// A compound file at `path` whose stream "ArtInfo" holds `description` (plus a stream "other").
+inline void WriteArtFile(const std::string& path, const std::string& description, bool withDescription = true)
+{
+    korva::ArtStorageWriter writer(path);
+    if (withDescription)
+        writer.WriteStream("ArtInfo", description.data(), description.size());
+    writer.WriteStream("other", "x", 1);
+    if (!writer.Commit())
+        throw std::runtime_error("cannot write " + path);
+}
+
+/// The text of the stream "ArtInfo" of `path`.
+inline std::string ReadDescription(const std::string& path)
+{
+    std::string text;
+    korva::ArtStorageReader(path).ReadStream("ArtInfo", text);
+    return text;
+}
+
+inline std::string ReadTextFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return out.str();
+}
+
+/// An application object that takes the message boxes instead of showing them.
+class MessageCatcher : public WinApp
+{
+public:
+    MessageCatcher() : WinApp("art_tests") {}
+    int DoMessageBox(const char* text, unsigned int, unsigned int) override
+    {
+        messages.emplace_back(text);
+        return 1;
+    }
+    std::vector<std::string> messages;
+};
+
+} // namespace korva::test
