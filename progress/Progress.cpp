@@ -1,0 +1,619 @@
+#include <KORVAutlwin/progress/Progress.h>
+
+#include <KORVAutlwin/frame/TessmaMDIFrame.h>
+#include <KORVAutlwin/frame/TsStatusAccess.h>
+#include <KORVAutlwin/frame/TsXTPStatusBar.h>
+#include <KORVAutlwin/frame/WinApp.h>
+#include <KORVAutlwin/progress/BreakWindowChannel.h>
+#include <KORVAutlwin/progress/SpinWindow.h>
+#include <KORVAutlwin/progress/TsGauge.h>
+#include <KORVAutlwin/progress/TsXTPGauge.h>
+
+#include <KORVAutl/LanguageString.h>
+#include <KORVAutl/TsSystemInfo.h>
+
+#include <QApplication>
+#include <QCursor>
+#include <QThread>
+
+#include <climits>
+#include <ctime>
+#include <utility>
+
+namespace korva {
+
+// The wait cursor of one Progress, from its construction to its end.
+class WaitCursor
+{
+public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+} // namespace korva
+
+std::atomic<Progress*> Progress::msActive{nullptr};
+TsGaugeBase* Progress::msGauge = nullptr;
+QPointer<QWidget> Progress::msGaugeWindow;
+bool Progress::msGaugeDirty = false;
+bool Progress::msShowProgressDialog = true;
+std::atomic<long long> Progress::msLastPump{LLONG_MIN / 2};
+long long Progress::msLastGaugeRepaint = LLONG_MIN / 2;
+
+namespace {
+
+constexpr const char* kDefaultStopQuestion = "Do you really want to stop?";
+constexpr const char* kDefaultStopButton = "Stop";
+
+// The coarse clock costs a few nanoseconds instead of a few dozen; it serves
+// when its ticks are no longer than the pump interval.
+clockid_t ChoosePumpClock()
+{
+    timespec resolution{};
+    if (clock_getres(CLOCK_MONOTONIC_COARSE, &resolution) == 0 && resolution.tv_sec == 0 &&
+        resolution.tv_nsec <= Progress::kPumpInterval * 1000000L)
+        return CLOCK_MONOTONIC_COARSE;
+    return CLOCK_MONOTONIC;
+}
+
+const clockid_t gPumpClock = ChoosePumpClock();
+
+long long PumpClockMilliseconds()
+{
+    timespec now{};
+    clock_gettime(gPumpClock, &now);
+    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
+std::string DefaultStopTitle()
+{
+    if (const WinApp* app = WinApp::GetApp())
+        return app->GetAppName();
+    return TsSystemInfo::GetApplicationName();
+}
+
+bool HasGuiApplication()
+{
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+bool OnApplicationMainThread()
+{
+    const WinApp* app = WinApp::GetApp();
+    return app && app->IsMainThread();
+}
+
+TessmaMDIFrame* MainFrame()
+{
+    const WinApp* app = WinApp::GetApp();
+    return app ? qobject_cast<TessmaMDIFrame*>(app->GetMainWnd()) : nullptr;
+}
+
+// The value held within the range as it stands (SetRange does not order it).
+float HoldWithin(float value, float low, float high)
+{
+    if (value < low)
+        value = low;
+    if (value > high)
+        value = high;
+    return value;
+}
+
+} // namespace
+
+// --- Construction ------------------------------------------------------------------------
+
+Progress::Progress(QWidget* parentWindow, const char* text, float low, float high, bool spin, bool allowBreakWindow,
+                   bool gauge, const char* question, const char* title, const char* button, unsigned int breakDelay)
+    : allowBreak(allowBreakWindow), showSpin(spin), showGauge(gauge), stopQuestion(kDefaultStopQuestion),
+      stopTitle(DefaultStopTitle()), stopButton(kDefaultStopButton), delay(breakDelay)
+{
+    Construct(parentWindow, text, low, high, question, title, button);
+}
+
+Progress::Progress(const char* text, QWidget* parentWindow)
+    : allowBreak(false), showSpin(true), showGauge(false), stopQuestion(kDefaultStopQuestion),
+      stopTitle(DefaultStopTitle()), stopButton(kDefaultStopButton), freeRunning(true)
+{
+    Construct(parentWindow, text, 0.0f, 1.0f, nullptr, nullptr, nullptr);
+    // A short task inside a long one: the long one's window should be seen now.
+    Progress* other = msActive.load(std::memory_order_relaxed);
+    if (other && other != this && OnApplicationMainThread())
+        other->SendShowWindow(true);
+}
+
+Progress::Progress(const Progress& other)
+    : allowBreak(other.allowBreak), showSpin(other.showSpin), showGauge(other.showGauge),
+      stopQuestion(other.stopQuestion), stopTitle(other.stopTitle), stopButton(other.stopButton),
+      infoText(other.infoText), breakWindow(other.breakWindow), breakPressed(other.IsBreakPressed()),
+      ranges(other.ranges), value(other.value), counter(other.counter), freeRunning(other.freeRunning),
+      previousForeground(other.previousForeground), parent(other.parent), delay(other.delay)
+{
+    if (other.waitCursor && OnApplicationMainThread() && HasGuiApplication())
+        waitCursor = std::make_unique<korva::WaitCursor>();
+}
+
+Progress& Progress::operator=(const Progress& other)
+{
+    if (this == &other)
+        return *this;
+    // The display (wait cursor, spin indicator) stays with the object that made it.
+    allowBreak = other.allowBreak;
+    showSpin = other.showSpin;
+    showGauge = other.showGauge;
+    stopQuestion = other.stopQuestion;
+    stopTitle = other.stopTitle;
+    stopButton = other.stopButton;
+    infoText = other.infoText;
+    breakWindow = other.breakWindow;
+    breakPressed.store(other.IsBreakPressed(), std::memory_order_relaxed);
+    ranges = other.ranges;
+    value = other.value;
+    counter = other.counter;
+    freeRunning = other.freeRunning;
+    previousForeground = other.previousForeground;
+    parent = other.parent;
+    delay = other.delay;
+    return *this;
+}
+
+void Progress::Construct(QWidget* parentWindow, const char* text, float low, float high, const char* question,
+                         const char* title, const char* button)
+{
+    if (low == high)
+        high = low + 1.0f;
+    else if (low > high)
+        std::swap(low, high);
+    ranges.push_back({0.0f, 1.0f, low, high});
+    value = low;
+    if (!msShowProgressDialog)
+        allowBreak = false;
+
+    if (!OnApplicationMainThread())
+        return;
+    if (HasGuiApplication())
+        waitCursor = std::make_unique<korva::WaitCursor>();
+    if (!GetGauge())
+        InitProgress();
+    if (text)
+        infoText = text;
+    if (question)
+        stopQuestion = question;
+    if (title)
+        stopTitle = title;
+    if (button)
+        stopButton = button;
+    parent = parentWindow ? parentWindow : WinApp::GetApp()->GetMainWnd();
+    if (!msActive.load(std::memory_order_relaxed))
+        Init();
+}
+
+void Progress::Init()
+{
+    if (!MainFrame() || msActive.load(std::memory_order_relaxed))
+        return;
+    TsStatusAccess* bar = GetStatusBar();
+    if (!bar && !allowBreak)
+        return;
+
+    msActive.store(this, std::memory_order_relaxed);
+    QWidget* barWindow = bar ? GetMessageBar() : nullptr;
+    if (barWindow)
+        barWindow->setUpdatesEnabled(false);
+
+    TsGaugeBase* gauge = GetGauge();
+    const bool gaugeInBar = showGauge && !allowBreak && gauge && bar;
+    if (!showGauge) {
+        if (gauge) {
+            gauge->GetWnd()->hide();
+            if (bar)
+                bar->RemoveWindow(gauge->GetWnd(), false, kGaugePaneId);
+        }
+    } else if (gaugeInBar) {
+        ShowOnGauge();
+        bar->InsertWindow(gauge->GetWnd(), kPaneWidth, 0, kGaugePaneId);
+        gauge->GetWnd()->show();  // a child: showing it does not take the focus
+    }
+
+    if (showSpin && !allowBreak && bar) {
+        const int index = gaugeInBar ? 1 : 0;
+        if (auto* xtp = qobject_cast<TsXTPStatusBar*>(barWindow)) {
+            // The toolkit bar's indicator is its own progress control, running as a marquee.
+            auto* bounce = new TsXTPGauge(xtp);
+            bounce->setRange(0, 0);
+            marquee = bounce;
+            xtp->InsertWindow(bounce, kPaneWidth, index, kSpinPaneId);
+        } else {
+            spinWindow = new SpinWindow(barWindow);
+            bar->InsertWindow(spinWindow, kPaneWidth, index, kSpinPaneId);
+            spinWindow->show();
+            if (freeRunning)
+                spinWindow->SetRunning(true);
+        }
+    }
+
+    if (barWindow)
+        barWindow->setUpdatesEnabled(true);
+    const std::string text = infoText;
+    SetString(text.c_str());
+    MessageLoop();
+
+    if (allowBreak) {
+        previousForeground = QApplication::activeWindow();
+        SendStart();
+        if (showGauge) {
+            float minimum = 0.0f, maximum = 0.0f;
+            GetGaugeRange(ranges.back(), minimum, maximum);
+            SendGaugeRange(minimum, maximum);
+            SendGaugeValue(value);
+        }
+    }
+}
+
+void Progress::GetGaugeRange(const Range& range, float& minimum, float& maximum)
+{
+    const float scale = (range.high - range.low) / (range.gaugeHigh - range.gaugeLow);
+    minimum = range.low - range.gaugeLow * scale;
+    maximum = scale * (1.0f - range.gaugeHigh) + range.high;
+}
+
+// The whole operation's range and the value, to whichever display this object uses.
+void Progress::ShowOnGauge()
+{
+    float minimum = 0.0f, maximum = 0.0f;
+    GetGaugeRange(ranges.back(), minimum, maximum);
+    if (allowBreak) {
+        SendGaugeRange(minimum, maximum);
+        SendGaugeValue(value);
+    } else if (TsGaugeBase* gauge = GetGauge()) {
+        gauge->SetRange(minimum, maximum);
+        gauge->SetValue(value);
+        msGaugeDirty = true;
+    }
+}
+
+// --- Reporting -----------------------------------------------------------------------------
+
+// The active object's part of Set: hold the value within the top range, show it, pump.
+bool Progress::ShowValue()
+{
+    if (showGauge) {
+        const Range& top = ranges.back();
+        value = HoldWithin(value, top.low, top.high);
+        if (allowBreak) {
+            SendGaugeValue(value);
+        } else if (TsGaugeBase* gauge = GetGauge()) {
+            gauge->SetValue(value);
+            msGaugeDirty = true;
+        }
+    }
+    MessageLoop();
+    return !IsBreakPressed();
+}
+
+bool Progress::SetRange(float low, float high)
+{
+    Range& top = ranges.back();
+    top.low = low;
+    top.high = high;
+    value = low;
+    counter = 0.0f;
+    const bool active = IsActive();
+    if (showGauge) {
+        if (!active)
+            return !IsBreakPressed();
+        ShowOnGauge();
+    }
+    if (active)
+        MessageLoop();
+    return !IsBreakPressed();
+}
+
+void Progress::GetRange(float& low, float& high) const
+{
+    low = ranges.back().low;
+    high = ranges.back().high;
+}
+
+bool Progress::PushSubRange(float low, float high)
+{
+    const Range top = ranges.back();
+    if (low < top.low)
+        low = top.low;
+    if (high > top.high)
+        high = top.high;
+    const float span = top.gaugeHigh - top.gaugeLow;
+    const float units = top.high - top.low;
+    // The parent's low is not subtracted: exact for parents that start at 0,
+    // which is how sub-ranges are opened.
+    ranges.push_back({low * span / units + top.gaugeLow, span * high / units + top.gaugeLow, 0.0f, 1.0f});
+    counter = 0.0f;
+    SetRange(0.0f, 1.0f);
+    Set(0.0f);
+    if (IsActive())
+        MessageLoop();
+    return !IsBreakPressed();
+}
+
+bool Progress::PopSubRange()
+{
+    if (ranges.size() > 1) {
+        const float endedAt = ranges.back().gaugeHigh;
+        ranges.pop_back();
+        float minimum = 0.0f, maximum = 0.0f;
+        GetGaugeRange(ranges.back(), minimum, maximum);
+        counter = 0.0f;
+        const Range top = ranges.back();
+        SetRange(top.low, top.high);
+        // Leave the display where the sub-range ended.
+        Set((maximum - minimum) * endedAt + minimum);
+    }
+    if (IsActive())
+        MessageLoop();
+    return !IsBreakPressed();
+}
+
+bool Progress::PopPushSubRange(float low, float high)
+{
+    PopSubRange();
+    return PushSubRange(low, high);
+}
+
+bool Progress::NextSpin()
+{
+    if (showSpin && !allowBreak && spinWindow)
+        spinWindow->Step();
+    else
+        SendSpinStep();
+    if (IsActive())
+        MessageLoop();
+    return !IsBreakPressed();
+}
+
+bool Progress::SpinDone()
+{
+    if (showSpin && !allowBreak && spinWindow)
+        spinWindow->Rest();
+    else
+        SendSpinRest();
+    if (IsActive())
+        MessageLoop();
+    return !IsBreakPressed();
+}
+
+bool Progress::SetInfoStr(const char* text)
+{
+    SetString(text);
+    if (IsActive())
+        MessageLoop();
+    return !IsBreakPressed();
+}
+
+void Progress::SetString(const char* text)
+{
+    if (!IsActive())
+        return;
+    if (allowBreak) {
+        infoText = text ? text : "";
+        SendTitle(infoText.c_str());
+        return;
+    }
+    TsStatusAccess* bar = GetStatusBar();
+    if (!bar)
+        return;
+    for (int index = 0, count = bar->GetCount(); index < count; ++index) {
+        if (bar->GetItemID(index) == 0) {
+            bar->SetPaneText(index, text ? text : "", 1);
+            return;
+        }
+    }
+}
+
+// --- Destruction ---------------------------------------------------------------------------
+
+Progress::~Progress()
+{
+    if (IsActive()) {
+        msActive.store(nullptr, std::memory_order_relaxed);
+        QWidget* barWindow = GetMessageBar();
+        TsStatusAccess* bar = dynamic_cast<TsStatusAccess*>(barWindow);
+        auto* xtp = qobject_cast<TsXTPStatusBar*>(barWindow);
+        TsGaugeBase* gauge = GetGauge();
+        if (bar) {
+            barWindow->setUpdatesEnabled(false);
+            if (xtp) {
+                xtp->RemoveIndicator(kSpinPaneId);
+                if (gauge)
+                    xtp->RemoveWindow(gauge->GetWnd(), false, kGaugePaneId);
+            }
+            if (spinWindow) {
+                bar->RemoveWindow(spinWindow, false, kSpinPaneId);
+                delete spinWindow.data();
+            }
+        }
+        delete marquee.data();
+        SendFinish();
+        if (previousForeground)
+            previousForeground->activateWindow();
+        // The plain bar keeps its gauge on show between tasks; the toolkit bar keeps it hidden.
+        if (!showGauge && gauge && bar && !xtp) {
+            bar->InsertWindow(gauge->GetWnd(), kPaneWidth, 0, kGaugePaneId);
+            gauge->GetWnd()->show();
+        }
+        if (bar) {
+            barWindow->setUpdatesEnabled(true);
+            if (gauge) {
+                gauge->SetRange(0.0f, 1.0f);
+                gauge->SetValue(0.0f);
+                gauge->GetWnd()->update();
+            }
+        }
+        msGaugeDirty = false;
+        if (TessmaMDIFrame* frame = MainFrame())
+            frame->SetMessageText(LanguageString::Get(kIdleMessageId));
+    }
+    waitCursor.reset();
+}
+
+// --- Process-wide --------------------------------------------------------------------------
+
+void Progress::Hide()
+{
+    if (Progress* active = msActive.load(std::memory_order_relaxed))
+        active->SendShowWindow(false);
+}
+
+void Progress::Show()
+{
+    if (Progress* active = msActive.load(std::memory_order_relaxed))
+        active->SendShowWindow(true);
+}
+
+void Progress::ForceCreate()
+{
+    Show();
+}
+
+BreakWindowChannel* Progress::GetBreakWindow()
+{
+    Progress* active = msActive.load(std::memory_order_relaxed);
+    if (!active)
+        return nullptr;
+    active->SendShowWindow(true);
+    return active->breakWindow && active->breakWindow->IsWindow() ? active->breakWindow : nullptr;
+}
+
+void Progress::MessageLoop()
+{
+    const long long now = PumpClockMilliseconds();
+    if (now - msLastPump.load(std::memory_order_relaxed) < kPumpInterval)
+        return;
+    QCoreApplication* application = QCoreApplication::instance();
+    if (!application || QThread::currentThread() != application->thread())
+        return;
+    msLastPump.store(now, std::memory_order_relaxed);
+
+    // The gauge's own animation repaints only 20 times a second; a new value
+    // gets a frame of its own, though not more often than the eye can use.
+    if (msGaugeDirty && now - msLastGaugeRepaint >= kGaugeRepaintInterval) {
+        msGaugeDirty = false;
+        msLastGaugeRepaint = now;
+        if (QWidget* gauge = msGaugeWindow.data(); gauge && gauge->isVisible())
+            gauge->update();
+    }
+    // Painting, sizing and window switching go on; keyboard and mouse wait, so
+    // no command can start in the middle of the computation.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+
+    if (qobject_cast<QGuiApplication*>(application)) {
+        const QCursor* cursor = QGuiApplication::overrideCursor();
+        if (cursor && cursor->shape() != Qt::WaitCursor)
+            QGuiApplication::changeOverrideCursor(Qt::WaitCursor);
+    }
+}
+
+void Progress::InitProgress()
+{
+    if (GetGauge() || !OnApplicationMainThread() || !HasGuiApplication() || !MainFrame())
+        return;
+    QWidget* barWindow = GetMessageBar();
+    TsStatusAccess* bar = dynamic_cast<TsStatusAccess*>(barWindow);
+    if (!barWindow || !bar)
+        return;
+    if (auto* xtp = qobject_cast<TsXTPStatusBar*>(barWindow)) {
+        // Made once, kept hidden until a Progress puts it into its pane.
+        auto* gauge = new TsXTPGauge(xtp);
+        bar->InsertWindow(gauge, kPaneWidth, 0, kGaugePaneId);
+        bar->RemoveWindow(gauge, false, kGaugePaneId);
+        msGauge = gauge;
+        msGaugeWindow = gauge;
+    } else {
+        auto* gauge = new TsGauge(barWindow);
+        gauge->setProperty("ctrlId", kGaugeControlId);
+        gauge->SetRange(0.0f, 1.0f);
+        gauge->SetValue(0.0f);
+        gauge->SetCaption("");
+        bar->InsertWindow(gauge, kPaneWidth, 0, kGaugePaneId);
+        gauge->show();
+        msGauge = gauge;
+        msGaugeWindow = gauge;
+    }
+}
+
+TsGaugeBase* Progress::GetGauge()
+{
+    // The gauge goes with its status bar; the next InitProgress makes a new one.
+    if (msGauge && msGaugeWindow.isNull())
+        msGauge = nullptr;
+    return msGauge;
+}
+
+QWidget* Progress::GetMessageBar()
+{
+    TessmaMDIFrame* frame = MainFrame();
+    return frame ? frame->GetMessageBar() : nullptr;
+}
+
+TsStatusAccess* Progress::GetStatusBar()
+{
+    return dynamic_cast<TsStatusAccess*>(GetMessageBar());
+}
+
+// --- The break window protocol -------------------------------------------------------------
+
+void Progress::SendFinish()
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->Finish();
+}
+
+void Progress::SendSpinStep()
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->SpinStep();
+}
+
+void Progress::SendSpinRest()
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->SpinRest();
+}
+
+void Progress::SendTitle(const char* text)
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->SetTitle(text);
+}
+
+void Progress::SendGaugeValue(float gaugeValue)
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->SetGaugeValue(gaugeValue);
+}
+
+void Progress::SendGaugeRange(float low, float high)
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->SetGaugeRange(low, high);
+}
+
+void Progress::SendShowWindow(bool show)
+{
+    if (breakWindow && breakWindow->IsWindow())
+        breakWindow->ShowWindow(show);
+}
+
+void Progress::SendStart()
+{
+    // The one break window of the process comes into being at its first need.
+    BreakWindowChannel* channel = BreakWindowChannel::GetChannel();
+    breakWindow = channel && channel->Create() ? channel : nullptr;
+    if (!breakWindow || !breakWindow->IsWindow())
+        return;
+    QRect mainWindow;
+    if (const WinApp* app = WinApp::GetApp(); app && app->GetMainWnd())
+        mainWindow = app->GetMainWnd()->frameGeometry();
+    breakWindow->Start(delay, this, mainWindow);
+}

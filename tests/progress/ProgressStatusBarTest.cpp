@@ -1,0 +1,357 @@
+// Progress on the status bar route with a real main frame, offscreen: which
+// object owns the display, what it puts into the message bar (gauge in pane
+// 1037, spin indicator in pane 1036, the info text in the message pane) and
+// how it leaves the bar at its end, on both kinds of status bar.
+
+#include "ProgressTestSupport.h"
+
+#include <KORVAutl/LanguageString.h>
+#include <KORVAutlwin/progress/SpinWindow.h>
+#include <KORVAutlwin/progress/TsGauge.h>
+#include <KORVAutlwin/progress/TsXTPGauge.h>
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QProgressBar>
+
+#include <chrono>
+#include <memory>
+#include <thread>
+
+using korva::test::ProgressFrameFixture;
+using korva::test::RecordingBreakWindow;
+using korva::test::XTPFrame;
+
+namespace {
+
+class ProgressStatusBarTest : public ProgressFrameFixture
+{
+protected:
+    TsStatusBar& Bar() { return *qobject_cast<TsStatusBar*>(mFrame->GetMessageBar()); }
+    TsGauge* Gauge() { return dynamic_cast<TsGauge*>(Progress::GetGauge()); }
+    QWidget* HostedIn(unsigned int paneId)
+    {
+        const int index = Bar().CommandToIndex(paneId);
+        if (index < 0)
+            return nullptr;
+        for (QWidget* child : Bar().findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            if (Bar().GetWindowIndex(child) == index)
+                return child;
+        return nullptr;
+    }
+    std::string Idle() const { return LanguageString::Get(Progress::kIdleMessageId); }
+};
+
+} // namespace
+
+TEST_F(ProgressStatusBarTest, FirstObjectOwnsTheDisplayAndASecondStaysInactiveEvenAfterItEnds)
+{
+    MakeFrame();
+    auto first = std::make_unique<Progress>(nullptr, "First", 0.0f, 1.0f, false, false, true);
+    EXPECT_TRUE(first->IsActive());
+    EXPECT_TRUE(Progress::IsProgressActive());
+
+    Progress second(nullptr, "Second", 0.0f, 10.0f, true, false, true);
+    EXPECT_FALSE(second.IsActive());
+    EXPECT_EQ(MessageText(), "First");
+    EXPECT_TRUE(second.SetInfoStr("Not shown"));
+    EXPECT_TRUE(second.Set(4.0f));
+    EXPECT_EQ(MessageText(), "First");
+    EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.0f);
+    EXPECT_FLOAT_EQ(second.GetValue(), 4.0f);
+
+    first.reset();
+    EXPECT_FALSE(Progress::IsProgressActive());
+    EXPECT_FALSE(second.IsActive());
+    EXPECT_TRUE(second.Set(20.0f));
+    EXPECT_FLOAT_EQ(second.GetValue(), 20.0f);  // inactive: not even clamped
+    EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.0f);
+    EXPECT_EQ(MessageText(), Idle());
+
+    // The display is free again, although second still lives.
+    Progress third(nullptr, "Third", 0.0f, 1.0f, false, false, true);
+    EXPECT_TRUE(third.IsActive());
+    EXPECT_FALSE(second.IsActive());
+}
+
+TEST_F(ProgressStatusBarTest, CopyOfTheActiveObjectKeepsItsTextsButNeverItsDisplay)
+{
+    MakeFrame();
+    Progress original(nullptr, "Copied", 0.0f, 4.0f, true, false, true, "Sure?", "Title", "Halt", 250);
+    ASSERT_TRUE(original.IsActive());
+    original.PushSubRange(2.0f, 4.0f);
+    original.SetCounter(0.25f);
+    original.Set(0.5f);
+    {
+        Progress copy(original);
+        EXPECT_FALSE(copy.IsActive());
+        ASSERT_EQ(copy.GetRanges().size(), 2u);
+        EXPECT_FLOAT_EQ(copy.GetRanges().back().gaugeLow, 0.5f);
+        EXPECT_EQ(copy.GetDelay(), 250u);
+        EXPECT_EQ(copy.GetInfoText(), "Copied");
+        EXPECT_EQ(copy.GetStopQuestion(), "Sure?");
+        EXPECT_EQ(copy.GetStopTitle(), "Title");
+        EXPECT_EQ(copy.GetStopButton(), "Halt");
+        EXPECT_FLOAT_EQ(copy.GetValue(), 0.75f);
+        copy.Set(0.0f);
+        EXPECT_FLOAT_EQ(copy.GetValue(), 0.25f);  // the counter came along
+        copy.SetInfoStr("From the copy");
+        copy.PopSubRange();
+        EXPECT_EQ(original.GetRanges().size(), 2u);
+        EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.75f);
+        EXPECT_EQ(MessageText(), "Copied");
+
+        Progress assigned(nullptr, "Other", 0.0f, 1.0f);
+        assigned = original;
+        EXPECT_FALSE(assigned.IsActive());
+        EXPECT_EQ(assigned.GetStopQuestion(), "Sure?");
+    }
+    // The copies' ends leave the original's display alone.
+    EXPECT_TRUE(original.IsActive());
+    EXPECT_NE(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
+    EXPECT_EQ(MessageText(), "Copied");
+}
+
+TEST_F(ProgressStatusBarTest, ObjectOnAWorkerThreadShowsNothing)
+{
+    MakeFrame();
+    bool active = true, setResult = false, spinResult = false, breakPressed = true, anyActive = true;
+    float value = 0.0f;
+    std::thread worker([&] {
+        Progress progress(nullptr, "Worker", 0.0f, 10.0f, true, false, true);
+        active = progress.IsActive();
+        anyActive = Progress::IsProgressActive();
+        setResult = progress.Set(25.0f);
+        spinResult = progress.NextSpin();
+        value = progress.GetValue();
+        breakPressed = progress.IsBreakPressed();
+    });
+    worker.join();
+    EXPECT_FALSE(active);
+    EXPECT_FALSE(anyActive);
+    EXPECT_TRUE(setResult);
+    EXPECT_TRUE(spinResult);
+    EXPECT_FALSE(breakPressed);
+    EXPECT_FLOAT_EQ(value, 25.0f);
+    EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
+    EXPECT_NE(MessageText(), "Worker");
+    // A worker's object never blocks the display for the main thread.
+    Progress main(nullptr, "Main", 0.0f, 1.0f, false, false, true);
+    EXPECT_TRUE(main.IsActive());
+}
+
+TEST_F(ProgressStatusBarTest, WithoutApplicationObjectOrMainFrameNothingIsActive)
+{
+    QWidget plain;  // a main window that is not a main frame
+    mApp->SetMainWnd(&plain);
+    EXPECT_FALSE(Progress(nullptr, "Plain", 0.0f, 2.0f, true, false, true).IsActive());
+    EXPECT_EQ(Progress::GetGauge(), nullptr);
+    mApp->SetMainWnd(nullptr);
+    EXPECT_FALSE(Progress(nullptr, "None", 0.0f, 2.0f, true, true, true).IsActive());
+    mApp.reset();
+    Progress progress(nullptr, "No application", 0.0f, 2.0f, true, false, true);
+    EXPECT_FALSE(progress.IsActive());
+    EXPECT_TRUE(progress.SetInfoStr("x"));
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);  // no wait cursor either
+}
+
+TEST_F(ProgressStatusBarTest, InitProgressLeavesAnIdleGaugeInItsPaneOncePerStatusBar)
+{
+    MakeFrame();
+    Progress::InitProgress();
+    TsGauge* gauge = Gauge();
+    ASSERT_NE(gauge, nullptr);
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
+    EXPECT_TRUE(gauge->isVisible());
+    EXPECT_EQ(gauge->property("ctrlId").toInt(), Progress::kGaugeControlId);
+    EXPECT_FLOAT_EQ(gauge->GetHigh(), 1.0f);
+    EXPECT_EQ(Bar().GetItemRect(Bar().CommandToIndex(Progress::kGaugePaneId)).width(), Progress::kPaneWidth);
+    Progress::InitProgress();
+    EXPECT_EQ(Gauge(), gauge);
+
+    // The gauge goes with its frame; the next frame gets a new one.
+    mApp->SetMainWnd(nullptr);
+    mFrame.reset();
+    EXPECT_EQ(Progress::GetGauge(), nullptr);
+    MakeFrame();
+    Progress progress(nullptr, "Again", 0.0f, 1.0f, false, false, true);
+    EXPECT_TRUE(progress.IsActive());
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), Gauge());
+}
+
+TEST_F(ProgressStatusBarTest, GaugeAndSpinIndicatorComeAndGoWithTheActiveObject)
+{
+    MakeFrame();
+    auto progress = std::make_unique<Progress>(nullptr, "Computing", 0.0f, 10.0f, true, false, true);
+    ASSERT_TRUE(progress->IsActive());
+    TsGauge* gauge = Gauge();
+    ASSERT_NE(gauge, nullptr);
+
+    // Gauge first, spin indicator beside it, the message pane after them.
+    EXPECT_EQ(Bar().CommandToIndex(Progress::kGaugePaneId), 0);
+    EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), 1);
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
+    QPointer<SpinWindow> spin = qobject_cast<SpinWindow*>(HostedIn(Progress::kSpinPaneId));
+    ASSERT_NE(spin, nullptr);
+    EXPECT_TRUE(spin->isVisible());
+    EXPECT_FALSE(spin->IsRunning());
+    EXPECT_TRUE(gauge->isVisible());
+    EXPECT_EQ(MessageText(), "Computing");
+    EXPECT_FLOAT_EQ(gauge->GetLow(), 0.0f);
+    EXPECT_FLOAT_EQ(gauge->GetHigh(), 10.0f);
+
+    EXPECT_TRUE(progress->Set(5.0f));
+    EXPECT_FLOAT_EQ(gauge->GetValue(), 5.0f);
+    // On display, values are held within the top range.
+    progress->SetCounter(10.0f);
+    EXPECT_TRUE(progress->Set(2.0f));
+    EXPECT_FLOAT_EQ(progress->GetValue(), 10.0f);
+    EXPECT_FLOAT_EQ(gauge->GetValue(), 10.0f);
+    progress->Set(-30.0f);
+    EXPECT_FLOAT_EQ(progress->GetValue(), 0.0f);
+
+    // A sub-range: the gauge still spans the whole operation, in the sub-range's units.
+    progress->PushSubRange(5.0f, 10.0f);
+    EXPECT_FLOAT_EQ(gauge->GetLow(), -1.0f);
+    EXPECT_FLOAT_EQ(gauge->GetHigh(), 1.0f);
+    EXPECT_FLOAT_EQ(gauge->GetValue(), 0.0f);
+    progress->Set(1.0f);
+    progress->PopSubRange();
+    EXPECT_FLOAT_EQ(gauge->GetLow(), 0.0f);
+    EXPECT_FLOAT_EQ(gauge->GetHigh(), 10.0f);
+    EXPECT_FLOAT_EQ(gauge->GetValue(), 10.0f);
+
+    EXPECT_TRUE(progress->SetInfoStr("Second step"));
+    EXPECT_EQ(MessageText(), "Second step");
+    EXPECT_EQ(progress->GetInfoText(), "Computing");  // the status bar route keeps its text
+
+    // NextSpin moves the stripes at most once every 100 ms; SpinDone rests them.
+    std::this_thread::sleep_for(std::chrono::milliseconds(SpinWindow::kStepInterval + 20));
+    EXPECT_TRUE(progress->NextSpin());
+    EXPECT_EQ(spin->GetPosition(), 1);
+    EXPECT_TRUE(progress->NextSpin());
+    EXPECT_EQ(spin->GetPosition(), 1);
+    EXPECT_TRUE(progress->SpinDone());
+    EXPECT_EQ(spin->GetPosition(), 0);
+
+    progress.reset();
+    EXPECT_EQ(spin, nullptr) << "the spin indicator is deleted";
+    EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
+    // The plain bar keeps its gauge between tasks, back at rest.
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
+    EXPECT_FLOAT_EQ(gauge->GetLow(), 0.0f);
+    EXPECT_FLOAT_EQ(gauge->GetHigh(), 1.0f);
+    EXPECT_FLOAT_EQ(gauge->GetValue(), 0.0f);
+    EXPECT_EQ(MessageText(), Idle());
+}
+
+TEST_F(ProgressStatusBarTest, ShortFormRunsTheSpinIndicatorAloneAndGivesTheGaugeBack)
+{
+    MakeFrame();
+    Progress::InitProgress();
+    TsGauge* gauge = Gauge();
+    ASSERT_NE(gauge, nullptr);
+    {
+        Progress progress("Waiting");
+        ASSERT_TRUE(progress.IsActive());
+        EXPECT_EQ(Bar().CommandToIndex(Progress::kGaugePaneId), -1);
+        EXPECT_FALSE(gauge->isVisible());
+        EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), 0);
+        auto* spin = qobject_cast<SpinWindow*>(HostedIn(Progress::kSpinPaneId));
+        ASSERT_NE(spin, nullptr);
+        EXPECT_TRUE(spin->IsRunning());
+        EXPECT_EQ(MessageText(), "Waiting");
+        // Without a gauge on display a value is not held within the range.
+        progress.Set(3.0f);
+        EXPECT_FLOAT_EQ(progress.GetValue(), 3.0f);
+        EXPECT_FLOAT_EQ(gauge->GetValue(), 0.0f);
+        progress.SpinDone();
+        EXPECT_FALSE(spin->IsRunning());
+        EXPECT_EQ(spin->GetPosition(), 0);
+    }
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
+    EXPECT_TRUE(gauge->isVisible());
+    EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
+}
+
+TEST_F(ProgressStatusBarTest, ShowProgressDialogOffForcesTheStatusBarRoute)
+{
+    MakeFrame();
+    RecordingBreakWindow window;
+    BreakWindowChannel::SetChannel(&window);
+    Progress::SetShowProgressDialog(false);
+    {
+        Progress progress(nullptr, "Forced", 0.0f, 4.0f, true, true, true);
+        EXPECT_FALSE(progress.GetAllowBreak());
+        ASSERT_TRUE(progress.IsActive());
+        EXPECT_EQ(HostedIn(Progress::kGaugePaneId), Gauge());
+        EXPECT_NE(HostedIn(Progress::kSpinPaneId), nullptr);
+        progress.Set(2.0f);
+        EXPECT_FLOAT_EQ(Gauge()->GetValue(), 2.0f);
+        // The status bar route has no window to hide or show.
+        Progress::Hide();
+        Progress::Show();
+        EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
+    }
+    EXPECT_EQ(window.creates, 0);
+    EXPECT_TRUE(window.messages.empty());
+}
+
+TEST_F(ProgressStatusBarTest, WaitCursorLastsAsLongAsTheObjectAndComesBackAfterEachPump)
+{
+    MakeFrame();
+    ASSERT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    {
+        Progress progress(nullptr, "Busy", 0.0f, 1.0f, false, false, true);
+        ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        // A box in between put up the arrow; the next pump brings the wait cursor back.
+        QGuiApplication::changeOverrideCursor(Qt::ArrowCursor);
+        std::this_thread::sleep_for(std::chrono::milliseconds(3 * Progress::kPumpInterval));
+        Progress::MessageLoop();
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    }
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+// --- The toolkit status bar ----------------------------------------------------------------
+
+TEST_F(ProgressStatusBarTest, ToolkitBarHostsTheGaugeAndAMarqueeOnlyWhileActive)
+{
+    MakeFrame<XTPFrame>();
+    auto& bar = *qobject_cast<TsXTPStatusBar*>(mFrame->GetMessageBar());
+    Progress::InitProgress();
+    auto* gauge = dynamic_cast<TsXTPGauge*>(Progress::GetGauge());
+    ASSERT_NE(gauge, nullptr);
+    EXPECT_EQ(gauge->parentWidget(), &bar);
+    EXPECT_FALSE(gauge->isVisible());
+    EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), -1);
+
+    {
+        Progress progress(nullptr, "Toolkit", 0.0f, 2.0f, true, false, true);
+        ASSERT_TRUE(progress.IsActive());
+        EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), 0);
+        EXPECT_EQ(bar.CommandToIndex(Progress::kSpinPaneId), 1);
+        EXPECT_EQ(bar.GetWindowIndex(gauge), 0);
+        EXPECT_TRUE(gauge->isVisible());
+        QProgressBar* marquee = nullptr;
+        for (auto* candidate : bar.findChildren<QProgressBar*>())
+            if (bar.GetWindowIndex(candidate) == 1)
+                marquee = candidate;
+        ASSERT_NE(marquee, nullptr);
+        EXPECT_EQ(marquee->minimum(), 0);
+        EXPECT_EQ(marquee->maximum(), 0);  // a busy bar that moves by itself
+        EXPECT_TRUE(marquee->isVisible());
+
+        progress.Set(1.0f);
+        EXPECT_EQ(gauge->GetPosition(), 50);
+        progress.SetInfoStr("Half way");
+        EXPECT_EQ(MessageText(), "Half way");
+    }
+    EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), -1);
+    EXPECT_EQ(bar.CommandToIndex(Progress::kSpinPaneId), -1);
+    EXPECT_FALSE(gauge->isVisible());
+    EXPECT_EQ(gauge->GetPosition(), 0);
+    EXPECT_EQ(bar.findChildren<QProgressBar*>().size(), 1) << "the marquee is deleted";
+    EXPECT_EQ(MessageText(), Idle());
+}
