@@ -1,4 +1,5 @@
-// The workbench: the suite shell that shows every part of the library at work.
+// The workbench: the suite shell that shows every part of the library at work,
+// in an MDI frame with a splash at start.
 //   Workbench [--screenshot FILE [--command ID]]
 // With --screenshot the main window is saved as a picture once it has been
 // shown, and the program ends (run it with QT_QPA_PLATFORM=offscreen to need no
@@ -7,7 +8,10 @@
 
 #include "WorkbenchFrame.h"
 
+#include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/frame/TsStartWindow.h>
+#include <KORVAutlwin/progress/Progress.h>
 
 #include <KORVAutl/ConfigurationSection.h>
 #include <KORVAutl/Log.h>
@@ -15,6 +19,7 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QPixmap>
 #include <QTimer>
 #include <QWidget>
 
@@ -33,10 +38,16 @@ public:
     {
         SetRegistryLocation();
         RecordStart();
+        QApplication::setWindowIcon(QPixmap::fromImage(GUIUtilities::LoadPicture(GetAboutBitmap())));
+        // The frame takes the splash down two seconds after it is made.
+        TsStartWindow(GetAboutBitmap(),
+                      {GetAppName(), "Version " + TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionLong),
+                       "Starting ..."});
 
         auto* frame = new WorkbenchFrame(*this);
         frame->setAttribute(Qt::WA_DeleteOnClose);
         SetMainWnd(frame);
+        Progress::InitProgress();
         frame->show();
 
         const QStringList arguments = QCoreApplication::arguments();

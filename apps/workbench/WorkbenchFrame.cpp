@@ -1,18 +1,29 @@
 #include "WorkbenchFrame.h"
 
+#include "DialogDemos.h"
+#include "ProgressDemos.h"
+
+#include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
 #include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/frame/TsStatusBar.h>
+#include <KORVAutlwin/frame/TsXTPStatusBar.h>
 
 #include <KORVAutl/ConfigurationSection.h>
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/Log.h>
 
-#include <QApplication>
 #include <QFormLayout>
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
-#include <QStatusBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <memory>
@@ -39,14 +50,43 @@ QLabel* ValueLabel(const std::string& text)
     return label;
 }
 
+// A text window that handles the Edit menu's Clear itself: the command reaches
+// it first while it is the active child, and is disabled while no text window is.
+class TextWindow : public QPlainTextEdit, public CmdTarget
+{
+public:
+    explicit TextWindow(const QString& text)
+    {
+        setPlainText(text);
+        OnCommand(WorkbenchFrame::eEditClear, [this] { clear(); });
+        OnUpdateCommand(WorkbenchFrame::eEditClear,
+                        [this](CCmdUI* cmdUI) { cmdUI->Enable(!document()->isEmpty()); });
+    }
+};
+
+// The hosted window of the status bar page.
+constexpr unsigned int kSliderPane = 59394;
+
 } // namespace
 
 WorkbenchFrame::WorkbenchFrame(TsApp& app)
 {
     setWindowTitle(QStringLiteral("Workbench"));
     BuildMenus();
-    BuildPage(app);
-    statusBar()->showMessage(QStringLiteral("Ready"));
+    BuildMessageBar();
+
+    // Side by side at the start, so that each window shows what it is for.
+    QMdiSubWindow* settings = BuildSettingsPage(app);
+    settings->setGeometry(0, 0, 600, 378);
+    NewTextWindow()->setGeometry(604, 0, 206, 378);
+    BuildStatusBarPage()->setGeometry(0, 382, 810, 134);
+    MDIActivate(settings);
+
+
+    // The count asks the application's main window, which this frame is only once made.
+    connect(GetMDIClient(), &QMdiArea::subWindowActivated, this, [this] { UpdateWindowCount(); });
+    QTimer::singleShot(0, this, [this] { UpdateWindowCount(); });
+    SetMessageText("Ready");
     resize(820, 560);
 }
 
@@ -56,6 +96,19 @@ void WorkbenchFrame::BuildMenus()
     AddCommand(file, eAppExit, tr("E&xit"));
     OnCommand(eAppExit, [this] { close(); });
 
+    QMenu* edit = AddCommandMenu(tr("&Edit"));
+    AddCommand(edit, eEditClear, tr("&Clear"));
+
+    QMenu* window = AddCommandMenu(tr("&Window"));
+    AddCommand(window, ID_WINDOW_NEW, tr("&New window"));
+    AddCommand(window, ID_WINDOW_CASCADE, tr("&Cascade"));
+    AddCommand(window, ID_WINDOW_TILE_HORZ, tr("&Tile"));
+    window->addSeparator();
+    AddCommand(window, eCloseAllWindows, tr("Close &all"));
+    OnCommand(ID_WINDOW_NEW, [this] { NewTextWindow(); });
+    OnCommand(eCloseAllWindows, [this] { CloseAllChildWindows(); });
+    OnUpdateCommand(eCloseAllWindows, [this](CCmdUI* cmdUI) { cmdUI->Enable(MDIGetActive() != nullptr); });
+
     QMenu* failures = AddCommandMenu(tr("F&ailures"));
     AddCommand(failures, eThrowException, tr("Throw an &Exception"));
     AddCommand(failures, eThrowUnknown, tr("Throw something &unknown"));
@@ -64,15 +117,27 @@ void WorkbenchFrame::BuildMenus()
         throw Exception("The workbench threw this exception on purpose, to show the internal error dialog.");
     });
     OnCommand(eThrowUnknown, [] { throw UnknownFailure{42}; });
-    OnCommand(eNullPointer, [this] { statusBar()->showMessage(QString::number(ReadThroughNull())); });
+    OnCommand(eNullPointer, [this] { SetMessageText(std::to_string(ReadThroughNull())); });
+
+    AddDialogDemos(*this);
+    AddProgressDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
 }
 
-void WorkbenchFrame::BuildPage(TsApp& app)
+void WorkbenchFrame::BuildMessageBar()
 {
-    auto* page = new QFrame(this);
+    auto* bar = static_cast<TsStatusBar*>(GetMessageBar());
+    const unsigned int panes[] = {0, kWindowCountPane};
+    bar->SetIndicators(panes, 2);
+    bar->SetPaneInfo(1, kWindowCountPane, SBPS_NORMAL, 110);
+    // The progress gauge joins this bar once the frame is the main window (Progress::InitProgress).
+}
+
+QMdiSubWindow* WorkbenchFrame::BuildSettingsPage(TsApp& app)
+{
+    auto* page = new QFrame;
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(24, 20, 24, 20);
 
@@ -83,8 +148,10 @@ void WorkbenchFrame::BuildPage(TsApp& app)
     heading->setFont(headingFont);
     layout->addWidget(heading);
     auto* intro = new QLabel(tr("The suite shell that shows the parts of the library at work. "
-                                "The Failures menu ends each of its commands in the internal error dialog; "
-                                "Help shows the About box."),
+                                "The Dialogs menu opens each kind of message dialog; the Progress menu runs "
+                                "long computations that report in the status bar below; the Failures menu "
+                                "ends each of its commands in the internal error dialog; the Window menu "
+                                "opens and arranges windows; Help shows the About box."),
                              page);
     intro->setWordWrap(true);
     layout->addWidget(intro);
@@ -105,5 +172,71 @@ void WorkbenchFrame::BuildPage(TsApp& app)
     facts->addRow(tr("Starts so far:"), ValueLabel(std::to_string(starts)));
     layout->addLayout(facts);
     layout->addStretch(1);
-    setCentralWidget(page);
+
+    page->setWindowTitle(tr("Settings"));
+    return AddMDIChild(page);
+}
+
+QMdiSubWindow* WorkbenchFrame::BuildStatusBarPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* text = new QLabel(tr("The toolkit status bar below can host a window in a pane of its own. "
+                               "The frame's message bar at the bottom of the main window counts the windows."),
+                            page);
+    text->setWordWrap(true);
+    text->setMargin(12);
+    layout->addWidget(text);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(12, 0, 12, 0);
+    auto* host = new QPushButton(tr("Host a slider"), page);
+    auto* remove = new QPushButton(tr("Take it out"), page);
+    buttons->addWidget(host);
+    buttons->addWidget(remove);
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+    layout->addStretch(1);
+
+    auto* bar = new TsXTPStatusBar(page);
+    const unsigned int panes[] = {0};
+    bar->SetIndicators(panes, 1);
+    bar->SetPaneText(0, "Toolkit status bar", 1);
+    const int position = bar->AddIndicator(kSliderPane + 1);
+    bar->SetPaneInfo(position, kSliderPane + 1, SBPS_NORMAL, 70);
+    bar->SetPaneText(position, "Pane 2", 1);
+    layout->addWidget(bar);
+
+    auto* slider = new QSlider(Qt::Horizontal, bar);
+    slider->hide();
+    connect(host, &QPushButton::clicked, bar, [bar, slider] {
+        if (bar->GetWindowIndex(slider) < 0)
+            bar->InsertWindow(slider, 100, 1, kSliderPane);
+    });
+    connect(remove, &QPushButton::clicked, bar, [bar, slider] { bar->RemoveWindow(slider, false, kSliderPane); });
+    bar->InsertWindow(slider, 100, 1, kSliderPane);
+
+    page->setWindowTitle(tr("Status bars"));
+    return AddMDIChild(page);
+}
+
+QMdiSubWindow* WorkbenchFrame::NewTextWindow()
+{
+    const QString title = tr("Text %1").arg(++mTextWindows);
+    auto* view = new TextWindow(tr("%1\n\nCommands reach the active window first: Edit > Clear empties this "
+                                   "text while it is the active window, and is disabled while no text window is.")
+                                    .arg(title));
+    view->setWindowTitle(title);
+    QMdiSubWindow* child = AddMDIChild(view);
+    child->resize(420, 260);
+    return child;
+}
+
+void WorkbenchFrame::UpdateWindowCount()
+{
+    auto* bar = static_cast<TsStatusBar*>(GetMessageBar());
+    const int count = GUIUtilities::GetMDIChildWnds(nullptr, true);
+    const QString text = count == 1 ? tr("1 window") : tr("%1 windows").arg(count);
+    bar->SetPaneText(bar->CommandToIndex(kWindowCountPane), text.toStdString(), 1);
 }

@@ -1,13 +1,15 @@
 #pragma once
-// The workbench's main window: it shows where the application keeps its
-// settings and offers the commands that put the library's parts to work.
+// The workbench's main window: an MDI frame whose first child shows where the
+// application keeps its settings, with text windows beside it, a child that
+// shows the toolkit status bar, and the commands that put the library's parts
+// to work.
 
-#include <KORVAutlwin/frame/TsFrameWnd.h>
+#include <KORVAutlwin/frame/TessmaMDIFrame.h>
 
-class QLabel;
+class QMdiSubWindow;
 class TsApp;
 
-class WorkbenchFrame : public TsFrameWnd
+class WorkbenchFrame : public TessmaMDIFrame
 {
     Q_OBJECT
 
@@ -20,10 +22,20 @@ public:
         eThrowException = 32771,
         eThrowUnknown = 32772,
         eNullPointer = 32773,
+        eCloseAllWindows = 32774,
+        eEditClear = 57632,
         eAppExit = 57665
     };
+    /// The message bar's pane that counts the windows.
+    static constexpr unsigned int kWindowCountPane = 59393;
 
 private:
     void BuildMenus();
-    void BuildPage(TsApp& app);
+    void BuildMessageBar();
+    QMdiSubWindow* BuildSettingsPage(TsApp& app);
+    QMdiSubWindow* BuildStatusBarPage();
+    QMdiSubWindow* NewTextWindow();
+    void UpdateWindowCount();
+
+    int mTextWindows = 0;
 };
