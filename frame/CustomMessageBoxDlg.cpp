@@ -70,6 +70,46 @@ std::string MessageBoxButtonText(int id)
     return caption ? LanguageString::Get(caption) : std::string();
 }
 
+QLabel* MakeQuestionText(TsDialog* dialog, int ctrlId)
+{
+    auto* text = new QLabel(dialog);
+    text->setTextFormat(Qt::PlainText);
+    text->setWordWrap(true);
+    text->setProperty("ctrlId", ctrlId);
+    return text;
+}
+
+QPushButton* MakeAnswerButton(TsDialog* dialog, int ctrlId, const QString& caption, int result)
+{
+    constexpr int kButtonWidth = 60;
+    auto* button = new QPushButton(caption, dialog);
+    button->setProperty("ctrlId", ctrlId);
+    button->setMinimumWidth(dialog->FromDlgX(kButtonWidth));
+    QObject::connect(button, &QPushButton::clicked, dialog, [dialog, result] { dialog->done(result); });
+    return button;
+}
+
+void LayOutQuestion(TsDialog* dialog, QLabel* text, const std::vector<QPushButton*>& buttons)
+{
+    auto* row = new QHBoxLayout;
+    row->addStretch(1);
+    for (QPushButton* button : buttons)
+        row->addWidget(button);
+    row->addStretch(1);
+
+    auto* icon = new QLabel(dialog);
+    icon->setObjectName(QStringLiteral("icon"));
+    icon->setPixmap(MessageBoxIcon(MB_ICONQUESTION, dialog));
+    auto* top = new QHBoxLayout;
+    top->addWidget(icon, 0, Qt::AlignTop);
+    top->addWidget(text, 1);
+
+    auto* layout = new QVBoxLayout(dialog);
+    layout->addLayout(top, 1);
+    layout->addLayout(row);
+    dialog->setMinimumWidth(dialog->FromDlgX(220));
+}
+
 QPixmap MessageBoxIcon(unsigned int nType, const QWidget* widget)
 {
     QStyle::StandardPixmap kind;

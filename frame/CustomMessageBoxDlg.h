@@ -118,4 +118,11 @@ QWidget* GetSafeOwner();
 /// `title` when it is not empty, else the application's name.
 std::string MessageTitle(const char* title);
 
+/// The small question dialogs: a wrapping plain-text label with control id `ctrlId` ...
+QLabel* MakeQuestionText(TsDialog* dialog, int ctrlId);
+/// ... answer buttons at least 60 dialog units wide that end the dialog with `result` ...
+QPushButton* MakeAnswerButton(TsDialog* dialog, int ctrlId, const QString& caption, int result);
+/// ... and the layout: the question icon beside the text, the buttons centred below.
+void LayOutQuestion(TsDialog* dialog, QLabel* text, const std::vector<QPushButton*>& buttons);
+
 } // namespace korva
