@@ -9,6 +9,7 @@
 #include "WorkbenchFrame.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
+#include <KORVAutlwin/frame/StandardUserComm.h>
 #include <KORVAutlwin/frame/TsApp.h>
 #include <KORVAutlwin/frame/TsStartWindow.h>
 #include <KORVAutlwin/progress/Progress.h>
@@ -39,6 +40,8 @@ public:
         SetRegistryLocation();
         RecordStart();
         QApplication::setWindowIcon(QPixmap::fromImage(GUIUtilities::LoadPicture(GetAboutBitmap())));
+        // Code below the windows asks and informs the user through dialogs.
+        UserComm::SetUserComm(&mUserComm);
         // The frame takes the splash down two seconds after it is made.
         TsStartWindow(GetAboutBitmap(),
                       {GetAppName(), "Version " + TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionLong),
@@ -72,6 +75,7 @@ public:
 
     int ExitInstance() override
     {
+        UserComm::SetUserComm(nullptr);
         Log::WriteMessage("WorkbenchApp", "ExitInstance", "Workbench ends.", Log::eMilestone);
         return mExitCode;
     }
@@ -113,10 +117,23 @@ private:
         }
         if (!dialog->grab().save(mScreenshot))
             mExitCode = 1;
-        dialog->close();
-        QTimer::singleShot(100, GetMainWnd(), [this] { GetMainWnd()->close(); });
+        CloseWhenIdle();
     }
 
+    // Answers every dialog the command still shows (with its Escape or close
+    // answer) and closes the main window only once the command has returned:
+    // closing it under a running command would delete the dialogs it owns.
+    void CloseWhenIdle()
+    {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            dialog->close();
+            QTimer::singleShot(100, GetMainWnd(), [this] { CloseWhenIdle(); });
+            return;
+        }
+        GetMainWnd()->close();
+    }
+
+    StandardUserComm mUserComm;
     QString mScreenshot;
     int mTries = 0;
     int mExitCode = 0;

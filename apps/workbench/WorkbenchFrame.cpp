@@ -2,6 +2,7 @@
 
 #include "DialogDemos.h"
 #include "ProgressDemos.h"
+#include "UserCommDemos.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
@@ -121,6 +122,7 @@ void WorkbenchFrame::BuildMenus()
 
     AddDialogDemos(*this);
     AddProgressDemos(*this);
+    AddUserCommDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
@@ -149,7 +151,8 @@ QMdiSubWindow* WorkbenchFrame::BuildSettingsPage(TsApp& app)
     layout->addWidget(heading);
     auto* intro = new QLabel(tr("The suite shell that shows the parts of the library at work. "
                                 "The Dialogs menu opens each kind of message dialog; the Progress menu runs "
-                                "long computations that report in the status bar below; the Failures menu "
+                                "long computations that report in the status bar below; Ask and inform lets "
+                                "code without a window of its own talk to the user; the Failures menu "
                                 "ends each of its commands in the internal error dialog; the Window menu "
                                 "opens and arranges windows; Help shows the About box."),
                              page);

@@ -1,0 +1,103 @@
+// The dialogs of the user channel step in front of a running progress: its
+// break window is hidden while each one is up and comes back after it.
+
+#include "../progress/ProgressTestSupport.h"
+
+#include <KORVAutlwin/frame/MemoryUserComm.h>
+#include <KORVAutlwin/frame/StandardUserComm.h>
+#include <KORVAutlwin/platform/Registry.h>
+
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+using korva::test::BreakMessage;
+
+namespace {
+
+const BreakMessage kHide{BreakWindowChannel::eShowWindow, 0.0f};
+const BreakMessage kShow{BreakWindowChannel::eShowWindow, 1.0f};
+
+class UserCommProgressTest : public korva::test::ProgressFrameFixture
+{
+protected:
+    void SetUp() override
+    {
+        ProgressFrameFixture::SetUp();
+        MakeFrame();
+        BreakWindowChannel::SetChannel(&mWindow);
+        mProgress = std::make_unique<Progress>(nullptr, "Import", 0.0f, 1.0f, false, true, true);
+        ASSERT_TRUE(mProgress->IsActive());
+        mWindow.messages.clear();
+    }
+    void TearDown() override
+    {
+        mProgress.reset();
+        ProgressFrameFixture::TearDown();
+    }
+
+    // Runs `call`, answering its dialog with Return; what the break window got
+    // while the dialog was up, and in all.
+    void Run(const std::function<void()>& call, std::vector<BreakMessage>& whileShown)
+    {
+        korva::test::WhenModal([this, &whileShown](QWidget* dialog) {
+            whileShown = mWindow.messages;
+            QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, Qt::Key_Return);
+        });
+        call();
+    }
+
+    korva::test::RecordingBreakWindow mWindow;
+    std::unique_ptr<Progress> mProgress;
+    StandardUserComm mChannel;
+};
+
+} // namespace
+
+TEST_F(UserCommProgressTest, EveryDialogIsBracketedByHideAndShow)
+{
+    std::string longText;
+    for (int line = 0; line < 40; ++line)
+        longText += "line\n";
+    const std::vector<std::function<void()>> calls = {
+        [&] { mChannel.AskUserYesNo("Stop the import?", nullptr, 1); },
+        [&] { mChannel.AskUserYesNo(longText.c_str(), nullptr, 1); },
+        [&] { mChannel.AskUserYesNo("Stop?", "details", nullptr, 1); },
+        [&] { mChannel.AskUserYesYesToAllNoNoToAllCancel("Replace?", "", nullptr, 1); },
+        [&] { mChannel.AskUserYesYesToAllCancel("Replace?", "", nullptr, 1); },
+        [&] { mChannel.AskUserYesCancel("Replace?", "", nullptr, 1); },
+        [&] { mChannel.FatalError("Disk full.", nullptr); },
+        [&] { mChannel.FatalError(longText.c_str(), nullptr); },
+        [&] { mChannel.InformUser("Done.", nullptr, 0); },
+        [&] { mChannel.InformUser(longText.c_str(), nullptr, 0); },
+        [&] { mChannel.InformUser("Done.", nullptr, 11); },
+    };
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        mWindow.messages.clear();
+        std::vector<BreakMessage> whileShown;
+        Run(calls[i], whileShown);
+        EXPECT_EQ(whileShown, std::vector<BreakMessage>{kHide}) << "call " << i;
+        EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow})) << "call " << i;
+    }
+}
+
+TEST_F(UserCommProgressTest, WhatShowsNothingLeavesTheProgressAlone)
+{
+    mChannel.InformUser("", nullptr, 0);
+    mChannel.FatalError(nullptr, nullptr);
+    MuteInformUserComm mute;
+    mute.InformUser("collected", nullptr, 0);
+    EXPECT_TRUE(mWindow.messages.empty());
+
+    // A silenced inform still passes the bracket: the key is read behind it.
+    {
+        RegistrySection key = korva::OpenInformSilenceKey();
+        ASSERT_TRUE(korva::SilenceInform(key, 12));
+    }
+    mChannel.InformUser("Silenced.", nullptr, 12);
+    EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow}));
+}
