@@ -1,10 +1,36 @@
 #include <KORVAutlwin/progress/BreakWindowChannel.h>
 
+#include <KORVAutlwin/progress/BreakDialog.h>
+#include <KORVAutlwin/progress/BreakWindowProcess.h>
+#include <KORVAutlwin/progress/InProcessBreakWindow.h>
 #include <KORVAutlwin/progress/Progress.h>
+
+#include <QApplication>
+#include <QThread>
+
+#include <cstdlib>
+#include <cstring>
 
 namespace {
 
 BreakWindowChannel* gChannel = nullptr;
+// Set once a break window was installed or made; from then on GetChannel
+// returns what is there, even null.
+bool gDecided = false;
+
+// The process's own break window, kept to process end: the companion if it
+// starts, else the dialog in this process.
+BreakWindowChannel* MakeDefaultChannel()
+{
+    const char* choice = std::getenv("KORVA_BREAK_WINDOW");
+    if (!choice || std::strcmp(choice, "inprocess") != 0) {
+        auto* companion = new BreakWindowProcess;
+        if (companion->Create())
+            return companion;
+        delete companion;
+    }
+    return new InProcessBreakWindow;
+}
 
 } // namespace
 
@@ -12,6 +38,14 @@ BreakWindowChannel::~BreakWindowChannel() = default;
 
 BreakWindowChannel* BreakWindowChannel::GetChannel()
 {
+    if (!gDecided) {
+        // Either kind needs the GUI thread of a widget application to be worth making.
+        QCoreApplication* application = QCoreApplication::instance();
+        if (!qobject_cast<QApplication*>(application) || QThread::currentThread() != application->thread())
+            return gChannel;
+        gDecided = true;
+        gChannel = MakeDefaultChannel();
+    }
     return gChannel;
 }
 
@@ -19,6 +53,7 @@ BreakWindowChannel* BreakWindowChannel::SetChannel(BreakWindowChannel* channel)
 {
     BreakWindowChannel* previous = gChannel;
     gChannel = channel;
+    gDecided = true;
     return previous;
 }
 

@@ -5,9 +5,13 @@
 // returns when the window has handled the message, and the window never calls
 // back into the main thread while it does.
 //
-// The process has at most one break window, installed with SetChannel and kept
-// to process end. While none is installed, the break route simply has no window:
-// Progress then counts and answers as usual and shows nothing.
+// The process has at most one break window, kept to process end. Unless one
+// was installed with SetChannel, the first GetChannel on the GUI thread makes
+// it: a BreakWindowProcess (the window in its companion process), or, when the
+// companion cannot be started, an InProcessBreakWindow. The environment
+// variable KORVA_BREAK_WINDOW=inprocess chooses the in-process one at once.
+// SetChannel(nullptr) leaves the process without a break window: Progress then
+// counts and answers as usual and shows nothing.
 //
 // A confirmed stop comes back the other way: the implementation calls
 // SetBreakPressed on the client that Start named (from any thread).
@@ -35,10 +39,13 @@ public:
 
     virtual ~BreakWindowChannel();
 
-    /// The installed break window, or null.
+    /// The installed break window; at the first call with none installed, the
+    /// process's own (see above). Null when none was installed and the caller is
+    /// not the GUI thread of a QApplication.
     static BreakWindowChannel* GetChannel();
     /// Installs `channel` (not owned; null removes it) and returns the one
-    /// installed before. Main thread, while no Progress uses a break window.
+    /// installed before; no default is made after this. Main thread, while no
+    /// Progress uses a break window.
     static BreakWindowChannel* SetChannel(BreakWindowChannel* channel);
 
     /// Brings the window into being at the first need (hidden), once per

@@ -15,9 +15,12 @@
 #include <QApplication>
 #include <QCursor>
 #include <QThread>
+#include <QWidget>
+#include <QWindow>
 
 #include <climits>
 #include <ctime>
+#include <optional>
 #include <utility>
 
 namespace korva {
@@ -30,6 +33,81 @@ public:
     ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+// While it lives, keyboard and mouse input reaches only `breakWindow` and the
+// windows it owns (its stop question); the rest is dropped.
+class BreakInputGate : public QObject
+{
+public:
+    explicit BreakInputGate(QWidget* breakWindow) : mBreakWindow(breakWindow)
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    ~BreakInputGate() override { QCoreApplication::instance()->removeEventFilter(this); }
+    BreakInputGate(const BreakInputGate&) = delete;
+    BreakInputGate& operator=(const BreakInputGate&) = delete;
+
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        return IsInput(event->type()) && !BelongsToBreakWindow(receiver);
+    }
+
+private:
+    static bool IsInput(QEvent::Type type)
+    {
+        switch (type) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::NonClientAreaMouseButtonPress:
+        case QEvent::NonClientAreaMouseButtonRelease:
+        case QEvent::NonClientAreaMouseButtonDblClick:
+        case QEvent::NonClientAreaMouseMove:
+        case QEvent::Wheel:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::ShortcutOverride:
+        case QEvent::Shortcut:
+        case QEvent::InputMethod:
+        case QEvent::ContextMenu:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TouchCancel:
+        case QEvent::TabletPress:
+        case QEvent::TabletMove:
+        case QEvent::TabletRelease:
+        case QEvent::DragEnter:
+        case QEvent::DragMove:
+        case QEvent::Drop:
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    // Widgets by their parents (a box's parent is the window that owns it),
+    // platform windows by their transient parents, other objects (actions,
+    // shortcuts) by their owners.
+    bool BelongsToBreakWindow(QObject* receiver) const
+    {
+        const QWindow* breakHandle = mBreakWindow ? mBreakWindow->windowHandle() : nullptr;
+        for (QObject* object = receiver; object;) {
+            if (object == mBreakWindow || (breakHandle && object == breakHandle))
+                return true;
+            if (auto* widget = qobject_cast<QWidget*>(object))
+                object = widget->parentWidget();
+            else if (auto* window = qobject_cast<QWindow*>(object))
+                object = window->transientParent() ? window->transientParent() : window->parent();
+            else
+                object = object->parent();
+        }
+        return false;
+    }
+
+    QPointer<QWidget> mBreakWindow;
 };
 
 } // namespace korva
@@ -504,8 +582,15 @@ void Progress::MessageLoop()
             gauge->update();
     }
     // Painting, sizing and window switching go on; keyboard and mouse wait, so
-    // no command can start in the middle of the computation.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // no command can start in the middle of the computation. A break window in
+    // this process lives on this pumping alone: once it is on the screen, its
+    // input passes and input for every other window is dropped.
+    std::optional<korva::BreakInputGate> gate;
+    if (Progress* active = msActive.load(std::memory_order_relaxed); active && active->breakWindow) {
+        if (QWidget* breakWidget = active->breakWindow->GetWidget(); breakWidget && breakWidget->isVisible())
+            gate.emplace(breakWidget);
+    }
+    QCoreApplication::processEvents(gate ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
 
     if (qobject_cast<QGuiApplication*>(application)) {
         const QCursor* cursor = QGuiApplication::overrideCursor();

@@ -1,6 +1,8 @@
 #include "WorkbenchFrame.h"
 
+#include "BreakDemos.h"
 #include "DialogDemos.h"
+#include "ExecuteDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
 
@@ -123,6 +125,8 @@ void WorkbenchFrame::BuildMenus()
     AddDialogDemos(*this);
     AddProgressDemos(*this);
     AddUserCommDemos(*this);
+    AddBreakDemos(*this);
+    AddExecuteDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
@@ -151,7 +155,9 @@ QMdiSubWindow* WorkbenchFrame::BuildSettingsPage(TsApp& app)
     layout->addWidget(heading);
     auto* intro = new QLabel(tr("The suite shell that shows the parts of the library at work. "
                                 "The Dialogs menu opens each kind of message dialog; the Progress menu runs "
-                                "long computations that report in the status bar below; Ask and inform lets "
+                                "long computations that report in the status bar below; Computations runs one with "
+                                "a stop button that works while the main thread computes, and Background runs "
+                                "work on another thread; Ask and inform lets "
                                 "code without a window of its own talk to the user; the Failures menu "
                                 "ends each of its commands in the internal error dialog; the Window menu "
                                 "opens and arranges windows; Help shows the About box."),

@@ -1,0 +1,441 @@
+#include <KORVAutlwin/progress/BreakWindowProcess.h>
+
+#include <KORVAutlwin/progress/BreakStartInfo.h>
+
+#include <KORVAutl/Log.h>
+#include <KORVAutl/TsFileUtl.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace korva {
+
+namespace {
+
+constexpr const char* kClassName = "BreakWindowProcess";
+constexpr int kCompanionFd = 3;
+// How long a companion whose socket closed may take to end before it is killed.
+constexpr auto kReapGrace = std::chrono::seconds(2);
+
+void LogFailure(const char* function, const std::string& text)
+{
+    Log::WriteMessage(kClassName, function, text.c_str(), Log::eSystemCallFailed);
+}
+
+std::string SystemError(const char* call, int error)
+{
+    return std::string(call) + " failed: " + std::strerror(error) + ".";
+}
+
+// Receives one record; its size, 0 at the end of the connection, -1 on failure.
+// A record longer than any of the protocol comes back longer than kMaxRecordSize.
+ssize_t ReceiveRecord(int fd, unsigned char* buffer, std::size_t capacity)
+{
+    for (;;) {
+        const ssize_t received = recv(fd, buffer, capacity, MSG_TRUNC);
+        if (received >= 0 || errno != EINTR)
+            return received;
+    }
+}
+
+bool SendRecord(int fd, const BreakWire::Buffer& buffer, std::size_t size)
+{
+    for (;;) {
+        // MSG_NOSIGNAL: a companion that is gone must not take this process with it.
+        const ssize_t sent = send(fd, buffer.data(), size, MSG_NOSIGNAL);
+        if (sent >= 0)
+            return static_cast<std::size_t>(sent) == size;
+        if (errno != EINTR)
+            return false;
+    }
+}
+
+// Kills and reaps a child that never became a companion.
+void Discard(pid_t pid)
+{
+    kill(pid, SIGKILL);
+    while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+} // namespace
+
+// One companion and its connection. The main thread writes records and waits
+// for their acknowledgements; the reader thread reads everything that comes
+// back, and at the end reaps the companion.
+class BreakConnection
+{
+public:
+    BreakConnection(int socket, pid_t child, std::function<void(Progress&)> stopConfirmed)
+        : fd(socket), pid(child), confirmStop(std::move(stopConfirmed))
+    {
+        reader = std::thread([this] { Read(); });
+    }
+
+    ~BreakConnection()
+    {
+        Lose(nullptr, false);
+        if (reader.joinable())
+            reader.join();
+        close(fd);
+    }
+
+    BreakConnection(const BreakConnection&) = delete;
+    BreakConnection& operator=(const BreakConnection&) = delete;
+
+    bool IsAlive() const { return alive.load(std::memory_order_acquire); }
+
+    std::uint32_t NextSequence()
+    {
+        // 0 stands for "no session".
+        if (++sequence == 0)
+            ++sequence;
+        return sequence;
+    }
+
+    // Sends `message` and waits for its acknowledgement.
+    bool RoundTrip(BreakWire::Message& message)
+    {
+        if (!IsAlive())
+            return false;
+        if (message.sequence == 0)
+            message.sequence = NextSequence();
+        BreakWire::Buffer buffer;
+        const std::size_t size = BreakWire::Encode(message, buffer);
+        if (!SendRecord(fd, buffer, size)) {
+            Lose(SystemError("send", errno).c_str(), false);
+            return false;
+        }
+        const std::uint32_t awaited = message.sequence;
+        std::unique_lock<std::mutex> lock(mutex);
+        const bool answered =
+            changed.wait_for(lock, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout), [&] {
+                return static_cast<std::int32_t>(acknowledged - awaited) >= 0 || !IsAlive();
+            });
+        if (static_cast<std::int32_t>(acknowledged - awaited) >= 0)
+            return true;
+        lock.unlock();
+        if (!answered)
+            Lose("The break window did not acknowledge a message in time; it is given up.", true);
+        return false;
+    }
+
+    // From now on a confirmed stop of the session `start` goes to `client` (null: to nobody).
+    void Serve(Progress* served, std::uint32_t start)
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        client = served;
+        session = start;
+    }
+
+    // Gives the companion up: every waiting and later call returns at once and the
+    // reader ends. `why` null is the orderly end. `killIt` for a companion that hangs.
+    void Lose(const char* why, bool killIt)
+    {
+        const bool wasAlive = alive.exchange(false, std::memory_order_acq_rel);
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            client = nullptr;
+            session = 0;
+            // A reaped pid may belong to another process already.
+            if (killIt && !reaped)
+                kill(pid, SIGKILL);
+        }
+        changed.notify_all();
+        shutdown(fd, SHUT_RDWR);
+        if (why && wasAlive)
+            LogFailure("Connection", why);
+    }
+
+    const int fd;
+    const pid_t pid;
+
+private:
+    void Read()
+    {
+        unsigned char buffer[BreakWire::kMaxRecordSize + 1];
+        for (;;) {
+            const ssize_t received = ReceiveRecord(fd, buffer, sizeof buffer);
+            if (received == 0) {
+                Lose("The break window closed its connection.", false);
+                break;
+            }
+            if (received < 0) {
+                Lose(SystemError("recv", errno).c_str(), false);
+                break;
+            }
+            BreakWire::Message message;
+            const BreakWire::EDecode decoded = BreakWire::Decode(buffer, static_cast<std::size_t>(received), message);
+            if (decoded != BreakWire::eDecoded) {
+                Lose(decoded == BreakWire::eWrongVersion ? "The break window speaks another version; it is given up."
+                                                         : "The break window sent a malformed record; it is given up.",
+                     false);
+                break;
+            }
+            if (message.type == BreakWire::eAcknowledge) {
+                {
+                    std::lock_guard<std::mutex> lock(mutex);
+                    acknowledged = message.sequence;
+                }
+                changed.notify_all();
+            } else if (message.type == BreakWire::eStopConfirmed) {
+                std::lock_guard<std::mutex> lock(mutex);
+                // A stop of a client that has finished meanwhile goes nowhere.
+                if (client && session != 0 && session == message.argument)
+                    confirmStop(*client);
+            }
+        }
+        Reap();
+    }
+
+    void Reap()
+    {
+        const auto deadline = std::chrono::steady_clock::now() + kReapGrace;
+        for (;;) {
+            std::unique_lock<std::mutex> lock(mutex);
+            const pid_t result = waitpid(pid, nullptr, WNOHANG);
+            if (result == pid || (result < 0 && errno != EINTR)) {
+                reaped = true;
+                return;
+            }
+            if (std::chrono::steady_clock::now() >= deadline) {
+                kill(pid, SIGKILL);
+                while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+                }
+                reaped = true;
+                return;
+            }
+            lock.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+
+    std::atomic<bool> alive{true};
+    std::uint32_t sequence = 0;  // main thread only
+    std::function<void(Progress&)> confirmStop;
+    std::thread reader;
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::uint32_t acknowledged = 0;  // the last sequence acknowledged
+    Progress* client = nullptr;
+    std::uint32_t session = 0;       // the sequence of the client's start
+    bool reaped = false;
+};
+
+} // namespace korva
+
+using korva::BreakConnection;
+
+BreakWindowProcess::BreakWindowProcess() = default;
+
+BreakWindowProcess::~BreakWindowProcess()
+{
+    Disconnect();
+}
+
+std::string BreakWindowProcess::GetProgramPath()
+{
+    if (const char* named = std::getenv("KORVA_BREAKWIN"); named && *named)
+        return named;
+    return TsPathAppend(TsGetExecutableDirectory().c_str(), "breakwin");
+}
+
+bool BreakWindowProcess::Create()
+{
+    if (IsWindow())
+        return true;
+    Disconnect();
+
+    const std::string program = GetProgramPath();
+    if (access(program.c_str(), X_OK) != 0) {
+        korva::LogFailure("Create", "The break window program " + program + " cannot be run: " +
+                                        std::strerror(errno) + ".");
+        return false;
+    }
+
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+        korva::LogFailure("Create", korva::SystemError("socketpair", errno));
+        return false;
+    }
+    const int ours = ends[0];
+    int theirs = ends[1];
+    if (theirs == korva::kCompanionFd) {
+        // dup2 onto itself would leave close-on-exec set.
+        const int moved = fcntl(theirs, F_DUPFD_CLOEXEC, korva::kCompanionFd + 1);
+        const int error = errno;
+        close(theirs);
+        if (moved < 0) {
+            korva::LogFailure("Create", korva::SystemError("fcntl", error));
+            close(ours);
+            return false;
+        }
+        theirs = moved;
+    }
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, theirs, korva::kCompanionFd);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none, defaults;
+    sigemptyset(&none);
+    sigemptyset(&defaults);
+    sigaddset(&defaults, SIGPIPE);
+    sigaddset(&defaults, SIGCHLD);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+
+    std::string argument0 = program;
+    char* argv[] = {argument0.data(), nullptr};
+    pid_t pid = 0;
+    const int spawned = posix_spawn(&pid, program.c_str(), &actions, &attributes, argv, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    close(theirs);
+    if (spawned != 0) {
+        korva::LogFailure("Create", korva::SystemError("posix_spawn", spawned));
+        close(ours);
+        return false;
+    }
+
+    // The companion's first record is "ready"; one that cannot show a window ends instead.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kReadyTimeout);
+    bool ready = false;
+    std::string failure = "The break window did not start in time.";
+    for (;;) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count();
+        if (left <= 0)
+            break;
+        pollfd waiting{ours, POLLIN, 0};
+        const int polled = poll(&waiting, 1, static_cast<int>(left));
+        if (polled < 0 && errno == EINTR)
+            continue;
+        if (polled <= 0)
+            break;
+        unsigned char buffer[BreakWire::kMaxRecordSize + 1];
+        const ssize_t received = korva::ReceiveRecord(ours, buffer, sizeof buffer);
+        BreakWire::Message message;
+        if (received <= 0)
+            failure = "The break window ended before it was ready (no display?).";
+        else if (BreakWire::Decode(buffer, static_cast<std::size_t>(received), message) != BreakWire::eDecoded ||
+                 message.type != BreakWire::eReady)
+            failure = "The break window does not speak this version of its protocol.";
+        else
+            ready = true;
+        break;
+    }
+    if (!ready) {
+        korva::LogFailure("Create", failure + " (" + program + ")");
+        close(ours);
+        korva::Discard(pid);
+        return false;
+    }
+
+    mConnection = std::make_unique<BreakConnection>(ours, pid, [](Progress& client) {
+        BreakWindowChannel::SetBreakPressed(client);
+    });
+    Log::WriteMessage(korva::kClassName, "Create", ("The break window runs as process " + std::to_string(pid) + ".").c_str(),
+                      Log::eMilestone);
+    return true;
+}
+
+bool BreakWindowProcess::IsWindow() const
+{
+    return mConnection && mConnection->IsAlive();
+}
+
+void BreakWindowProcess::Disconnect()
+{
+    // Joins the reader, which reaps the companion once its socket is closed.
+    mConnection.reset();
+}
+
+bool BreakWindowProcess::RoundTrip(BreakWire::Message message)
+{
+    return mConnection && mConnection->RoundTrip(message);
+}
+
+void BreakWindowProcess::Finish()
+{
+    RoundTrip(BreakWire::Make(BreakWire::eFinish));
+    if (mConnection)
+        mConnection->Serve(nullptr, 0);
+}
+
+void BreakWindowProcess::SpinStep()
+{
+    RoundTrip(BreakWire::Make(BreakWire::eSpinStep));
+}
+
+void BreakWindowProcess::SpinRest()
+{
+    RoundTrip(BreakWire::Make(BreakWire::eSpinRest));
+}
+
+void BreakWindowProcess::SetTitle(const char* title)
+{
+    RoundTrip(BreakWire::MakeTitle(title ? title : ""));
+}
+
+void BreakWindowProcess::SetGaugeValue(float value)
+{
+    RoundTrip(BreakWire::MakeGaugeValue(value));
+}
+
+void BreakWindowProcess::SetGaugeRange(float low, float high)
+{
+    RoundTrip(BreakWire::MakeGaugeRange(low, high));
+}
+
+void BreakWindowProcess::ShowWindow(bool show)
+{
+    RoundTrip(BreakWire::Make(BreakWire::eShowWindow, 0, show ? 1u : 0u));
+}
+
+void BreakWindowProcess::Start(unsigned int delay, Progress* client, const QRect& mainWindow)
+{
+    if (!IsWindow() || !client)
+        return;
+    BreakWire::Message message = BreakWire::MakeStart(BreakStartInfo::FromClient(*client, delay, mainWindow));
+    message.sequence = mConnection->NextSequence();
+    mConnection->Serve(client, message.sequence);
+    RoundTrip(std::move(message));
+}
+
+pid_t BreakWindowProcess::GetCompanionPid() const
+{
+    return IsWindow() ? mConnection->pid : 0;
+}
+
+int BreakWindowProcess::GetSocket() const
+{
+    return IsWindow() ? mConnection->fd : -1;
+}
+
+bool BreakWindowProcess::PressStopInCompanion()
+{
+    return RoundTrip(BreakWire::Make(BreakWire::ePressStop));
+}
