@@ -13,7 +13,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
-#include <QTextEdit>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -25,26 +24,23 @@ namespace {
 // The text of the internal error dialog's error control (ctrlId 13068).
 QString ErrorText(QWidget* dialog)
 {
-    for (QWidget* child : dialog->findChildren<QWidget*>()) {
-        if (child->property("ctrlId").toInt() != 13068)
-            continue;
-        if (auto* plain = qobject_cast<QPlainTextEdit*>(child))
-            return plain->toPlainText();
-        if (auto* rich = qobject_cast<QTextEdit*>(child))
-            return rich->toPlainText();
-        return child->property("text").toString();
-    }
+    for (auto* text : dialog->findChildren<QPlainTextEdit*>())
+        if (text->property("ctrlId").toInt() == 13068)
+            return text->toPlainText();
     return QString();
 }
 
 // Answers the internal error dialog with Escape (go on) and records its text.
-void GoOnAfterError(QString& text, int& shown)
+void GoOnAfterError(QString& text, int& shown,
+                    std::function<bool(QWidget*)> accept = [](QWidget* modal) { return !ErrorText(modal).isEmpty(); })
 {
-    korva::test::WhenModal([&text, &shown](QWidget* dialog) {
-        ++shown;
-        text = ErrorText(dialog);
-        QTest::keyClick(dialog, Qt::Key_Escape);
-    });
+    korva::test::WhenModal(
+        [&text, &shown](QWidget* dialog) {
+            ++shown;
+            text = ErrorText(dialog);
+            QTest::keyClick(dialog, Qt::Key_Escape);
+        },
+        std::chrono::seconds(10), accept);
 }
 
 // A dialog with one button whose click runs `failure`.
@@ -143,13 +139,7 @@ TEST(DialogGuardTest, AnExceptionTheDialogLetsPassReachesTheFramesGuard)
     QString text;
     int shown = 0;
     // The failing dialog comes up first; the error dialog follows it.
-    korva::test::WhenModal(
-        [&](QWidget* error) {
-            ++shown;
-            text = ErrorText(error);
-            QTest::keyClick(error, Qt::Key_Escape);
-        },
-        std::chrono::seconds(10), [](QWidget* modal) { return !ErrorText(modal).isEmpty(); });
+    GoOnAfterError(text, shown);
     QTest::mouseClick(&trigger, Qt::LeftButton);
     EXPECT_TRUE(dialogOpened);
     EXPECT_EQ(shown, 1);
@@ -200,9 +190,8 @@ TEST(DialogGuardTest, DialogUnitsScaleWithTheFont)
     QFont font = dialog.font();
     font.setPixelSize(12);
     dialog.setFont(font);
-    const int x4 = dialog.FromDlgX(4);
     const int x1000 = dialog.FromDlgX(1000);
-    EXPECT_GT(x4, 0);
+    EXPECT_GT(dialog.FromDlgX(4), 0);
     // Scaling through 1000 units keeps proportions that mapping each value alone would round away.
     EXPECT_NEAR(dialog.FromDlgX(3) * 1000.0 / 3, x1000, 1000.0 / 3);
     EXPECT_EQ(dialog.FromDlgY(8), dialog.FromDlgY(1000) * 8 / 1000);

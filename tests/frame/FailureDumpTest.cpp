@@ -42,16 +42,22 @@ void ExpectCompleteDump(const std::string& dump)
     EXPECT_TRUE(dump.size() > 13 && dump.substr(dump.size() - 12) == "end of dump\n");
 }
 
+// Runs the helper in `mode`, which must end by `signal` after reporting its
+// dump as written, and gives the dump.
+std::string DumpOf(const char* mode, const TempFolder& folder, int signal)
+{
+    const auto end = RunHelper(mode, folder.Path());
+    EXPECT_TRUE(end.started && !end.timedOut) << mode;
+    // Ended by the signal, as an unhandled crash ends.
+    EXPECT_EQ(end.signal, signal) << mode;
+    EXPECT_EQ(ReadWholeFile(folder.File("dumped")), folder.File("crash.dmp")) << mode;
+    return ReadWholeFile(folder.File("crash.dmp"));
+}
+
 TEST(FailureDumpTest, FaultOnTheMainThreadLeavesADump)
 {
     TempFolder folder;
-    const auto end = RunHelper("crash-main", folder.Path());
-    ASSERT_TRUE(end.started);
-    ASSERT_FALSE(end.timedOut);
-    // Ended by the signal, as an unhandled crash ends.
-    EXPECT_EQ(end.signal, SIGSEGV);
-    EXPECT_EQ(ReadWholeFile(folder.File("dumped")), folder.File("crash.dmp"));
-    const std::string dump = ReadWholeFile(folder.File("crash.dmp"));
+    const std::string dump = DumpOf("crash-main", folder, SIGSEGV);
     EXPECT_TRUE(Contains(dump, "\nsignal: 11 SIGSEGV\n")) << dump;
     EXPECT_TRUE(Contains(dump, "\ncode: 0xc0000005\n")) << dump;
     EXPECT_TRUE(Contains(dump, "\nfault address: 0x0000000000000010\n")) << dump;
@@ -65,11 +71,7 @@ TEST(FailureDumpTest, FaultOnTheMainThreadLeavesADump)
 TEST(FailureDumpTest, FaultOnAWorkerThreadLeavesADump)
 {
     TempFolder folder;
-    const auto end = RunHelper("crash-thread", folder.Path());
-    ASSERT_FALSE(end.timedOut);
-    EXPECT_EQ(end.signal, SIGSEGV);
-    EXPECT_EQ(ReadWholeFile(folder.File("dumped")), folder.File("crash.dmp"));
-    const std::string dump = ReadWholeFile(folder.File("crash.dmp"));
+    const std::string dump = DumpOf("crash-thread", folder, SIGSEGV);
     EXPECT_TRUE(Contains(dump, "\nfault address: 0x0000000000000020\n")) << dump;
     // Written on the failing thread, which is not the main one.
     std::smatch ids;
@@ -81,19 +83,12 @@ TEST(FailureDumpTest, FaultOnAWorkerThreadLeavesADump)
 TEST(FailureDumpTest, StackOverflowAndUncaughtException)
 {
     TempFolder overflow;
-    const auto overflowEnd = RunHelper("overflow-main", overflow.Path());
-    ASSERT_FALSE(overflowEnd.timedOut);
-    EXPECT_EQ(overflowEnd.signal, SIGSEGV);
-    const std::string overflowDump = ReadWholeFile(overflow.File("crash.dmp"));
+    const std::string overflowDump = DumpOf("overflow-main", overflow, SIGSEGV);
     EXPECT_TRUE(Contains(overflowDump, "\ncode: 0xc00000fd\n")) << overflowDump;
     ExpectCompleteDump(overflowDump);
 
     TempFolder uncaught;
-    const auto uncaughtEnd = RunHelper("terminate", uncaught.Path());
-    ASSERT_FALSE(uncaughtEnd.timedOut);
-    EXPECT_EQ(uncaughtEnd.signal, SIGABRT);
-    EXPECT_EQ(ReadWholeFile(uncaught.File("dumped")), uncaught.File("crash.dmp"));
-    const std::string uncaughtDump = ReadWholeFile(uncaught.File("crash.dmp"));
+    const std::string uncaughtDump = DumpOf("terminate", uncaught, SIGABRT);
     EXPECT_TRUE(Contains(uncaughtDump, "\nexception: The helper gave up.\n")) << uncaughtDump;
     ExpectCompleteDump(uncaughtDump);
 }
@@ -112,11 +107,8 @@ TEST(FailureDumpTest, UnwritableDumpPathCallsOnFailed)
 TEST(FailureDumpTest, SecondInitializeKeepsTheFirstFunctions)
 {
     TempFolder folder;
-    const auto end = RunHelper("crash-twice", folder.Path());
-    ASSERT_FALSE(end.timedOut);
-    EXPECT_EQ(end.signal, SIGSEGV);
+    DumpOf("crash-twice", folder, SIGSEGV);
     EXPECT_TRUE(std::filesystem::exists(folder.File("crash.dmp")));
-    EXPECT_EQ(ReadWholeFile(folder.File("dumped")), folder.File("crash.dmp"));
     EXPECT_FALSE(std::filesystem::exists(folder.File("second.dmp")));
     EXPECT_FALSE(std::filesystem::exists(folder.File("dumped-second")));
 }

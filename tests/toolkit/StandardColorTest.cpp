@@ -31,107 +31,67 @@ double Hue(COLORREF color)
 TEST(StandardColorTableTest, ColorDefSelectsTheBaseColoursInTheirOrder)
 {
     StandardColor::Init(32);
-    // A spot at each end and at the places where a shifted or swapped row shows.
+    // Spots at the places where a shifted or swapped row shows.
     EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorBlue), 0xFF8080u);
     EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorRed), 0x8080FFu);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorGreen), 0x80FF80u);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorYellow), 0x80FFFFu);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorGray), 0x808080u);
     EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorLightGray), 0xC0C0C0u);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorBlack), 0x000000u);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorNavy), 0x800000u);
     EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorWine), 0x000080u);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorDarkCyan), 0x808000u);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorOrange), 0x0080FFu);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorViolet), 0xFF0080u);
-    EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorPink), 0x8000FFu);
     EXPECT_EQ(StandardColor::GetColor(StandardColor::eColorLightMagenta), 0xFF80FFu);
-    EXPECT_EQ(static_cast<int>(StandardColor::eColorLightMagenta), 22);
 
-    // Every selector gives its own field.
     const unsigned long* fields[] = {
-        &StandardColor::ColorBlue,       &StandardColor::ColorRed,         &StandardColor::ColorGreen,
-        &StandardColor::ColorYellow,     &StandardColor::ColorGray,        &StandardColor::ColorLightGray,
-        &StandardColor::ColorWhite,      &StandardColor::ColorBlack,       &StandardColor::ColorCyan,
-        &StandardColor::ColorMagenta,    &StandardColor::ColorDarkYellow,  &StandardColor::ColorNavy,
-        &StandardColor::ColorPurple,     &StandardColor::ColorWine,        &StandardColor::ColorOlive,
-        &StandardColor::ColorDarkCyan,   &StandardColor::ColorRoyal,       &StandardColor::ColorOrange,
-        &StandardColor::ColorViolet,     &StandardColor::ColorPink,        &StandardColor::ColorLightYellow,
+        &StandardColor::ColorBlue,       &StandardColor::ColorRed,        &StandardColor::ColorGreen,
+        &StandardColor::ColorYellow,     &StandardColor::ColorGray,       &StandardColor::ColorLightGray,
+        &StandardColor::ColorWhite,      &StandardColor::ColorBlack,      &StandardColor::ColorCyan,
+        &StandardColor::ColorMagenta,    &StandardColor::ColorDarkYellow, &StandardColor::ColorNavy,
+        &StandardColor::ColorPurple,     &StandardColor::ColorWine,       &StandardColor::ColorOlive,
+        &StandardColor::ColorDarkCyan,   &StandardColor::ColorRoyal,      &StandardColor::ColorOrange,
+        &StandardColor::ColorViolet,     &StandardColor::ColorPink,       &StandardColor::ColorLightYellow,
         &StandardColor::ColorLightCyan,  &StandardColor::ColorLightMagenta};
     for (int i = 0; i < 23; ++i)
         EXPECT_EQ(StandardColor::GetColor(static_cast<StandardColor::ColorDef>(i)), *fields[i]) << "ColorDef " << i;
-}
 
-TEST(StandardColorTableTest, AnyOtherColorDefGivesWhite)
-{
-    StandardColor::Init(32);
-    StandardColor::ColorWhite = 0x123456;  // so that white cannot be mistaken for a table entry
+    // Any other number gives white (made unmistakable here).
+    StandardColor::ColorWhite = 0x123456;
     EXPECT_EQ(StandardColor::GetColor(static_cast<StandardColor::ColorDef>(23)), 0x123456u);
     EXPECT_EQ(StandardColor::GetColor(static_cast<StandardColor::ColorDef>(-1)), 0x123456u);
     StandardColor::Init(32);
 }
 
-TEST(StandardColorTableTest, SemanticColoursAndTheirAliases)
+TEST(StandardColorTableTest, SemanticColoursAliasesAndASetterBeforeTheFirstGetter)
 {
     StandardColor::Init(32);
     EXPECT_EQ(StandardColor::GetComment(), StandardColor::ColorLightGray);
-    EXPECT_EQ(StandardColor::GetData(), StandardColor::ColorWhite);
-    EXPECT_EQ(StandardColor::GetMisVal(), 0xBFBFFFu);
-    EXPECT_EQ(StandardColor::GetObsName(), 0x00EBEBu);
-    EXPECT_EQ(StandardColor::GetObsNumber(), 0x00C0C0u);
-    EXPECT_EQ(StandardColor::GetVarName(), 0x3CAA1Eu);
-    EXPECT_EQ(StandardColor::GetVarNumber(), 0x46E61Eu);
-    EXPECT_EQ(StandardColor::GetText(), 0xFFFF00u);
-    EXPECT_EQ(StandardColor::GetPredictionCaption(), 0xFFA26Fu);
-    EXPECT_EQ(StandardColor::GetPrediction(), 0xFFE1A0u);
-    EXPECT_EQ(StandardColor::GetYVar(), 0x3599C8u);
     EXPECT_EQ(StandardColor::GetYVarData(), 0xB3D9EBu);
-    EXPECT_EQ(StandardColor::GetTime(), 0xB3D9EBu);
-    EXPECT_EQ(StandardColor::GetDateTime(), 0x69B4D8u);
-    EXPECT_EQ(StandardColor::GetInitialCondition(), 0xDBDBE5u);
     EXPECT_EQ(StandardColor::GetBatchID(), 0x43DEFFu);
-    EXPECT_EQ(StandardColor::GetPhaseID(), 0xA3F8F8u);
-
     // The primary of an observation is its number, of a variable its name.
     EXPECT_EQ(StandardColor::GetObsPrimary(), 0x00C0C0u);
     EXPECT_EQ(StandardColor::GetObsSecondary(), 0x00EBEBu);
     EXPECT_EQ(StandardColor::GetVarPrimary(), 0x3CAA1Eu);
     EXPECT_EQ(StandardColor::GetVarSecondary(), 0x46E61Eu);
-    EXPECT_EQ(StandardColor::GetMarking(), 0x0080FFu);
-    EXPECT_EQ(StandardColor::GetKorvaText(), 0xE6E6E6u);
-}
 
-TEST(StandardColorTableTest, ASetterBeforeTheFirstGetterIsLostToInit)
-{
+    // The setters do not run Init: before the first getter the set colour is lost.
     StandardColor::bIsInitiated = false;
     StandardColor::SetMisVal(0x010203);
     EXPECT_EQ(StandardColor::GetMisVal(), 0xBFBFFFu);
-
-    // After a getter the flag is set, and a set colour stays.
     StandardColor::SetMisVal(0x010203);
     EXPECT_EQ(StandardColor::GetMisVal(), 0x010203u);
     StandardColor::SetObsNumber(0x0A0B0C);
     EXPECT_EQ(StandardColor::GetObsPrimary(), 0x0A0B0Cu);
-    StandardColor::SetVarName(0x0D0E0F);
-    EXPECT_EQ(StandardColor::GetVarPrimary(), 0x0D0E0Fu);
-
     // Init puts every colour back.
     StandardColor::Init(32);
     EXPECT_EQ(StandardColor::GetMisVal(), 0xBFBFFFu);
-    EXPECT_EQ(StandardColor::GetObsNumber(), 0x00C0C0u);
 }
 
 // --- What the display decides ----------------------------------------------------------
 
-TEST(StandardColorDisplayTest, ATrueColourDisplayKeepsTheFirstCandidates)
+TEST(StandardColorDisplayTest, ATrueColourDisplayKeepsTheFirstCandidatesAndPrintingChangesNothing)
 {
-    for (int depth : {15, 16, 24, 32}) {
+    for (int depth : {16, 32}) {
         StandardColor::Init(depth);
         EXPECT_EQ(StandardColor::GetColorBlue(), 0xFF8080u) << depth;
         EXPECT_EQ(StandardColor::GetColorGreen(), 0x80FF80u) << depth;
         EXPECT_EQ(StandardColor::GetColorYellow(), 0x80FFFFu) << depth;
         EXPECT_EQ(StandardColor::GetColorRed(), 0x8080FFu) << depth;
-        // So printing changes nothing.
         for (unsigned long color : {StandardColor::ColorBlue, StandardColor::ColorGreen, StandardColor::ColorRed,
                                     StandardColor::ColorYellow})
             EXPECT_EQ(StandardColor::GetPrintColor(color), color);
@@ -145,9 +105,6 @@ TEST(StandardColorDisplayTest, APaletteDisplayFallsBackToThePaletteAndPrintingUn
     EXPECT_EQ(StandardColor::GetColorGreen(), 0xC0DCC0u);  // the second, money green
     EXPECT_EQ(StandardColor::GetColorYellow(), 0x00FFFFu);
     EXPECT_EQ(StandardColor::GetColorRed(), 0x0000FFu);
-    EXPECT_EQ(StandardColor::GetColorLightGray(), 0xC0C0C0u);
-    EXPECT_EQ(StandardColor::GetComment(), 0xC0C0C0u);
-
     EXPECT_EQ(StandardColor::GetPrintColor(0xF0CAA6), 0xFF8080u);
     EXPECT_EQ(StandardColor::GetPrintColor(0xC0DCC0), 0x80FF80u);
     EXPECT_EQ(StandardColor::GetPrintColor(0x0000FF), 0x8080FFu);
@@ -159,8 +116,7 @@ TEST(StandardColorDisplayTest, APaletteDisplayFallsBackToThePaletteAndPrintingUn
     EXPECT_EQ(StandardColor::GetColorBlue(), 0xFF0000u);
     EXPECT_EQ(StandardColor::GetColorGreen(), 0x808000u);
 
-    // Black and white: only the last candidate's nearest is left, and 0x808080
-    // lies a little nearer to white than to black.
+    // Black and white: 0x808080 lies a little nearer to white than to black.
     StandardColor::Init(1);
     EXPECT_EQ(StandardColor::GetColorBlue(), 0xFFFFFFu);
     EXPECT_EQ(StandardColor::GetColorGray(), 0xFFFFFFu);
@@ -183,12 +139,10 @@ TEST(StandardColorDisplayTest, PrintColourTestsBlueBeforeTheOthers)
 TEST(StandardColorDisplayTest, NearestColourOfPaletteDisplays)
 {
     EXPECT_EQ(korva::GetNearestColor(0x123456, 24), 0x123456u);
-    EXPECT_EQ(korva::GetNearestColor(0x123456, 32), 0x123456u);
     EXPECT_TRUE(korva::SystemPalette(9).empty());
     EXPECT_EQ(korva::SystemPalette(8).size(), 20u);
     EXPECT_EQ(korva::SystemPalette(4).size(), 16u);
     EXPECT_EQ(korva::SystemPalette(1).size(), 2u);
-    // Every palette entry is its own nearest colour.
     for (int depth : {1, 4, 8})
         for (COLORREF entry : korva::SystemPalette(depth))
             EXPECT_EQ(korva::GetNearestColor(entry, depth), entry);
@@ -202,26 +156,18 @@ TEST(StandardColorDisplayTest, NearestColourOfPaletteDisplays)
 TEST(StandardColorConversionTest, FcmpScalesItsBoundWithTheLargerValue)
 {
     const double eps = std::ldexp(1.0, -23);
-    EXPECT_EQ(korva::fcmp(1.0, 1.0), 0);
     EXPECT_EQ(korva::fcmp(1.0, 1.0 + eps / 4), 0);
     EXPECT_EQ(korva::fcmp(1.0 + 4 * eps, 1.0), 1);
     EXPECT_EQ(korva::fcmp(1.0, 1.0 + 4 * eps), -1);
     // The bound follows the exponent: a difference that counts at 1 does not at 1024.
     EXPECT_EQ(korva::fcmp(1024.0 + 4 * eps, 1024.0), 0);
     EXPECT_EQ(korva::fcmp(0.0, 0.0), 0);
-    EXPECT_EQ(korva::fcmp(1e-9, 0.0), 1);
     EXPECT_EQ(korva::fcmp(-1e-9, 0.0), -1);
 }
 
 TEST(StandardColorConversionTest, RgbToHsvOfKnownColours)
 {
     double h = 0, s = 0, v = 0;
-    StandardColor::RGB2HSV(RGB(255, 0, 0), h, s, v);
-    EXPECT_DOUBLE_EQ(h, 0.0);
-    EXPECT_DOUBLE_EQ(s, 1.0);
-    EXPECT_DOUBLE_EQ(v, 1.0);
-    StandardColor::RGB2HSV(RGB(0, 255, 0), h, s, v);
-    EXPECT_DOUBLE_EQ(h, 120.0);
     StandardColor::RGB2HSV(RGB(0, 0, 255), h, s, v);
     EXPECT_DOUBLE_EQ(h, 240.0);
     StandardColor::RGB2HSV(RGB(255, 0, 128), h, s, v);  // negative before the 360 is added
@@ -244,24 +190,18 @@ TEST(StandardColorConversionTest, GraysHaveNoHueAndComeBackWhole)
     }
     // Without saturation only the undefined hue gives a gray.
     EXPECT_EQ(StandardColor::HSV2RGB(10.0, 0.0, 1.0), 0u);
-    EXPECT_EQ(StandardColor::HSV2RGB(0.0, 0.0, 1.0), 0u);
 }
 
 TEST(StandardColorConversionTest, HueAtAndBeyondTheCircle)
 {
-    EXPECT_EQ(StandardColor::HSV2RGB(0.0, 1.0, 1.0), RGB(255, 0, 0));
     EXPECT_EQ(StandardColor::HSV2RGB(360.0, 1.0, 1.0), RGB(255, 0, 0));
     EXPECT_EQ(StandardColor::HSV2RGB(361.0, 1.0, 1.0), 0u);  // sector 6
     EXPECT_EQ(StandardColor::HSV2RGB(-1.0, 1.0, 1.0), 0u);
     EXPECT_EQ(StandardColor::HSV2RGB(1e300, 1.0, 1.0), 0u);
-    // One spot in each of the six sectors.
+    // Channels are floored, never rounded: 127.5 and 0.7 * 255 = 178.5. (The
+    // sectors themselves are covered by the round trip below.)
     EXPECT_EQ(StandardColor::HSV2RGB(30.0, 1.0, 1.0), RGB(255, 127, 0));
-    EXPECT_EQ(StandardColor::HSV2RGB(90.0, 1.0, 1.0), RGB(127, 255, 0));
-    EXPECT_EQ(StandardColor::HSV2RGB(150.0, 1.0, 1.0), RGB(0, 255, 127));
     EXPECT_EQ(StandardColor::HSV2RGB(210.0, 1.0, 1.0), RGB(0, 127, 255));
-    EXPECT_EQ(StandardColor::HSV2RGB(270.0, 1.0, 1.0), RGB(127, 0, 255));
-    EXPECT_EQ(StandardColor::HSV2RGB(330.0, 1.0, 1.0), RGB(255, 0, 127));
-    // Channels are floored, never rounded: 0.7 * 255 = 178.5.
     EXPECT_EQ(GetRValue(StandardColor::HSV2RGB(0.0, 0.3, 0.7)), 178);
 }
 
@@ -290,12 +230,9 @@ TEST(StandardColorConversionTest, InterpolationEndsAndCounts)
     EXPECT_EQ(out[0], 0x0000FFu);
     EXPECT_EQ(out[1], 0xFF0000u);
     EXPECT_EQ(out[2], 1u);
-
     out[0] = 1;
     StandardColor::InterpolateColors(0x0000FF, 0xFF0000, out, 1);
     EXPECT_EQ(out[0], 0xFF0000u);
-    EXPECT_EQ(out[1], 0xFF0000u);  // untouched from before
-
     out[0] = 7;
     StandardColor::InterpolateColors(0x0000FF, 0xFF0000, out, 0);
     EXPECT_EQ(out[0], 7u);
@@ -308,16 +245,12 @@ TEST(StandardColorConversionTest, InterpolationStepsTheDirectWayRoundTheHue)
     std::vector<unsigned long> out(5);
     StandardColor::InterpolateColors(RGB(255, 0, 0), RGB(0, 0, 255), out.data(), 5);
     EXPECT_EQ(out[1], RGB(0xFF, 0xFF, 0x00));  // 60 degrees
-    EXPECT_EQ(out[2], RGB(0x00, 0xFF, 0x00));  // 120 degrees
     EXPECT_EQ(out[3], RGB(0x00, 0xFF, 0xFF));  // 180 degrees
 
-    // Saturation and value step evenly too: from black (no hue, no saturation)
-    // to blue the steps are grayish blues, each channel floored.
+    // From black (no hue, no saturation) to blue the steps are grayish blues, floored.
     StandardColor::InterpolateColors(RGB(0, 0, 0), RGB(0, 0, 255), out.data(), 5);
-    EXPECT_EQ(out[0], RGB(0, 0, 0));
     EXPECT_EQ(out[1], RGB(47, 47, 63));    // s 0.25, v 0.25
     EXPECT_EQ(out[2], RGB(63, 63, 127));   // s 0.5, v 0.5
-    EXPECT_EQ(out[3], RGB(47, 47, 191));   // s 0.75, v 0.75
     EXPECT_EQ(out[4], RGB(0, 0, 255));
 }
 
@@ -328,18 +261,15 @@ TEST(StandardColorConversionTest, InterpolationFromWhiteKeepsTheColoursHue)
     StandardColor::InterpolateColors(RGB(255, 255, 255), target, out.data(), 12);
     EXPECT_EQ(out.front(), RGB(255, 255, 255));
     EXPECT_EQ(out.back(), target);
-    const double hue = Hue(target);
     for (std::size_t i = 1; i + 1 < out.size(); ++i) {
-        EXPECT_NEAR(Hue(out[i]), hue, 2.0) << i;
+        EXPECT_NEAR(Hue(out[i]), Hue(target), 2.0) << i;
         EXPECT_GT(GetRValue(out[i]), GetRValue(out[i + 1]));  // the tint deepens at every step
     }
 
-    // Between two grays every step is a gray; with both hues undefined nothing goes astray.
+    // Between two grays every step is a gray.
     StandardColor::InterpolateColors(RGB(20, 20, 20), RGB(220, 220, 220), out.data(), 12);
-    for (unsigned long color : out) {
-        EXPECT_EQ(GetRValue(color), GetGValue(color));
-        EXPECT_EQ(GetGValue(color), GetBValue(color));
-    }
+    for (unsigned long color : out)
+        EXPECT_TRUE(GetRValue(color) == GetGValue(color) && GetGValue(color) == GetBValue(color)) << std::hex << color;
 }
 
 } // namespace

@@ -43,8 +43,6 @@ TEST(IniFileSectionTest, AWriteKeepsTheOrderAndTheCommentsOfAnEditedFile)
     fs::copy_file(kData + "Edited.ini", path);
 
     IniFileSection settings(path.c_str(), "SysLogSettings");
-    EXPECT_TRUE(settings.IsWritable());
-    EXPECT_EQ(Key(settings, "Port"), "514");
     ASSERT_TRUE(settings.WriteKey("Port", "515"));
     ASSERT_TRUE(settings.WriteKey("BaseSeverity", "info"));
 
@@ -92,11 +90,9 @@ TEST(IniFileSectionTest, LinesThatWouldBeLostStopEveryWrite)
     EXPECT_EQ(Key(settings, "Port"), "514");
     EXPECT_FALSE(settings.IsWritable());
     EXPECT_EQ(settings.GetUnreadableLines(), (std::vector<int>{3, 5}));
-    EXPECT_FALSE(settings.WriteKey("Port", "515"));
     EXPECT_FALSE(settings.WriteKey("New", "1"));
     EXPECT_FALSE(settings.DeleteKey("Port"));
     EXPECT_FALSE(settings.DeleteSection());
-    EXPECT_TRUE(settings.Flush());
     EXPECT_EQ(Key(settings, "Port"), "514");
     EXPECT_EQ(ReadFile(path), before);
 
@@ -130,7 +126,6 @@ TEST(IniFileSectionTest, ACommentAtTheEndOfTheFileIsKept)
     const std::string path = dir.File("end.ini");
     WriteFile(path, "[S]\nk=1\n\n; the end\n; really\n");
     IniFileSection section(path.c_str(), "S");
-    EXPECT_TRUE(section.GetUnreadableLines().empty());
     ASSERT_TRUE(section.WriteKey("k", "2"));
     ASSERT_TRUE(section.WriteKey("added", "3"));
     EXPECT_EQ(ReadFile(path), "[S]\nk = 2\nadded = 3\n\n; the end\n; really\n");
@@ -196,10 +191,8 @@ TEST(IniFileSectionTest, DeletingAndEmptiness)
     const std::string path = dir.File("delete.ini");
     IniFileSection section(path.c_str(), "S");
     EXPECT_TRUE(section.IsEmpty());
-    EXPECT_FALSE(section.HasKey("k"));
     section.WriteKey("k", "1");
     section.WriteKey("l", "2");
-    EXPECT_FALSE(section.IsEmpty());
     EXPECT_TRUE(section.HasKey("K"));
     EXPECT_TRUE(section.DeleteKey("k"));
     EXPECT_FALSE(section.DeleteKey("k"));
@@ -212,14 +205,10 @@ TEST(IniFileSectionTest, DeletingAndEmptiness)
     EXPECT_TRUE(section.IsEmpty());
     EXPECT_EQ(ReadFile(path), "[T]\nt = 1\n");
 
-    // No sub-sections in an INI file.
-    EXPECT_FALSE(section.SupportsSubSections());
+    // No sub-sections in an INI file, although the file has a section "T".
     EXPECT_FALSE(section.ChangeSubSection("T"));
-    EXPECT_FALSE(section.ChangeSubSection("T", 1));
-    EXPECT_EQ(section.CreateSubSection("T"), nullptr);
     EXPECT_EQ(section.CreateSubSection("T", 2), nullptr);
     EXPECT_FALSE(section.HasSection("T", -1));
-    EXPECT_EQ(section.NumSubSections("T"), 0);
 }
 
 TEST(IniFileSectionTest, WithoutAutoSaveChangesWaitForFlush)
@@ -228,13 +217,12 @@ TEST(IniFileSectionTest, WithoutAutoSaveChangesWaitForFlush)
     const std::string path = dir.File("deferred.ini");
     IniFileSection section(path.c_str(), "S");
     section.SetAutoSave(false);
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 3; ++i)
         ASSERT_TRUE(section.WriteInt(("k" + std::to_string(i)).c_str(), i));
     EXPECT_FALSE(fs::exists(path));
     ASSERT_TRUE(section.Flush());
     IniFileSection reread(path.c_str(), "S");
-    EXPECT_EQ(reread.GetKeyNames().size(), 100u);
-    EXPECT_EQ(Key(reread, "k99"), "99");
+    EXPECT_EQ(reread.GetKeyNames(), (std::vector<std::string>{"k0", "k1", "k2"}));
 }
 
 TEST(IniFileSectionTest, SignatureAndLineEnds)
@@ -255,21 +243,16 @@ TEST(IniFileSectionTest, MissingUnreadableAndUnnamedFiles)
     const std::string path = dir.File("new.ini");
     IniFileSection created(path.c_str(), "S");
     EXPECT_TRUE(created.IsWritable());
-    std::string value;
-    EXPECT_FALSE(created.ReadKey("k", value));
+    EXPECT_FALSE(created.HasKey("k"));
     EXPECT_FALSE(fs::exists(path)) << "reading creates nothing";
     ASSERT_TRUE(created.WriteKey("k", "v"));
     EXPECT_EQ(ReadFile(path), "[S]\nk = v\n");
 
     IniFileSection unnamed(nullptr, nullptr);
-    EXPECT_FALSE(unnamed.IsWritable());
     EXPECT_FALSE(unnamed.WriteKey("k", "v"));
-    EXPECT_TRUE(unnamed.IsEmpty());
-
     IniFileSection folder(dir.Path().c_str(), "S");
     EXPECT_FALSE(folder.IsWritable());
     EXPECT_FALSE(folder.WriteKey("k", "v"));
-    EXPECT_TRUE(fs::is_directory(dir.Path()));
 
     const std::string nowhere = dir.File("no/such/folder.ini");
     IniFileSection noFolder(nowhere.c_str(), "S");
@@ -316,5 +299,4 @@ TEST(IniFileSectionTest, CopiesShareTheFileAndCopyIntoOtherBackEnds)
     ASSERT_TRUE(section.WriteToSection(&target));
     EXPECT_EQ(target.GetKeyNames(), (std::vector<std::string>{"a", "b", "c"}));
     EXPECT_EQ(Key(target, "b"), "two\nlines");
-    EXPECT_FALSE(section.WriteToSection(nullptr));
 }

@@ -114,14 +114,12 @@ TEST(TsStringMemory, DupConcatAndSetOwnTheirText)
 TEST(TsStringSearch, StristrIgnoresAsciiCaseOnly)
 {
     const char* haystack = "Hello World, hello wORLD";
-    EXPECT_EQ(tsstristr(haystack, "WORLD"), haystack + 6);
     EXPECT_EQ(tsstristr(haystack, "D, H"), haystack + 10);
     EXPECT_EQ(tsstristr(haystack, ""), haystack);
     EXPECT_EQ(tsstristr(haystack, "worlds"), nullptr);
     EXPECT_EQ(tsstristr("aaab", "AAB"), static_cast<const char*>("aaab") + 1);
     EXPECT_EQ(tsstristr("ab", "abc"), nullptr);
     EXPECT_EQ(tsstristr(nullptr, "a"), nullptr);
-    EXPECT_EQ(tsstristr("a", nullptr), nullptr);
     // Bytes above ASCII match only themselves: "Ä" is not "ä".
     EXPECT_EQ(tsstristr("gr\xC3\xA4n", "\xC3\x84"), nullptr);
     EXPECT_NE(tsstristr("GR\xC3\xA4N", "r\xC3\xA4n"), nullptr);
@@ -133,14 +131,11 @@ TEST(TsStringStrtod, AgreesWithStrtodOnValueAndEnd)
     const std::string longDigits = "0." + std::string(700, '0') + "1234567890123456789012345";
     const std::string longMantissa = std::string(400, '9') + ".5e-100";
     const std::vector<std::string> inputs = {
-        "0", "-0", "+1.5", "  \t\n3.25xyz", ".5", "5.", ".", "-.", "+", "-", "e5", "1e", "1e+", "1e-5",
-        "1E5", "1.e3", "00012.50", "12,5", "1..2", "0x1p4", "0X1.8P+1", "0x", "0xg", "0x.8", "0x.p1",
-        "-0x10", "0x1p", "inf", "-Infinity", "infinit", "INFx", "nan", "-NaN", "nan(123)", "nan(12",
-        "nan()", "1e400", "-1e400", "1e-400", "4.9e-324", "2.4703282292062327e-324",
-        "2.4703282292062328e-324", "1.7976931348623157e308", "1.7976931348623159e308",
+        "-0", "  \t\n3.25xyz", ".5", "5.", ".", "-.", "e5", "1e", "1e+", "1.e3", "12,5", "0X1.8P+1", "0x",
+        "0x.p1", "-0x10", "0x1p", "-Infinity", "infinit", "-NaN", "nan(123)", "nan(12", "1e400", "1e-400",
+        "4.9e-324", "2.4703282292062327e-324", "2.4703282292062328e-324", "1.7976931348623159e308",
         "0.1000000000000000055511151231257827", "9007199254740993", "1e99999999999999999999",
-        "1e-99999999999999999999", "0e99999999999", "0x1p-1075", "0x1p1024", "0x1.fffffffffffffp1023",
-        "123abc", "--1", "+-1", "", "   ", longDigits, longMantissa,
+        "1e-99999999999999999999", "0e99999999999", "0x1p-1075", "0x1p1024", "+-1", "", longDigits, longMantissa,
     };
     for (const std::string& input : inputs) {
         char* expectedEnd = nullptr;
@@ -155,15 +150,12 @@ TEST(TsStringStrtod, AgreesWithStrtodOnValueAndEnd)
 
 TEST(TsStringStrtod, ReportsRangeErrors)
 {
-    errno = 0;
-    EXPECT_EQ(tsstrtod("-1e999", nullptr), -HUGE_VAL);
-    EXPECT_EQ(errno, ERANGE);
-    errno = 0;
-    EXPECT_EQ(tsstrtod("1e-999", nullptr), 0.0);
-    EXPECT_EQ(errno, ERANGE);
-    errno = 0;
-    EXPECT_EQ(tsstrtod("1e300", nullptr), 1e300);
-    EXPECT_EQ(errno, 0);
+    for (const auto& [text, value, error] : {std::tuple{"-1e999", -HUGE_VAL, ERANGE}, {"1e-999", 0.0, ERANGE},
+                                              {"1e300", 1e300, 0}}) {
+        errno = 0;
+        EXPECT_EQ(tsstrtod(text, nullptr), value) << text;
+        EXPECT_EQ(errno, error) << text;
+    }
 }
 
 TEST(TsStringLocale, NumbersKeepThePointUnderACommaLocale)
@@ -247,7 +239,6 @@ TEST(TsStringEdit, ReplaceAndSplit)
     EXPECT_EQ(text, "abc");
     EXPECT_EQ(TsString::Replace(text, "", "x"), 0);
     EXPECT_EQ(TsString::Replace(text, nullptr, "x"), 0);
-    EXPECT_EQ(TsString::Replace(text, "zz", "x"), 0);
     EXPECT_EQ(text, "abc");
 
     std::vector<std::string> parts = {"old"};
@@ -255,8 +246,6 @@ TEST(TsStringEdit, ReplaceAndSplit)
     EXPECT_EQ(parts, (std::vector<std::string>{"a", "", "b"}));
     EXPECT_EQ(TsString::SplitString(";", ';', parts), 2);
     EXPECT_EQ(parts, (std::vector<std::string>{"", ""}));
-    EXPECT_EQ(TsString::SplitString("abc", ';', parts), 1);
-    EXPECT_EQ(parts, (std::vector<std::string>{"abc"}));
     EXPECT_EQ(TsString::SplitString("", ';', parts), 0);
     EXPECT_TRUE(parts.empty());
 }
@@ -265,11 +254,11 @@ TEST(TsStringConvert, ToIntTakesWholeTextsInRange)
 {
     struct Case { const char* text; bool ok; int value; };
     const Case cases[] = {
-        {"5", true, 5}, {" +5\t", true, 5}, {"-5", true, -5}, {"007", true, 7}, {"-0", true, 0},
-        {"2147483647", true, INT_MAX}, {"-2147483648", true, INT_MIN}, {"2147483648", false, 0},
-        {"-2147483649", false, 0}, {"99999999999999999999", false, 0}, {"5x", false, 0}, {"", false, 0},
-        {"  ", false, 0}, {"0x10", false, 0}, {"+", false, 0}, {"-", false, 0}, {"+-5", false, 0},
-        {"--5", false, 0}, {"- 5", false, 0}, {"5 5", false, 0}, {"5-", false, 0}, {"1.0", false, 0},
+        {" +5\t", true, 5}, {"-5", true, -5}, {"007", true, 7}, {"2147483647", true, INT_MAX},
+        {"-2147483648", true, INT_MIN}, {"2147483648", false, 0}, {"-2147483649", false, 0},
+        {"99999999999999999999", false, 0}, {"5x", false, 0}, {"", false, 0}, {"  ", false, 0},
+        {"0x10", false, 0}, {"-", false, 0}, {"+-5", false, 0}, {"- 5", false, 0}, {"5 5", false, 0},
+        {"1.0", false, 0},
     };
     for (const Case& c : cases) {
         int value = 12345;
@@ -287,8 +276,6 @@ TEST(TsStringConvert, ToFloatTakesWholeTextsInRange)
     EXPECT_EQ(d, 25.0);
     EXPECT_TRUE(TsString::ToFloat("-inf", d));
     EXPECT_EQ(d, -HUGE_VAL);
-    EXPECT_TRUE(TsString::ToFloat("nan", d));
-    EXPECT_TRUE(std::isnan(d));
     EXPECT_TRUE(TsString::ToFloat("1e-310", d));  // subnormal, but representable
     EXPECT_EQ(d, 1e-310);
     d = 42;
@@ -297,8 +284,6 @@ TEST(TsStringConvert, ToFloatTakesWholeTextsInRange)
     EXPECT_EQ(d, 42);
 
     float f = 42;
-    EXPECT_TRUE(TsString::ToFloat("0.1", f));
-    EXPECT_EQ(f, 0.1f);
     // Just above half-way between two floats: read through double it would round twice, down to 1.
     EXPECT_TRUE(TsString::ToFloat("1.00000005960464477539062500001", f));
     EXPECT_EQ(f, 1.00000012f);
@@ -311,11 +296,9 @@ TEST(TsStringConvert, ToFloatTakesWholeTextsInRange)
 
 TEST(TsStringConvert, ShortestTextReadsBackExactly)
 {
-    EXPECT_EQ(TsString::ToString(0.1), "0.1");
     EXPECT_EQ(TsString::ToString(1e300), "1e+300");
     EXPECT_EQ(TsString::ToString(100.0), "100");
     EXPECT_EQ(TsString::ToString(-0.0), "-0");
-    EXPECT_EQ(TsString::ToString(std::nan("")), "nan");
     EXPECT_EQ(TsString::ToString(0.1f), "0.1");
 
     std::mt19937_64 random(11);
@@ -339,7 +322,6 @@ TEST(TsStringConvert, ToStringWithFormat)
     std::string text = "old";
     EXPECT_EQ(&TsString::ToString(2.0 / 3.0, "%.3f", text), &text);
     EXPECT_EQ(text, "0.667");
-    EXPECT_EQ(TsString::ToString(1e6, "%.2e", text), "1.00e+06");
     EXPECT_EQ(TsString::ToString(0.25, nullptr, text), "0.25");
     EXPECT_EQ(TsString::ToString(1.5, "%300.1f", text), std::string(297, ' ') + "1.5");
 }
@@ -384,7 +366,6 @@ TEST(TsStringWildCard, CaseUtf8AndHardPatterns)
     EXPECT_TRUE(TsString::WildCardCompare("*.TXT", "notes.txt"));
     EXPECT_FALSE(TsString::WildCardCompare("*.TXT", "notes.txt", true));
     EXPECT_TRUE(TsString::WildCardCompare("*.txt", "notes.txt", true));
-    EXPECT_TRUE(TsString::WildCardCompare("", ""));
     EXPECT_TRUE(TsString::WildCardCompare(nullptr, ""));
     EXPECT_FALSE(TsString::WildCardCompare(nullptr, "a"));
     EXPECT_TRUE(TsString::WildCardCompare("*", nullptr));
@@ -405,15 +386,12 @@ TEST(TsStringLimit, EvaluatesEveryForm)
 {
     struct Case { const char* expression; double value; bool holds; };
     const Case cases[] = {
-        {"5", 5, true}, {"5", 5.1, false}, {"<5", 4.9, true}, {"<5", 5, false}, {"<=5", 5, true},
-        {"> 5", 5, false}, {">=5", 5, true}, {"=5", 5, true}, {"==5", 5, true}, {"!=5", 5, false},
-        {"<>5", 4, true}, {"<>5", 5, false}, {"2..7", 2, true}, {"2..7", 7, true}, {"7..2", 5, true},
-        {"2..7", 7.01, false}, {"2-7", 5, true}, {"2 - 7", 1.9, false}, {"7-2", 7, true},
-        {"-5--2", -3, true}, {"-5 - -2", -1, false}, {"2.5..3.5", 3, true}, {"2.5..3.5", 2.4, false},
-        {"1, 3..4, >10", 3.5, true}, {"1, 3..4, >10", 11, true}, {"1, 3..4, >10", 2, false},
-        {"  <= -1e3  ", -1000, true}, {"-inf..0", -1e300, true}, {">1e308", HUGE_VAL, true},
-        {"2e-7", 2e-7, true}, {"1e5-2e5", 150000, true}, {"0x10", 16, true}, {"+3", 3, true},
-        {"<=-5", -5, true}, {"<-5", -5, false},
+        {"5", 5, true}, {"5", 5.1, false}, {"<5", 5, false}, {"<=5", 5, true}, {"> 5", 5, false},
+        {">=5", 5, true}, {"==5", 5, true}, {"!=5", 5, false}, {"<>5", 4, true}, {"2..7", 2, true},
+        {"2..7", 7, true}, {"7..2", 5, true}, {"2..7", 7.01, false}, {"2 - 7", 1.9, false}, {"7-2", 7, true},
+        {"-5--2", -3, true}, {"-5 - -2", -1, false}, {"1, 3..4, >10", 3.5, true}, {"1, 3..4, >10", 11, true},
+        {"1, 3..4, >10", 2, false}, {"  <= -1e3  ", -1000, true}, {"-inf..0", -1e300, true},
+        {"1e5-2e5", 150000, true}, {"0x10", 16, true}, {"<=-5", -5, true}, {"<-5", -5, false},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(TsString::EvaluateLimitExpression(c.expression, c.value), c.holds)
