@@ -36,26 +36,10 @@ public:
 
 namespace {
 
+using korva::test::EventCounter;
 using korva::test::ProgressFrameFixture;
 
 using Clock = std::chrono::steady_clock;
-
-// Counts one type of event that reaches the watched objects.
-class EventCounter : public QObject
-{
-public:
-    explicit EventCounter(QEvent::Type type) : mType(type) {}
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == mType)
-            ++count;
-        return QObject::eventFilter(watched, event);
-    }
-    int count = 0;
-
-private:
-    QEvent::Type mType;
-};
 
 // A click queued by the platform, as a user's would be.
 void QueueClick(QWidget* target)

@@ -3,7 +3,7 @@
 // event loop run when called from a tight loop, and that it does nothing off
 // the main thread.
 
-#include "../frame/TestApplication.h"
+#include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/Progress.h>
 
@@ -34,30 +34,7 @@ public:
 
 namespace {
 
-// Counts the events of one type that pass through the application, or that reach one object.
-class EventCounter : public QObject
-{
-public:
-    explicit EventCounter(QEvent::Type type) : mType(type) {}
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == mType)
-            ++count;
-        return QObject::eventFilter(watched, event);
-    }
-    bool event(QEvent* event) override
-    {
-        if (event->type() == mType) {
-            ++count;
-            return true;
-        }
-        return QObject::event(event);
-    }
-    int count = 0;
-
-private:
-    QEvent::Type mType;
-};
+using korva::test::EventCounter;
 
 void WaitForPumpInterval()
 {

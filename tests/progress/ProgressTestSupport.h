@@ -10,6 +10,8 @@
 #include <KORVAutlwin/progress/BreakWindowChannel.h>
 #include <KORVAutlwin/progress/Progress.h>
 
+#include <QEvent>
+#include <QObject>
 #include <QPointer>
 
 #include <memory>
@@ -19,6 +21,32 @@
 #include <vector>
 
 namespace korva::test {
+
+/// Counts the events of one type that pass through the objects it filters, or
+/// that are sent to it (and takes those).
+class EventCounter : public QObject
+{
+public:
+    explicit EventCounter(QEvent::Type type) : mType(type) {}
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == mType)
+            ++count;
+        return QObject::eventFilter(watched, event);
+    }
+    bool event(QEvent* event) override
+    {
+        if (event->type() == mType) {
+            ++count;
+            return true;
+        }
+        return QObject::event(event);
+    }
+    int count = 0;
+
+private:
+    QEvent::Type mType;
+};
 
 /// A main frame whose message bar is the toolkit status bar.
 class XTPFrame : public TessmaMDIFrame
