@@ -66,6 +66,7 @@ struct Unknown
 TEST(DialogGuardTest, TheMaskDecidesWhichExceptionsReachTheDialog)
 {
     korva::test::Application();
+    const korva::test::LeaksAllowed leaksAllowed;
     EXPECT_EQ(TsDialog::GetDefaultExceptionsHandled(), 0xF);
 
     struct Case
@@ -111,6 +112,7 @@ TEST(DialogGuardTest, TheMaskDecidesWhichExceptionsReachTheDialog)
 TEST(DialogGuardTest, AnExceptionTheDialogLetsPassReachesTheFramesGuard)
 {
     korva::test::Application();
+    const korva::test::LeaksAllowed leaksAllowed;
     TsFrameWnd frame;
     frame.SetExceptionsHandled(0xF);
     frame.show();
