@@ -5,18 +5,12 @@
 
 #include <KORVAutlwin/progress/BreakWire.h>
 
+#include "FuzzCheck.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-
-#define Check(condition)                                                            \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            std::fprintf(stderr, "Failed at line %d: %s\n", __LINE__, #condition); \
-            __builtin_trap();                                                       \
-        }                                                                           \
-    } while (false)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {

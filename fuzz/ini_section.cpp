@@ -4,6 +4,8 @@
 
 #include <KORVAutl/IniFileSection.h>
 
+#include "FuzzCheck.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -18,15 +20,6 @@
 #include <unistd.h>
 
 namespace {
-
-// Names the broken promise before stopping, so a crash report says which.
-#define Check(condition)                                                            \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            std::fprintf(stderr, "Failed at line %d: %s\n", __LINE__, #condition); \
-            __builtin_trap();                                                       \
-        }                                                                           \
-    } while (false)
 
 std::string ReadFile(const std::string& path)
 {
@@ -65,23 +58,29 @@ Content Read(const std::string& path)
     return content;
 }
 
+// The lines of a text without a leading byte order mark; "\r\n", "\r" and
+// "\n" each end a line, as they do for the parser.
+std::vector<std::string> Lines(const std::string& text)
+{
+    std::vector<std::string> lines(1);
+    const std::size_t start = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+    for (std::size_t i = start; i < text.size(); ++i) {
+        if (text[i] == '\r' || text[i] == '\n') {
+            if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
+                ++i;
+            lines.emplace_back();
+        } else {
+            lines.back() += text[i];
+        }
+    }
+    return lines;
+}
+
 // The comment lines of a text (trimmed), in order.
 std::vector<std::string> Comments(const std::string& text)
 {
     std::vector<std::string> comments;
-    std::string normalised;
-    const std::size_t start = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
-    for (std::size_t i = start; i < text.size(); ++i) {
-        if (text[i] == '\r') {
-            normalised += '\n';
-            if (i + 1 < text.size() && text[i + 1] == '\n')
-                ++i;
-        } else {
-            normalised += text[i];
-        }
-    }
-    std::istringstream in(normalised);
-    for (std::string line; std::getline(in, line);) {
+    for (const std::string& line : Lines(text)) {
         const std::size_t start = line.find_first_not_of(" \t");
         if (start == std::string::npos || (line[start] != ';' && line[start] != '#'))
             continue;
@@ -94,9 +93,8 @@ std::vector<std::string> Comments(const std::string& text)
 
 bool HasOpenBracketLine(const std::string& text)
 {
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line, '\n');) {
-        const std::size_t start = line.find_first_not_of(" \t\r");
+    for (const std::string& line : Lines(text)) {
+        const std::size_t start = line.find_first_not_of(" \t");
         if (start != std::string::npos && line[start] == '[' && line.find(']', start) == std::string::npos)
             return true;
     }

@@ -3,6 +3,8 @@
 
 #include <KORVAutl/TsString.h>
 
+#include "FuzzCheck.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -11,12 +13,6 @@
 #include <string>
 
 namespace {
-
-void Check(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
 
 bool Same(double a, double b)
 {

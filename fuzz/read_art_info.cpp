@@ -9,6 +9,8 @@
 #include <KORVAutlwin/progress/ArtInfo.h>
 #include <KORVAutlwin/progress/ArtStorageWriter.h>
 
+#include "FuzzCheck.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -18,14 +20,6 @@
 #include <unistd.h>
 
 namespace {
-
-#define Check(condition)                                                            \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            std::fprintf(stderr, "Failed at line %d: %s\n", __LINE__, #condition); \
-            __builtin_trap();                                                       \
-        }                                                                           \
-    } while (false)
 
 const std::string& Path()
 {

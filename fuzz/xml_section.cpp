@@ -8,6 +8,8 @@
 #include <KORVAutl/XMLInputStream.h>
 #include <KORVAutl/XMLSection.h>
 
+#include "FuzzCheck.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -18,15 +20,6 @@
 #include <vector>
 
 namespace {
-
-// Names the broken promise before stopping, so a crash report says which.
-#define Check(condition)                                                            \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            std::fprintf(stderr, "Failed at line %d: %s\n", __LINE__, #condition); \
-            __builtin_trap();                                                       \
-        }                                                                           \
-    } while (false)
 
 using Section = std::unique_ptr<ConfigurationSection>;
 
