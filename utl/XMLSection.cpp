@@ -230,22 +230,17 @@ int CountSections(pugi::xml_node node, const Name& name)
     return count;
 }
 
-// Are there stored names that the encoder would not write?
-bool HasLooseNames(const pugi::xml_document& document)
+// Calls `visit` for every element of the document in document order, until it
+// returns false; false then. Walked without recursion: a document may nest
+// deeper than the stack allows.
+template <class Visit>
+bool ForEachElement(const pugi::xml_document& document, Visit visit)
 {
-    const auto loose = [](const char* name) {
-        return !IsPlainAsciiName(name) && korva::EncodeXMLName(korva::DecodeXMLName(name)) != name;
-    };
     pugi::xml_node node = document.document_element();
     const pugi::xml_node root = node;
     while (node) {
-        if (node.type() == pugi::node_element) {
-            if (loose(node.name()))
-                return true;
-            for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute())
-                if (loose(a.name()))
-                    return true;
-        }
+        if (node.type() == pugi::node_element && !visit(node))
+            return false;
         if (node.first_child()) {
             node = node.first_child();
             continue;
@@ -256,7 +251,23 @@ bool HasLooseNames(const pugi::xml_document& document)
             break;
         node = node.next_sibling();
     }
-    return false;
+    return true;
+}
+
+// Are there stored names that the encoder would not write?
+bool HasLooseNames(const pugi::xml_document& document)
+{
+    const auto loose = [](const char* name) {
+        return !IsPlainAsciiName(name) && korva::EncodeXMLName(korva::DecodeXMLName(name)) != name;
+    };
+    return !ForEachElement(document, [&](pugi::xml_node node) {
+        if (loose(node.name()))
+            return false;
+        for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute())
+            if (loose(a.name()))
+                return false;
+        return true;
+    });
 }
 
 bool IsSelfOrDescendant(pugi::xml_node_struct* node, pugi::xml_node_struct* ancestor)
@@ -298,33 +309,23 @@ const char* CheckWellFormed(const pugi::xml_document& document, std::ptrdiff_t& 
         offset = 0;
         return "No document element found";
     }
-    // Attribute names must be unique within an element. Walked without
-    // recursion: a document may nest deeper than the stack allows.
+    // Attribute names must be unique within an element.
     std::vector<std::string_view> names;
-    pugi::xml_node node = document.document_element();
-    const pugi::xml_node root = node;
-    while (node) {
-        if (node.type() == pugi::node_element && node.first_attribute() && node.first_attribute().next_attribute()) {
-            names.clear();
-            for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute())
-                names.emplace_back(a.name());
-            std::sort(names.begin(), names.end());
-            if (std::adjacent_find(names.begin(), names.end()) != names.end()) {
-                offset = node.offset_debug();
-                return "Duplicate attribute";
-            }
-        }
-        if (node.first_child()) {
-            node = node.first_child();
-            continue;
-        }
-        while (node != root && !node.next_sibling())
-            node = node.parent();
-        if (node == root)
-            break;
-        node = node.next_sibling();
-    }
-    return nullptr;
+    const char* failure = nullptr;  // null: well formed
+    ForEachElement(document, [&](pugi::xml_node node) {
+        if (!node.first_attribute() || !node.first_attribute().next_attribute())
+            return true;
+        names.clear();
+        for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute())
+            names.emplace_back(a.name());
+        std::sort(names.begin(), names.end());
+        if (std::adjacent_find(names.begin(), names.end()) == names.end())
+            return true;
+        offset = node.offset_debug();
+        failure = "Duplicate attribute";
+        return false;
+    });
+    return failure;
 }
 
 class StringWriter : public pugi::xml_writer
