@@ -6,7 +6,7 @@
 #include <KORVAutl/LanguageString.h>
 #include <KORVAutl/TsString.h>
 #include <KORVAutl/TsSystemInfo.h>
-#include <KORVAutl/TsUnicode.h>
+#include <KORVAutlwin/platform/TsUnicode.h>
 
 #include <algorithm>
 #include <cstring>

@@ -7,11 +7,12 @@
 #include <KORVAutlwin/frame/WinApp.h>
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 #include <KORVAutlwin/frame/YesNoDialog.h>
-#include <KORVAutlwin/progress/Progress.h>
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
+
+#include <atomic>
 
 #include <cstring>
 
@@ -148,14 +149,27 @@ bool SilenceInform(RegistrySection& key, unsigned long silenceId)
     return key.WriteInt(GetInformSilenceValueName(silenceId).c_str(), 0);
 }
 
+namespace {
+std::atomic<ProgressHidden::Hook> gHideProgress{nullptr};
+std::atomic<ProgressHidden::Hook> gShowProgress{nullptr};
+} // namespace
+
+void ProgressHidden::SetHooks(Hook hide, Hook show)
+{
+    gHideProgress.store(hide);
+    gShowProgress.store(show);
+}
+
 ProgressHidden::ProgressHidden()
 {
-    Progress::Hide();
+    if (Hook hide = gHideProgress.load())
+        hide();
 }
 
 ProgressHidden::~ProgressHidden()
 {
-    Progress::Show();
+    if (Hook show = gShowProgress.load())
+        show();
 }
 
 } // namespace korva

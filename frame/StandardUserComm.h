@@ -106,10 +106,15 @@ bool IsInformSilenced(const RegistrySection& key, unsigned long silenceId);
 bool SilenceInform(RegistrySection& key, unsigned long silenceId);
 
 /// Progress::Hide() for its lifetime, Progress::Show() at its end, also when
-/// an exception passes.
+/// an exception passes. The progress code sits above this one and registers
+/// the two calls (SetHooks) when a progress display comes up; until then there
+/// is nothing to hide.
 class ProgressHidden
 {
 public:
+    using Hook = void (*)();
+    static void SetHooks(Hook hide, Hook show);
+
     ProgressHidden();
     ~ProgressHidden();
     ProgressHidden(const ProgressHidden&) = delete;

@@ -1,5 +1,6 @@
 #include <KORVAutlwin/frame/TsApp.h>
 
+#include <KORVAutlwin/art/ProgressArt.h>
 #include <KORVAutlwin/frame/AboutDialog.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 
@@ -64,10 +65,13 @@ TsApp::TsApp(const char* name) : WinApp(name)
     XMLSection::Initialize();
     OnCommand(ID_APP_ABOUT, [this] { OnAppAbout(); });
     OnUpdateCommand(ID_APP_ABOUT, [this](CCmdUI* cmdUI) { OnUpdateAppAbout(cmdUI); });
+    // The pictures of progress come from the plug-in folder too.
+    ProgressArt::SetPluginFolder([this] { return GetPluginDirectory(); });
 }
 
 TsApp::~TsApp()
 {
+    ProgressArt::SetPluginFolder(nullptr);
     if (appSettings)
         appSettings->Flush();
     XMLSection::Terminate();

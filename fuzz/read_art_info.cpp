@@ -6,8 +6,8 @@
 //   odd:  the description only, put into a well-formed compound file, so that
 //         the fuzzer spends its time on the archive.
 
-#include <KORVAutlwin/progress/ArtInfo.h>
-#include <KORVAutlwin/progress/ArtStorageWriter.h>
+#include <KORVAutlwin/art/ArtInfo.h>
+#include <KORVAutlwin/art/ArtStorageWriter.h>
 
 #include "FuzzCheck.h"
 

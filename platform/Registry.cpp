@@ -5,7 +5,7 @@
 
 #include <KORVAutlwin/platform/Registry.h>
 
-#include <KORVAutl/TsUnicode.h>
+#include <KORVAutlwin/platform/TsUnicode.h>
 
 #include <sqlite3.h>
 

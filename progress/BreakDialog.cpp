@@ -2,7 +2,7 @@
 
 #include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
-#include <KORVAutlwin/progress/ProgressArt.h>
+#include <KORVAutlwin/art/ProgressArt.h>
 #include <KORVAutlwin/progress/Spinner.h>
 #include <KORVAutlwin/progress/TsGauge.h>
 

@@ -4,15 +4,13 @@
 // The break window may live in another process, so it gets a copy of these
 // instead of the Progress object itself.
 
-#include <KORVAutlwin/progress/Progress.h>
-
 #include <QRect>
 
 #include <string>
 
 struct BreakStartInfo
 {
-    unsigned int delay = Progress::kDefaultDelay;  // milliseconds before the window appears
+    unsigned int delay = 1000;                     // milliseconds before the window appears
     QRect mainWindow;                              // frame geometry of the main window; empty without one
     bool allowBreak = true;                        // show the stop button
     bool showSpin = false;                         // the spinner layout
@@ -21,20 +19,4 @@ struct BreakStartInfo
     std::string stopQuestion;                      // asked before a stop is confirmed
     std::string stopTitle;                         // title of that question
     std::string stopButton;                        // text of the stop button
-
-    /// The copy of `client`'s texts and switches, with `delay` and `mainWindow`.
-    static BreakStartInfo FromClient(const Progress& client, unsigned int delay, const QRect& mainWindow)
-    {
-        BreakStartInfo info;
-        info.delay = delay;
-        info.mainWindow = mainWindow;
-        info.allowBreak = client.GetAllowBreak();
-        info.showSpin = client.GetShowSpin();
-        info.showGauge = client.GetShowGauge();
-        info.infoText = client.GetInfoText();
-        info.stopQuestion = client.GetStopQuestion();
-        info.stopTitle = client.GetStopTitle();
-        info.stopButton = client.GetStopButton();
-        return info;
-    }
 };

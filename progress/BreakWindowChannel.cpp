@@ -36,6 +36,21 @@ BreakWindowChannel* MakeDefaultChannel()
 
 BreakWindowChannel::~BreakWindowChannel() = default;
 
+BreakStartInfo BreakWindowChannel::StartInfo(const Progress& client, unsigned int delay, const QRect& mainWindow)
+{
+    BreakStartInfo info;
+    info.delay = delay;
+    info.mainWindow = mainWindow;
+    info.allowBreak = client.GetAllowBreak();
+    info.showSpin = client.GetShowSpin();
+    info.showGauge = client.GetShowGauge();
+    info.infoText = client.GetInfoText();
+    info.stopQuestion = client.GetStopQuestion();
+    info.stopTitle = client.GetStopTitle();
+    info.stopButton = client.GetStopButton();
+    return info;
+}
+
 BreakWindowChannel* BreakWindowChannel::GetChannel()
 {
     if (!gDecided) {

@@ -16,6 +16,8 @@
 // A confirmed stop comes back the other way: the implementation calls
 // SetBreakPressed on the client that Start named (from any thread).
 
+#include <KORVAutlwin/progress/BreakStartInfo.h>
+
 #include <QRect>
 
 class Progress;
@@ -79,6 +81,8 @@ public:
     virtual QWidget* GetWidget() const;
 
 protected:
+    /// What the window learns of `client` at start: its texts and switches, `delay` and `mainWindow`.
+    static BreakStartInfo StartInfo(const Progress& client, unsigned int delay, const QRect& mainWindow);
     BreakWindowChannel() = default;
     BreakWindowChannel(const BreakWindowChannel&) = delete;
     BreakWindowChannel& operator=(const BreakWindowChannel&) = delete;

@@ -419,7 +419,7 @@ void BreakWindowProcess::Start(unsigned int delay, Progress* client, const QRect
 {
     if (!IsWindow() || !client)
         return;
-    BreakWire::Message message = BreakWire::MakeStart(BreakStartInfo::FromClient(*client, delay, mainWindow));
+    BreakWire::Message message = BreakWire::MakeStart(StartInfo(*client, delay, mainWindow));
     message.sequence = mConnection->NextSequence();
     mConnection->Serve(client, message.sequence);
     RoundTrip(std::move(message));

@@ -78,7 +78,7 @@ void InProcessBreakWindow::Start(unsigned int delay, Progress* progress, const Q
 {
     client = progress;
     if (dialog && progress)
-        dialog->Start(BreakStartInfo::FromClient(*progress, delay, mainWindow));
+        dialog->Start(StartInfo(*progress, delay, mainWindow));
 }
 
 QWidget* InProcessBreakWindow::GetWidget() const

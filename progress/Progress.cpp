@@ -1,5 +1,6 @@
 #include <KORVAutlwin/progress/Progress.h>
 
+#include <KORVAutlwin/frame/StandardUserComm.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/TsStatusAccess.h>
 #include <KORVAutlwin/frame/TsXTPStatusBar.h>
@@ -169,16 +170,6 @@ TessmaMDIFrame* MainFrame()
     return app ? qobject_cast<TessmaMDIFrame*>(app->GetMainWnd()) : nullptr;
 }
 
-// The value held within the range as it stands (SetRange does not order it).
-float HoldWithin(float value, float low, float high)
-{
-    if (value < low)
-        value = low;
-    if (value > high)
-        value = high;
-    return value;
-}
-
 } // namespace
 
 // --- Construction ------------------------------------------------------------------------
@@ -186,20 +177,20 @@ float HoldWithin(float value, float low, float high)
 Progress::Progress(QWidget* parentWindow, const char* text, float low, float high, bool spin, bool allowBreakWindow,
                    bool gauge, const char* question, const char* title, const char* button, unsigned int breakDelay)
     : allowBreak(allowBreakWindow), showSpin(spin), showGauge(gauge), stopQuestion(kDefaultStopQuestion),
-      stopTitle(DefaultStopTitle()), stopButton(kDefaultStopButton), delay(breakDelay)
+      stopTitle(DefaultStopTitle()), stopButton(kDefaultStopButton), ranges(low, high), delay(breakDelay)
 {
-    Construct(parentWindow, text, low, high, question, title, button);
+    Construct(parentWindow, text, question, title, button);
 }
 
 Progress::Progress(const char* text, QWidget* parentWindow)
     : allowBreak(false), showSpin(true), showGauge(false), stopQuestion(kDefaultStopQuestion),
-      stopTitle(DefaultStopTitle()), stopButton(kDefaultStopButton), freeRunning(true)
+      stopTitle(DefaultStopTitle()), stopButton(kDefaultStopButton), ranges(0.0f, 1.0f), freeRunning(true)
 {
-    Construct(parentWindow, text, 0.0f, 1.0f, nullptr, nullptr, nullptr);
+    Construct(parentWindow, text, nullptr, nullptr, nullptr);
     // A short task inside a long one: the long one's window should be seen now.
     Progress* other = msActive.load(std::memory_order_relaxed);
-    if (other && other != this && OnApplicationMainThread())
-        other->SendShowWindow(true);
+    if (BreakWindowChannel* window = other && other != this && OnApplicationMainThread() ? other->Window() : nullptr)
+        window->ShowWindow(true);
 }
 
 Progress::Progress(const Progress& other)
@@ -237,15 +228,10 @@ Progress& Progress::operator=(const Progress& other)
     return *this;
 }
 
-void Progress::Construct(QWidget* parentWindow, const char* text, float low, float high, const char* question,
-                         const char* title, const char* button)
+void Progress::Construct(QWidget* parentWindow, const char* text, const char* question, const char* title,
+                         const char* button)
 {
-    if (low == high)
-        high = low + 1.0f;
-    else if (low > high)
-        std::swap(low, high);
-    ranges.push_back({0.0f, 1.0f, low, high});
-    value = low;
+    value = ranges.Top().low;
     if (!msShowProgressDialog)
         allowBreak = false;
 
@@ -277,6 +263,8 @@ void Progress::Init()
         return;
 
     msActive.store(this, std::memory_order_relaxed);
+    // Boxes of the user channel hide the display while they ask.
+    korva::ProgressHidden::SetHooks(&Progress::Hide, &Progress::Show);
     QWidget* barWindow = bar ? GetMessageBar() : nullptr;
     if (barWindow)
         barWindow->setUpdatesEnabled(false);
@@ -321,30 +309,26 @@ void Progress::Init()
     if (allowBreak) {
         previousForeground = QApplication::activeWindow();
         SendStart();
-        if (showGauge) {
-            float minimum = 0.0f, maximum = 0.0f;
-            GetGaugeRange(ranges.back(), minimum, maximum);
-            SendGaugeRange(minimum, maximum);
-            SendGaugeValue(value);
-        }
+        if (showGauge)
+            ShowOnGauge();
     }
 }
 
 void Progress::GetGaugeRange(const Range& range, float& minimum, float& maximum)
 {
-    const float scale = (range.high - range.low) / (range.gaugeHigh - range.gaugeLow);
-    minimum = range.low - range.gaugeLow * scale;
-    maximum = scale * (1.0f - range.gaugeHigh) + range.high;
+    ProgressRanges::GetGaugeRange(range, minimum, maximum);
 }
 
 // The whole operation's range and the value, to whichever display this object uses.
 void Progress::ShowOnGauge()
 {
     float minimum = 0.0f, maximum = 0.0f;
-    GetGaugeRange(ranges.back(), minimum, maximum);
+    GetGaugeRange(ranges.Top(), minimum, maximum);
     if (allowBreak) {
-        SendGaugeRange(minimum, maximum);
-        SendGaugeValue(value);
+        if (BreakWindowChannel* window = Window()) {
+            window->SetGaugeRange(minimum, maximum);
+            window->SetGaugeValue(value);
+        }
     } else if (TsGaugeBase* gauge = GetGauge()) {
         gauge->SetRange(minimum, maximum);
         gauge->SetValue(value);
@@ -358,10 +342,10 @@ void Progress::ShowOnGauge()
 bool Progress::ShowValue()
 {
     if (showGauge) {
-        const Range& top = ranges.back();
-        value = HoldWithin(value, top.low, top.high);
+        value = ranges.HoldWithin(value);
         if (allowBreak) {
-            SendGaugeValue(value);
+            if (BreakWindowChannel* window = Window())
+                window->SetGaugeValue(value);
         } else if (TsGaugeBase* gauge = GetGauge()) {
             gauge->SetValue(value);
             msGaugeDirty = true;
@@ -373,64 +357,38 @@ bool Progress::ShowValue()
 
 bool Progress::SetRange(float low, float high)
 {
-    Range& top = ranges.back();
-    top.low = low;
-    top.high = high;
+    ranges.SetTop(low, high);
     value = low;
     counter = 0.0f;
-    const bool active = IsActive();
-    if (showGauge) {
-        if (!active)
-            return !IsBreakPressed();
+    if (showGauge && IsActive())
         ShowOnGauge();
-    }
-    if (active)
-        MessageLoop();
-    return !IsBreakPressed();
+    return Pump();
 }
 
 void Progress::GetRange(float& low, float& high) const
 {
-    low = ranges.back().low;
-    high = ranges.back().high;
+    low = ranges.Top().low;
+    high = ranges.Top().high;
 }
 
 bool Progress::PushSubRange(float low, float high)
 {
-    const Range top = ranges.back();
-    if (low < top.low)
-        low = top.low;
-    if (high > top.high)
-        high = top.high;
-    const float span = top.gaugeHigh - top.gaugeLow;
-    const float units = top.high - top.low;
-    // The parent's low is not subtracted: exact for parents that start at 0,
-    // which is how sub-ranges are opened.
-    ranges.push_back({low * span / units + top.gaugeLow, span * high / units + top.gaugeLow, 0.0f, 1.0f});
+    ranges.Push(low, high);
     counter = 0.0f;
     SetRange(0.0f, 1.0f);
     Set(0.0f);
-    if (IsActive())
-        MessageLoop();
-    return !IsBreakPressed();
+    return Pump();
 }
 
 bool Progress::PopSubRange()
 {
-    if (ranges.size() > 1) {
-        const float endedAt = ranges.back().gaugeHigh;
-        ranges.pop_back();
-        float minimum = 0.0f, maximum = 0.0f;
-        GetGaugeRange(ranges.back(), minimum, maximum);
+    if (float endValue = 0.0f; ranges.Pop(endValue)) {
         counter = 0.0f;
-        const Range top = ranges.back();
-        SetRange(top.low, top.high);
+        SetRange(ranges.Top().low, ranges.Top().high);
         // Leave the display where the sub-range ended.
-        Set((maximum - minimum) * endedAt + minimum);
+        Set(endValue);
     }
-    if (IsActive())
-        MessageLoop();
-    return !IsBreakPressed();
+    return Pump();
 }
 
 bool Progress::PopPushSubRange(float low, float high)
@@ -443,27 +401,28 @@ bool Progress::NextSpin()
 {
     if (showSpin && !allowBreak && spinWindow)
         spinWindow->Step();
-    else
-        SendSpinStep();
-    if (IsActive())
-        MessageLoop();
-    return !IsBreakPressed();
+    else if (BreakWindowChannel* window = Window())
+        window->SpinStep();
+    return Pump();
 }
 
 bool Progress::SpinDone()
 {
     if (showSpin && !allowBreak && spinWindow)
         spinWindow->Rest();
-    else
-        SendSpinRest();
-    if (IsActive())
-        MessageLoop();
-    return !IsBreakPressed();
+    else if (BreakWindowChannel* window = Window())
+        window->SpinRest();
+    return Pump();
 }
 
 bool Progress::SetInfoStr(const char* text)
 {
     SetString(text);
+    return Pump();
+}
+
+bool Progress::Pump()
+{
     if (IsActive())
         MessageLoop();
     return !IsBreakPressed();
@@ -475,7 +434,8 @@ void Progress::SetString(const char* text)
         return;
     if (allowBreak) {
         infoText = text ? text : "";
-        SendTitle(infoText.c_str());
+        if (BreakWindowChannel* window = Window())
+            window->SetTitle(infoText.c_str());
         return;
     }
     TsStatusAccess* bar = GetStatusBar();
@@ -512,7 +472,8 @@ Progress::~Progress()
             }
         }
         delete marquee.data();
-        SendFinish();
+        if (BreakWindowChannel* window = Window())
+            window->Finish();
         if (previousForeground)
             previousForeground->activateWindow();
         // The plain bar keeps its gauge on show between tasks; the toolkit bar keeps it hidden.
@@ -537,16 +498,22 @@ Progress::~Progress()
 
 // --- Process-wide --------------------------------------------------------------------------
 
+BreakWindowChannel* Progress::ActiveWindow()
+{
+    Progress* active = msActive.load(std::memory_order_relaxed);
+    return active ? active->Window() : nullptr;
+}
+
 void Progress::Hide()
 {
-    if (Progress* active = msActive.load(std::memory_order_relaxed))
-        active->SendShowWindow(false);
+    if (BreakWindowChannel* window = ActiveWindow())
+        window->ShowWindow(false);
 }
 
 void Progress::Show()
 {
-    if (Progress* active = msActive.load(std::memory_order_relaxed))
-        active->SendShowWindow(true);
+    if (BreakWindowChannel* window = ActiveWindow())
+        window->ShowWindow(true);
 }
 
 void Progress::ForceCreate()
@@ -556,11 +523,10 @@ void Progress::ForceCreate()
 
 BreakWindowChannel* Progress::GetBreakWindow()
 {
-    Progress* active = msActive.load(std::memory_order_relaxed);
-    if (!active)
-        return nullptr;
-    active->SendShowWindow(true);
-    return active->breakWindow && active->breakWindow->IsWindow() ? active->breakWindow : nullptr;
+    BreakWindowChannel* window = ActiveWindow();
+    if (window)
+        window->ShowWindow(true);
+    return window;
 }
 
 void Progress::MessageLoop()
@@ -648,46 +614,9 @@ TsStatusAccess* Progress::GetStatusBar()
 
 // --- The break window protocol -------------------------------------------------------------
 
-void Progress::SendFinish()
+BreakWindowChannel* Progress::Window() const
 {
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->Finish();
-}
-
-void Progress::SendSpinStep()
-{
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->SpinStep();
-}
-
-void Progress::SendSpinRest()
-{
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->SpinRest();
-}
-
-void Progress::SendTitle(const char* text)
-{
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->SetTitle(text);
-}
-
-void Progress::SendGaugeValue(float gaugeValue)
-{
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->SetGaugeValue(gaugeValue);
-}
-
-void Progress::SendGaugeRange(float low, float high)
-{
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->SetGaugeRange(low, high);
-}
-
-void Progress::SendShowWindow(bool show)
-{
-    if (breakWindow && breakWindow->IsWindow())
-        breakWindow->ShowWindow(show);
+    return breakWindow && breakWindow->IsWindow() ? breakWindow : nullptr;
 }
 
 void Progress::SendStart()
@@ -695,7 +624,7 @@ void Progress::SendStart()
     // The one break window of the process comes into being at its first need.
     BreakWindowChannel* channel = BreakWindowChannel::GetChannel();
     breakWindow = channel && channel->Create() ? channel : nullptr;
-    if (!breakWindow || !breakWindow->IsWindow())
+    if (!Window())
         return;
     QRect mainWindow;
     if (const WinApp* app = WinApp::GetApp(); app && app->GetMainWnd())

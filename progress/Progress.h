@@ -34,6 +34,8 @@
 // does no window work at all, and an active one lets the event loop run (paint,
 // size and window events; input waits) at most every kPumpInterval ms.
 
+#include <KORVAutlwin/progress/ProgressRanges.h>
+
 #include <QPointer>
 
 #include <atomic>
@@ -52,15 +54,8 @@ namespace korva { class WaitCursor; }
 class Progress
 {
 public:
-    /// One scale of the range stack: `gaugeLow` to `gaugeHigh` is the part of the
-    /// whole display (0 to 1) that it covers, `low` to `high` the caller's units in it.
-    struct Range
-    {
-        float gaugeLow;
-        float gaugeHigh;
-        float low;
-        float high;
-    };
+    /// One scale of the range stack (see ProgressRanges).
+    using Range = ProgressRanges::Range;
 
     /// Status bar pane ids of the spin indicator and the gauge, and their width.
     static constexpr unsigned int kSpinPaneId = 1036;
@@ -145,7 +140,7 @@ public:
     const std::string& GetStopButton() const { return stopButton; }
     unsigned int GetDelay() const { return delay; }
     /// The ranges, first at the front, top at the back.
-    const std::list<Range>& GetRanges() const { return ranges; }
+    const std::list<Range>& GetRanges() const { return ranges.GetList(); }
     /// Whether this is the active object.
     bool IsActive() const { return msActive.load(std::memory_order_relaxed) == this; }
 
@@ -176,8 +171,8 @@ public:
 private:
     friend class BreakWindowChannel;
 
-    void Construct(QWidget* parentWindow, const char* text, float low, float high, const char* question,
-                   const char* title, const char* button);
+    void Construct(QWidget* parentWindow, const char* text, const char* question, const char* title,
+                   const char* button);
     void Init();
     void SetString(const char* text);
     static TsStatusAccess* GetStatusBar();
@@ -185,15 +180,12 @@ private:
     static void GetGaugeRange(const Range& range, float& minimum, float& maximum);
     void ShowOnGauge();
     bool ShowValue();
-
-    // The break window protocol; each tests the window first.
-    void SendFinish();
-    void SendSpinStep();
-    void SendSpinRest();
-    void SendTitle(const char* text);
-    void SendGaugeValue(float gaugeValue);
-    void SendGaugeRange(float low, float high);
-    void SendShowWindow(bool show);
+    /// What every reporting call ends with: the event loop's turn, then the answer.
+    bool Pump();
+    /// The break window, when this object has one that exists; every message goes through here.
+    BreakWindowChannel* Window() const;
+    /// The active object's break window, if it has one.
+    static BreakWindowChannel* ActiveWindow();
     void SendStart();
 
     bool allowBreak;
@@ -205,7 +197,7 @@ private:
     std::string infoText;
     BreakWindowChannel* breakWindow = nullptr;
     std::atomic<bool> breakPressed{false};  // written by the break window's side
-    std::list<Range> ranges;
+    ProgressRanges ranges;
     float value = 0.0f;
     float counter = 0.0f;
     bool freeRunning = false;

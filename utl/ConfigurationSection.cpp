@@ -1,7 +1,7 @@
 #include <KORVAutl/ConfigurationSection.h>
 
 #include <KORVAutl/TsString.h>
-#include <KORVAutl/TsUnicode.h>
+#include <KORVAutlwin/platform/TsUnicode.h>
 
 #include <cstring>
 #include <cwchar>

@@ -6,7 +6,7 @@
 #include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/SafeFileWriter.h>
 #include <KORVAutl/TsString.h>
-#include <KORVAutl/TsUnicode.h>
+#include <KORVAutlwin/platform/TsUnicode.h>
 #include <KORVAutl/XMLInputStream.h>
 
 #include <pugixml.hpp>

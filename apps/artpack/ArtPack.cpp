@@ -3,14 +3,13 @@
 // them is left to this tool, which also fills in what a collection records
 // about its pictures (largest sizes, the portrait's stream name).
 
-#include <KORVAutlwin/frame/MessageBoxTypes.h>
-#include <KORVAutlwin/frame/WinApp.h>
-#include <KORVAutlwin/progress/ArtImage.h>
-#include <KORVAutlwin/progress/ArtInfo.h>
+#include <KORVAutlwin/art/ArtImage.h>
+#include <KORVAutlwin/art/ArtInfo.h>
 
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsString.h>
+#include <KORVAutl/UserComm.h>
 
 #include <QImage>
 #include <QString>
@@ -61,17 +60,25 @@ Pictures are stored as JPEG at quality 75, never enlarged. Exit status: 0 done,
 1 failed, 2 wrong use.
 )";
 
-// Messages that the library would show in a box go to the terminal.
-class ArtPackApp : public WinApp
+// What the library tells the user goes to the terminal; a tool asks nothing.
+class ArtPackUserComm : public UserComm
 {
 public:
-    ArtPackApp() : WinApp("artpack") {}
-    int DoMessageBox(const char* text, unsigned int, unsigned int) override
+    ArtPackUserComm() { UserComm::SetUserComm(this); }
+    ~ArtPackUserComm() override { UserComm::SetUserComm(nullptr); }
+    int AskUserYesNo(const char*, const char*, const char*, int) override { return eNo; }
+    int AskUserYesNo(const char*, const char*, int) override { return eNo; }
+    int AskUserYesYesToAllNoNoToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    int AskUserYesYesToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    int AskUserYesCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    void FatalError(const char* text, const char* title) override { InformUser(text, title, 0); }
+    void InformUser(const char* text, const char*, unsigned long) override
     {
-        std::cerr << "artpack: " << text << "\n";
+        std::cerr << "artpack: " << (text ? text : "") << "\n";
         failed = true;
-        return IDOK;
     }
+    void HourGlassOn() override {}
+    void HourGlassOff() override {}
     bool failed = false;
 };
 
@@ -261,7 +268,7 @@ void BuildArtInfo(const std::vector<CollectionSource>& sources, ArtInfo& art,
     }
 }
 
-int Store(ArtPackApp& app, const std::string& file, bool replace, int argc, char** argv)
+int Store(ArtPackUserComm& app, const std::string& file, bool replace, int argc, char** argv)
 {
     const std::vector<CollectionSource> sources = ReadCollections(argc, argv, 3);
     ArtInfo art;
@@ -362,7 +369,7 @@ int Extract(const std::string& file, const std::string& collectionText, const st
     return 0;
 }
 
-int Run(ArtPackApp& app, int argc, char** argv)
+int Run(ArtPackUserComm& app, int argc, char** argv)
 {
     const std::string command = argc > 1 ? argv[1] : "";
     if (command == "--help" || command == "-h" || command == "help") {
@@ -391,7 +398,7 @@ int Run(ArtPackApp& app, int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    ArtPackApp app;
+    ArtPackUserComm app;
     try {
         return Run(app, argc, argv);
     } catch (const UsageError& error) {

@@ -6,8 +6,8 @@
 // the difference is what the collection file adds. Reading the description of
 // a file with 200 pictures is what ProgressArt pays per file at start.
 
-#include <KORVAutlwin/progress/ArtInfo.h>
-#include <KORVAutlwin/progress/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtInfo.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
 
 #include <QImage>
 #include <QString>

@@ -8,7 +8,7 @@
 
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/progress/BreakDialog.h>
-#include <KORVAutlwin/progress/ProgressArt.h>
+#include <KORVAutlwin/art/ProgressArt.h>
 #include <KORVAutlwin/progress/Spinner.h>
 #include <KORVAutlwin/progress/TsGauge.h>
 

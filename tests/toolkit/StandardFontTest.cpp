@@ -1,7 +1,7 @@
 // The suite's fonts and the font descriptions they are made from; the system
 // colours that follow the application palette.
 
-#include "../frame/TestApplication.h"
+#include "GuiApplication.h"
 
 #include <KORVAutlwin/toolkit/DisplayColor.h>
 #include <KORVAutlwin/toolkit/LogFont.h>

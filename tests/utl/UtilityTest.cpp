@@ -8,7 +8,7 @@
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsSystemInfo.h>
 #include <KORVAutl/TsTimeUtl.h>
-#include <KORVAutl/TsUnicode.h>
+#include <KORVAutlwin/platform/TsUnicode.h>
 
 #include <gtest/gtest.h>
 

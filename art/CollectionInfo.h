@@ -4,7 +4,7 @@
 // and the portrait's stream name; `file` is set when a collection is read from
 // a file and says where its pictures are.
 
-#include <KORVAutlwin/progress/PictureInfo.h>
+#include <KORVAutlwin/art/PictureInfo.h>
 
 #include <cstdint>
 #include <string>

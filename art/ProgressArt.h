@@ -11,11 +11,12 @@
 // pseudo artist "<Random>", whose pictures run through those of all artists.
 // Images belong to the caller.
 
-#include <KORVAutlwin/progress/ArtCatalogue.h>
+#include <KORVAutlwin/art/ArtCatalogue.h>
 
 #include <QImage>
 #include <QPoint>
 
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -24,6 +25,9 @@ class ProgressArt
 public:
     ProgressArt() = delete;
 
+    /// Where the application keeps its plug-ins: asked once, at the first load.
+    /// The application object sets it; without one only the executable's folder is searched.
+    static void SetPluginFolder(std::function<std::string()> folder);
     /// Loads the collections, once; every other operation runs it first.
     static void Init();
 
@@ -48,4 +52,5 @@ private:
 
     static bool msInitialized;
     static std::mutex msLock;
+    static std::function<std::string()> msPluginFolder;
 };

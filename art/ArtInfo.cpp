@@ -1,11 +1,9 @@
-#include <KORVAutlwin/progress/ArtInfo.h>
+#include <KORVAutlwin/art/ArtInfo.h>
 
-#include <KORVAutlwin/frame/MessageBoxTypes.h>
-#include <KORVAutlwin/frame/WinApp.h>
-#include <KORVAutlwin/progress/ArtImage.h>
-#include <KORVAutlwin/progress/ArtStorageReader.h>
-#include <KORVAutlwin/progress/ArtStorageWriter.h>
-#include <KORVAutlwin/progress/IStreamDevice.h>
+#include <KORVAutlwin/art/ArtImage.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtStorageWriter.h>
+#include <KORVAutlwin/art/IStreamDevice.h>
 
 #include "ArtArchive.h"
 
@@ -13,11 +11,13 @@
 #include <KORVAutl/LanguageString.h>
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsString.h>
+#include <KORVAutl/UserComm.h>
 
 #include <boost/archive/text_iarchive.hpp>
 #include <boost/archive/text_oarchive.hpp>
 #include <boost/iostreams/stream.hpp>
 
+#include <cstdio>
 #include <memory>
 #include <unistd.h>
 
@@ -36,6 +36,15 @@ const char* const kDescriptionStream = "ArtInfo";
 // "serialization::archive". Checked before the library reads the signature,
 // which would size a string by whatever number stands there.
 constexpr std::size_t kSignatureLength = 22;
+
+// Through the user channel: a box in an application, the error stream in a tool without one.
+void TellUser(const std::string& text)
+{
+    if (UserComm* channel = UserComm::GetUserComm())
+        channel->InformUser(text.c_str(), nullptr, 0);
+    else
+        std::fprintf(stderr, "%s\n", text.c_str());
+}
 
 } // namespace
 
@@ -132,7 +141,8 @@ void ArtInfo::SaveToFile(const char* path, const std::vector<std::vector<std::st
         opened = storage->IsOpen();
     }
     if (!opened) {
-        TsAfxMessageBox(TsString::Format(kCouldNotOpen, target.c_str()).c_str(), MB_OK | MB_ICONEXCLAMATION);
+        // A file in use or out of reach is no failure of the caller's: the user is told, the call returns.
+        TellUser(TsString::Format(kCouldNotOpen, target.c_str()));
         return;
     }
 

@@ -8,7 +8,7 @@
 // Reading loads only the description; every picture is fetched from the file
 // when it is asked for, so a file may be read by several processes at once.
 
-#include <KORVAutlwin/progress/CollectionInfo.h>
+#include <KORVAutlwin/art/CollectionInfo.h>
 
 #include <QImage>
 
@@ -57,8 +57,8 @@ public:
     /// %s could not be saved." when a picture's stream cannot be written;
     /// "Writing to %s failed." when the description or the file cannot be
     /// written. When `path` cannot be opened or created for writing, the
-    /// application's message box says "The file %s could not be opened!" and
-    /// the call returns.
+    /// user is told "The file %s could not be opened!" through the user channel
+    /// (the error stream when there is none) and the call returns.
     ///
     /// The file is replaced in one step (a new file beside it is renamed over
     /// it), so its old content is never damaged. After a failure in the middle,

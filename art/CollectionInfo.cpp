@@ -1,4 +1,4 @@
-#include <KORVAutlwin/progress/CollectionInfo.h>
+#include <KORVAutlwin/art/CollectionInfo.h>
 
 #include "ArtArchive.h"
 

@@ -1,8 +1,8 @@
 #include "../utl/TempDir.h"
 
-#include <KORVAutlwin/progress/ArtStorageReader.h>
-#include <KORVAutlwin/progress/ArtStorageWriter.h>
-#include <KORVAutlwin/progress/IStreamDevice.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtStorageWriter.h>
+#include <KORVAutlwin/art/IStreamDevice.h>
 
 #include <boost/iostreams/stream.hpp>
 

@@ -1,4 +1,4 @@
-#include <KORVAutlwin/progress/ArtCatalogue.h>
+#include <KORVAutlwin/art/ArtCatalogue.h>
 
 #include <KORVAutl/LanguageString.h>
 

@@ -1,4 +1,4 @@
-#include <KORVAutlwin/progress/IStreamDevice.h>
+#include <KORVAutlwin/art/IStreamDevice.h>
 
 #include "ArtGsf.h"
 

@@ -1,6 +1,4 @@
-#include <KORVAutlwin/progress/ProgressArt.h>
-
-#include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/art/ProgressArt.h>
 
 #include <KORVAutl/TsFileUtl.h>
 
@@ -8,11 +6,18 @@
 
 bool ProgressArt::msInitialized = false;
 std::mutex ProgressArt::msLock;
+std::function<std::string()> ProgressArt::msPluginFolder;
 
 korva::ArtCatalogue& ProgressArt::Catalogue()
 {
     static korva::ArtCatalogue* catalogue = new korva::ArtCatalogue;
     return *catalogue;
+}
+
+void ProgressArt::SetPluginFolder(std::function<std::string()> folder)
+{
+    const std::lock_guard<std::mutex> guard(msLock);
+    msPluginFolder = std::move(folder);
 }
 
 void ProgressArt::Init()
@@ -24,8 +29,8 @@ void ProgressArt::Init()
     korva::ArtCatalogue& catalogue = Catalogue();
     const std::string executableFolder = TsGetExecutableDirectory();
     catalogue.LoadPainters(executableFolder);
-    if (const auto* app = dynamic_cast<const TsApp*>(WinApp::GetApp())) {
-        const std::string pluginFolder = app->GetPluginDirectory();
+    if (msPluginFolder) {
+        const std::string pluginFolder = msPluginFolder();
         // A plug-in folder that is the executable's own would bring every artist twice.
         std::error_code error;
         if (!pluginFolder.empty() && !std::filesystem::equivalent(pluginFolder, executableFolder, error))

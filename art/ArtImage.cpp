@@ -1,4 +1,4 @@
-#include <KORVAutlwin/progress/ArtImage.h>
+#include <KORVAutlwin/art/ArtImage.h>
 
 #include <QBuffer>
 #include <QImageReader>

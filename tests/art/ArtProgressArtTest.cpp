@@ -1,8 +1,7 @@
 #include "ArtTestSupport.h"
 
-#include <KORVAutlwin/frame/TsApp.h>
-#include <KORVAutlwin/progress/ArtCatalogue.h>
-#include <KORVAutlwin/progress/ProgressArt.h>
+#include <KORVAutlwin/art/ArtCatalogue.h>
+#include <KORVAutlwin/art/ProgressArt.h>
 
 #include <KORVAutl/TsFileUtl.h>
 
@@ -25,10 +24,6 @@ namespace {
 TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
 {
     TempDir home;
-    setenv("XDG_CONFIG_HOME", home.File("config").c_str(), 1);
-    setenv("KORVA_COMMON_APPDATA", home.File("common").c_str(), 1);
-    setenv("KORVA_REGISTRY_DIR", home.Path().c_str(), 1);
-
     TempDir plugins;
     const std::string picture = WritePicture(home.File("p.png"), 90, 70);
     ArtInfo three;
@@ -49,12 +44,10 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
                                                             : programFolder.GetNumArtists();
     const int shippedPictures = programFolder.GetNumPaintings(shipped);
 
-    {
-        TsApp app("art_tests");
-        app.SetPluginDirectory(plugins.Path().c_str());
-        ProgressArt::Init();
-    }
-    // Loaded once: the application and its plug-in folder are gone, the catalogue stays.
+    ProgressArt::SetPluginFolder([&] { return plugins.Path(); });
+    ProgressArt::Init();
+    ProgressArt::SetPluginFolder(nullptr);
+    // Loaded once: the plug-in folder is forgotten, the catalogue stays.
     const int collections = shipped + 2;
     ASSERT_EQ(collections + 1, ProgressArt::GetNumArtists());
     EXPECT_EQ(0, ProgressArt::GetPreferedArtist());
@@ -88,16 +81,10 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
 
     // A file added while the process runs waits for the next start.
     SaveWithPicture(three, plugins.File("c.tart"), picture);
-    {
-        TsApp app("art_tests");
-        app.SetPluginDirectory(plugins.Path().c_str());
-        ProgressArt::Init();
-        EXPECT_EQ(collections + 1, ProgressArt::GetNumArtists());
-    }
-
-    unsetenv("KORVA_REGISTRY_DIR");
-    unsetenv("KORVA_COMMON_APPDATA");
-    unsetenv("XDG_CONFIG_HOME");
+    ProgressArt::SetPluginFolder([&] { return plugins.Path(); });
+    ProgressArt::Init();
+    EXPECT_EQ(collections + 1, ProgressArt::GetNumArtists());
+    ProgressArt::SetPluginFolder(nullptr);
 }
 
 } // namespace

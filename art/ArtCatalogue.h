@@ -9,7 +9,7 @@
 // of all artists in file order; a negative picture number means the artist as
 // such, with no picture.
 
-#include <KORVAutlwin/progress/ArtInfo.h>
+#include <KORVAutlwin/art/ArtInfo.h>
 
 #include <QImage>
 #include <QPoint>

@@ -1,4 +1,4 @@
-#include <KORVAutl/TsUnicode.h>
+#include <KORVAutlwin/platform/TsUnicode.h>
 
 namespace korva {
 

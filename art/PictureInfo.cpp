@@ -1,4 +1,4 @@
-#include <KORVAutlwin/progress/PictureInfo.h>
+#include <KORVAutlwin/art/PictureInfo.h>
 
 #include "ArtArchive.h"
 

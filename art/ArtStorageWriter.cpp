@@ -1,6 +1,6 @@
-#include <KORVAutlwin/progress/ArtStorageWriter.h>
+#include <KORVAutlwin/art/ArtStorageWriter.h>
 
-#include <KORVAutlwin/progress/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
 
 #include "ArtGsf.h"
 

@@ -1,8 +1,8 @@
 #include "ArtTestSupport.h"
 
-#include <KORVAutlwin/progress/ArtImage.h>
-#include <KORVAutlwin/progress/ArtInfo.h>
-#include <KORVAutlwin/progress/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtImage.h>
+#include <KORVAutlwin/art/ArtInfo.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
 
 #include <KORVAutl/Exception.h>
 
@@ -374,7 +374,7 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTexts)
     EXPECT_EQ(damagedBefore, korva::test::ReadTextFile(File("damaged.tart")));
 }
 
-TEST_F(ArtInfoTest, FileThatCannotBeOpenedIsToldInAMessageBox)
+TEST_F(ArtInfoTest, FileThatCannotBeOpenedIsToldThroughTheUserChannel)
 {
     korva::test::MessageCatcher app;
     const std::string source = WritePicture(File("p.png"), 10, 10);

@@ -4,10 +4,10 @@
 
 #include "../utl/TempDir.h"
 
-#include <KORVAutlwin/frame/WinApp.h>
-#include <KORVAutlwin/progress/ArtInfo.h>
-#include <KORVAutlwin/progress/ArtStorageReader.h>
-#include <KORVAutlwin/progress/ArtStorageWriter.h>
+#include <KORVAutl/UserComm.h>
+#include <KORVAutlwin/art/ArtInfo.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtStorageWriter.h>
 
 #include <QColor>
 #include <QImage>
@@ -89,16 +89,21 @@ inline std::string ReadTextFile(const std::string& path)
     return out.str();
 }
 
-/// An application object that takes the message boxes instead of showing them.
-class MessageCatcher : public WinApp
+/// A user channel that keeps what it is told instead of showing it.
+class MessageCatcher : public UserComm
 {
 public:
-    MessageCatcher() : WinApp("art_tests") {}
-    int DoMessageBox(const char* text, unsigned int, unsigned int) override
-    {
-        messages.emplace_back(text);
-        return 1;
-    }
+    MessageCatcher() { UserComm::SetUserComm(this); }
+    ~MessageCatcher() override { UserComm::SetUserComm(nullptr); }
+    int AskUserYesNo(const char*, const char*, const char*, int) override { return eNo; }
+    int AskUserYesNo(const char*, const char*, int) override { return eNo; }
+    int AskUserYesYesToAllNoNoToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    int AskUserYesYesToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    int AskUserYesCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    void FatalError(const char* text, const char*) override { messages.emplace_back(text); }
+    void InformUser(const char* text, const char*, unsigned long) override { messages.emplace_back(text); }
+    void HourGlassOn() override {}
+    void HourGlassOff() override {}
     std::vector<std::string> messages;
 };
 

@@ -1,4 +1,4 @@
-#include <KORVAutlwin/progress/ArtStorageReader.h>
+#include <KORVAutlwin/art/ArtStorageReader.h>
 
 #include "ArtGsf.h"
 

@@ -1,6 +1,6 @@
 #include "ArtTestSupport.h"
 
-#include <KORVAutlwin/progress/ArtCatalogue.h>
+#include <KORVAutlwin/art/ArtCatalogue.h>
 
 #include <gtest/gtest.h>
 

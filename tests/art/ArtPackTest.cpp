@@ -1,6 +1,6 @@
 #include "ArtTestSupport.h"
 
-#include <KORVAutlwin/progress/ArtInfo.h>
+#include <KORVAutlwin/art/ArtInfo.h>
 
 #include <KORVAutl/TsFileUtl.h>
 
