@@ -23,7 +23,7 @@ TsStatusBar::TsStatusBar(QWidget* parent) : QStatusBar(parent)
     // Panes are laid out by the bar itself; a size grip would sit over the last one.
     setSizeGripEnabled(false);
     setMinimumHeight(fontMetrics().height() + 8);
-    mPanes.push_back({0, SBPS_STRETCH, 0, std::string()});
+    mPanes.Panes().push_back({0, SBPS_STRETCH, 0, std::string()});
     connect(this, &QStatusBar::messageChanged, this, [this] { update(); });
 }
 
@@ -33,25 +33,15 @@ bool TsStatusBar::SetIndicators(const unsigned int* ids, int count)
 {
     if (count < 0)
         return false;
-    mPanes.clear();
+    mPanes.Panes().clear();
     mWindows.clear();
     for (int i = 0; i < count; ++i) {
         const unsigned int id = ids ? ids[i] : 0;
         std::string text = id != 0 ? LanguageString::Get(id) : std::string();
         const int width = text.empty() ? 0 : fontMetrics().horizontalAdvance(QString::fromStdString(text)) + 2 * kTextPadding;
-        mPanes.push_back({id, i == 0 ? SBPS_STRETCH : SBPS_NORMAL, width, std::move(text)});
+        mPanes.Panes().push_back({id, i == 0 ? SBPS_STRETCH : SBPS_NORMAL, width, std::move(text)});
     }
     update();
-    return true;
-}
-
-bool TsStatusBar::GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
-{
-    if (!IsValidIndex(index))
-        return false;
-    id = mPanes[index].id;
-    style = mPanes[index].style;
-    width = mPanes[index].width;
     return true;
 }
 
@@ -80,21 +70,16 @@ void TsStatusBar::SetPaneStyle(int index, unsigned int style)
     update();
 }
 
-std::string TsStatusBar::GetPaneText(int index) const
-{
-    return IsValidIndex(index) ? mPanes[index].text : std::string();
-}
-
 std::vector<QRect> TsStatusBar::PaneRects() const
 {
-    std::vector<QRect> rects(mPanes.size());
+    std::vector<QRect> rects(mPanes.Panes().size());
     int used = 2 * kMargin;
     int shown = 0;
     int stretch = -1;
-    for (std::size_t i = 0; i < mPanes.size(); ++i) {
+    for (int i = 0; i < mPanes.GetCount(); ++i) {
         const bool stretches = stretch < 0 && (mPanes[i].style & SBPS_STRETCH);
         if (stretches)
-            stretch = static_cast<int>(i);
+            stretch = i;
         if (mPanes[i].width > 0 || stretches) {
             used += mPanes[i].width;
             ++shown;
@@ -105,8 +90,8 @@ std::vector<QRect> TsStatusBar::PaneRects() const
     const int top = kMargin;
     const int height = std::max(0, this->height() - kMargin - 1);
     int x = kMargin;
-    for (std::size_t i = 0; i < mPanes.size(); ++i) {
-        const int w = mPanes[i].width + (static_cast<int>(i) == stretch ? extra : 0);
+    for (int i = 0; i < mPanes.GetCount(); ++i) {
+        const int w = mPanes[i].width + (i == stretch ? extra : 0);
         if (w <= 0)
             continue;
         rects[i] = QRect(x, top, w, height);
@@ -144,14 +129,6 @@ void TsStatusBar::LayoutWindows()
     }
 }
 
-int TsStatusBar::CommandToIndex(unsigned int id) const
-{
-    for (std::size_t i = 0; i < mPanes.size(); ++i)
-        if (mPanes[i].id == id)
-            return static_cast<int>(i);
-    return -1;
-}
-
 int TsStatusBar::SetPaneText(int index, const std::string& text, int update)
 {
     if (!IsValidIndex(index))
@@ -173,7 +150,8 @@ bool TsStatusBar::InsertWindow(QWidget* window, int width, int index, unsigned i
     if (GetWindowIndex(window) >= 0)
         RemoveWindow(window, false, id);
     index = std::clamp(index, 0, GetCount());
-    mPanes.insert(mPanes.begin() + index, Pane{id, SBPS_NORMAL, std::max(0, width), std::string()});
+    auto& panes = mPanes.Panes();
+    panes.insert(panes.begin() + index, StatusPane{id, SBPS_NORMAL, std::max(0, width), std::string()});
     for (HostedWindow& hosted : mWindows)
         if (hosted.index >= index)
             ++hosted.index;
@@ -204,21 +182,11 @@ void TsStatusBar::RemoveWindow(QWidget* window, bool hide, unsigned int id)
 
 void TsStatusBar::RemovePane(int index)
 {
-    mPanes.erase(mPanes.begin() + index);
+    mPanes.Panes().erase(mPanes.Panes().begin() + index);
     std::erase_if(mWindows, [index](const HostedWindow& hosted) { return hosted.index == index || !hosted.window; });
     for (HostedWindow& hosted : mWindows)
         if (hosted.index > index)
             --hosted.index;
-}
-
-int TsStatusBar::GetCount() const
-{
-    return static_cast<int>(mPanes.size());
-}
-
-unsigned int TsStatusBar::GetItemID(int index) const
-{
-    return IsValidIndex(index) ? mPanes[index].id : 0;
 }
 
 void TsStatusBar::paintEvent(QPaintEvent*)
@@ -232,8 +200,8 @@ void TsStatusBar::paintEvent(QPaintEvent*)
     const int messagePane = CommandToIndex(0);
     const QString message = currentMessage();
     painter.setPen(palette().color(QPalette::WindowText));
-    for (std::size_t i = 0; i < mPanes.size(); ++i) {
-        const Pane& pane = mPanes[i];
+    for (int i = 0; i < mPanes.GetCount(); ++i) {
+        const StatusPane& pane = mPanes[i];
         const QRect rect = rects[i];
         if (rect.isEmpty())
             continue;
@@ -241,7 +209,7 @@ void TsStatusBar::paintEvent(QPaintEvent*)
             qDrawShadePanel(&painter, rect, palette(), !(pane.style & SBPS_POPOUT), 1);
         if (pane.style & SBPS_DISABLED)
             continue;
-        const QString text = static_cast<int>(i) == messagePane && !message.isEmpty()
+        const QString text = i == messagePane && !message.isEmpty()
                                  ? message
                                  : QString::fromStdString(pane.text);
         if (text.isEmpty())

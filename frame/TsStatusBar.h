@@ -8,6 +8,7 @@
 // other panes leave. QStatusBar::showMessage shows its text in the first pane
 // with id 0 for as long as the message lasts.
 
+#include <KORVAutlwin/frame/StatusPaneModel.h>
 #include <KORVAutlwin/frame/TsStatusAccess.h>
 
 #include <QPointer>
@@ -30,12 +31,15 @@ public:
     bool SetIndicators(const unsigned int* ids, int count);
 
     /// Id, style (SBPS_*) and width of pane `index`; false for an index out of range.
-    bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const;
+    bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
+    {
+        return mPanes.GetPaneInfo(index, id, style, width);
+    }
     void SetPaneInfo(int index, unsigned int id, unsigned int style, int width);
     unsigned int GetPaneStyle(int index) const;
     void SetPaneStyle(int index, unsigned int style);
     /// The text of pane `index`; empty for an index out of range.
-    std::string GetPaneText(int index) const;
+    std::string GetPaneText(int index) const { return mPanes.GetPaneText(index); }
     /// The pane's rectangle in the bar; empty for an index out of range or a pane of width 0.
     QRect GetItemRect(int index) const;
 
@@ -45,37 +49,30 @@ public:
     void LayoutWindows();
 
     // TsStatusAccess
-    int CommandToIndex(unsigned int id) const override;
+    int CommandToIndex(unsigned int id) const override { return mPanes.CommandToIndex(id); }
     int SetPaneText(int index, const std::string& text, int update = 1) override;
     /// `window` becomes a child of the bar if it is not one; the window is not
     /// shown here. A window that is hosted already leaves its old pane first.
     bool InsertWindow(QWidget* window, int width, int index, unsigned int id) override;
     void RemoveWindow(QWidget* window, bool hide, unsigned int id) override;
-    int GetCount() const override;
-    unsigned int GetItemID(int index) const override;
+    int GetCount() const override { return mPanes.GetCount(); }
+    unsigned int GetItemID(int index) const override { return mPanes.GetItemID(index); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct Pane
-    {
-        unsigned int id;
-        unsigned int style;
-        int width;
-        std::string text;
-    };
     struct HostedWindow
     {
         QPointer<QWidget> window;
         int index;
     };
 
-    bool IsValidIndex(int index) const { return index >= 0 && index < static_cast<int>(mPanes.size()); }
+    bool IsValidIndex(int index) const { return mPanes.IsValidIndex(index); }
     void RemovePane(int index);
     std::vector<QRect> PaneRects() const;
 
-    std::vector<Pane> mPanes;
+    StatusPaneModel<StatusPane> mPanes;
     std::vector<HostedWindow> mWindows;
 };

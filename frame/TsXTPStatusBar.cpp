@@ -16,7 +16,7 @@ constexpr int kTextPadding = 3;
 
 TsXTPStatusBar::TsXTPStatusBar(QWidget* parent) : QStatusBar(parent)
 {
-    mPanes.push_back(MakePane(0, SBPS_STRETCH, 0, std::string()));
+    mPanes.Panes().push_back(MakePane(0, SBPS_STRETCH, 0, std::string()));
     Relayout();
     connect(this, &QStatusBar::messageChanged, this, [this] {
         const int index = CommandToIndex(0);
@@ -37,19 +37,19 @@ TsXTPStatusBar::Pane TsXTPStatusBar::MakePane(unsigned int id, unsigned int styl
     label->setContentsMargins(kTextPadding - 1, 0, kTextPadding - 1, 0);
     label->setTextFormat(Qt::PlainText);
     layout->addWidget(label);
-    return Pane{id, style, std::max(0, width), std::move(text), cell, label, nullptr};
+    return Pane{{id, style, std::max(0, width), std::move(text)}, cell, label, nullptr};
 }
 
 bool TsXTPStatusBar::SetIndicators(const unsigned int* ids, int count)
 {
     if (count < 0)
         return false;
-    while (!mPanes.empty())
-        DeletePane(static_cast<int>(mPanes.size()) - 1);
+    while (GetCount() > 0)
+        DeletePane(GetCount() - 1);
     for (int i = 0; i < count; ++i)
         AddIndicator(ids ? ids[i] : 0);
-    if (!mPanes.empty())
-        mPanes.front().style |= SBPS_STRETCH;
+    if (GetCount() > 0)
+        mPanes[0].style |= SBPS_STRETCH;
     Relayout();
     return true;
 }
@@ -61,7 +61,7 @@ int TsXTPStatusBar::AddIndicator(unsigned int id, int index)
         text.empty() ? 0 : fontMetrics().horizontalAdvance(QString::fromStdString(text)) + 2 * kTextPadding + 2;
     if (index < 0 || index > GetCount())
         index = GetCount();
-    mPanes.insert(mPanes.begin() + index, MakePane(id, SBPS_NORMAL, width, std::move(text)));
+    mPanes.Panes().insert(mPanes.Panes().begin() + index, MakePane(id, SBPS_NORMAL, width, std::move(text)));
     Relayout();
     return index;
 }
@@ -118,17 +118,7 @@ void TsXTPStatusBar::DeletePane(int index)
     ReleaseControl(pane);
     removeWidget(pane.cell);
     delete pane.cell;
-    mPanes.erase(mPanes.begin() + index);
-}
-
-bool TsXTPStatusBar::GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
-{
-    if (!IsValidIndex(index))
-        return false;
-    id = mPanes[index].id;
-    style = mPanes[index].style;
-    width = mPanes[index].width;
-    return true;
+    mPanes.Panes().erase(mPanes.Panes().begin() + index);
 }
 
 void TsXTPStatusBar::SetPaneInfo(int index, unsigned int id, unsigned int style, int width)
@@ -148,11 +138,6 @@ void TsXTPStatusBar::SetPaneInfo(int index, unsigned int id, unsigned int style,
     ShowText(index);
 }
 
-std::string TsXTPStatusBar::GetPaneText(int index) const
-{
-    return IsValidIndex(index) ? mPanes[index].text : std::string();
-}
-
 QRect TsXTPStatusBar::GetItemRect(int index) const
 {
     if (!IsValidIndex(index) || mPanes[index].cell->isHidden())
@@ -162,17 +147,9 @@ QRect TsXTPStatusBar::GetItemRect(int index) const
 
 int TsXTPStatusBar::GetWindowIndex(const QWidget* window) const
 {
-    for (std::size_t i = 0; i < mPanes.size(); ++i)
+    for (int i = 0; i < GetCount(); ++i)
         if (window && mPanes[i].control == window)
-            return static_cast<int>(i);
-    return -1;
-}
-
-int TsXTPStatusBar::CommandToIndex(unsigned int id) const
-{
-    for (std::size_t i = 0; i < mPanes.size(); ++i)
-        if (mPanes[i].id == id)
-            return static_cast<int>(i);
+            return i;
     return -1;
 }
 
@@ -216,16 +193,6 @@ void TsXTPStatusBar::RemoveWindow(QWidget* window, bool hide, unsigned int id)
     Relayout();
 }
 
-int TsXTPStatusBar::GetCount() const
-{
-    return static_cast<int>(mPanes.size());
-}
-
-unsigned int TsXTPStatusBar::GetItemID(int index) const
-{
-    return IsValidIndex(index) ? mPanes[index].id : 0;
-}
-
 void TsXTPStatusBar::ApplyPane(Pane& pane)
 {
     if (pane.style & SBPS_NOBORDERS)
@@ -253,12 +220,12 @@ void TsXTPStatusBar::ShowText(int index)
 
 void TsXTPStatusBar::Relayout()
 {
-    for (Pane& pane : mPanes)
+    for (Pane& pane : mPanes.Panes())
         removeWidget(pane.cell);
-    for (std::size_t i = 0; i < mPanes.size(); ++i) {
+    for (int i = 0; i < GetCount(); ++i) {
         Pane& pane = mPanes[i];
         addPermanentWidget(pane.cell, (pane.style & SBPS_STRETCH) ? 1 : 0);
         ApplyPane(pane);
-        ShowText(static_cast<int>(i));
+        ShowText(i);
     }
 }

@@ -12,6 +12,7 @@
 // A control lives inside its pane: when the pane goes, the control becomes a
 // hidden child of the bar again (it is never deleted with the pane).
 
+#include <KORVAutlwin/frame/StatusPaneModel.h>
 #include <KORVAutlwin/frame/TsStatusAccess.h>
 
 #include <QPointer>
@@ -47,37 +48,36 @@ public:
     bool AddControl(QWidget* control, unsigned int id);
 
     /// Id, style (SBPS_*) and width of pane `index`; false for an index out of range.
-    bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const;
+    bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
+    {
+        return mPanes.GetPaneInfo(index, id, style, width);
+    }
     /// A width of 0 hides the pane.
     void SetPaneInfo(int index, unsigned int id, unsigned int style, int width);
     /// The text of pane `index`; empty for an index out of range.
-    std::string GetPaneText(int index) const;
+    std::string GetPaneText(int index) const { return mPanes.GetPaneText(index); }
     /// The pane's rectangle in the bar (after layout); empty for a hidden pane.
     QRect GetItemRect(int index) const;
     /// The pane whose control `window` is, or -1.
     int GetWindowIndex(const QWidget* window) const;
 
     // TsStatusAccess
-    int CommandToIndex(unsigned int id) const override;
+    int CommandToIndex(unsigned int id) const override { return mPanes.CommandToIndex(id); }
     int SetPaneText(int index, const std::string& text, int update = 1) override;
     bool InsertWindow(QWidget* window, int width, int index, unsigned int id) override;
     void RemoveWindow(QWidget* window, bool hide, unsigned int id) override;
-    int GetCount() const override;
-    unsigned int GetItemID(int index) const override;
+    int GetCount() const override { return mPanes.GetCount(); }
+    unsigned int GetItemID(int index) const override { return mPanes.GetItemID(index); }
 
 private:
-    struct Pane
+    struct Pane : StatusPane
     {
-        unsigned int id;
-        unsigned int style;
-        int width;
-        std::string text;
         QFrame* cell;
         QLabel* label;
         QPointer<QWidget> control;
     };
 
-    bool IsValidIndex(int index) const { return index >= 0 && index < static_cast<int>(mPanes.size()); }
+    bool IsValidIndex(int index) const { return mPanes.IsValidIndex(index); }
     Pane MakePane(unsigned int id, unsigned int style, int width, std::string text);
     void HostControl(int index, QWidget* control);
     void ReleaseControl(Pane& pane);
@@ -86,5 +86,5 @@ private:
     void ShowText(int index);
     void Relayout();
 
-    std::vector<Pane> mPanes;
+    StatusPaneModel<Pane> mPanes;
 };
