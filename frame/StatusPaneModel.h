@@ -1,8 +1,10 @@
 #pragma once
-// The panes of a status bar as data: id, style, width and text of each, in
-// order, and the look-ups that both status bars answer the same way. A bar
-// that keeps more per pane (cells, hosted controls) derives its pane from
-// StatusPane.
+// The panes of a status bar as data, and the look-ups of TsStatusAccess that
+// both status bars answer the same way: id, style, width and text of each pane,
+// in order. A bar that keeps more per pane (cells, hosted controls) derives its
+// pane type from StatusPane.
+
+#include <KORVAutlwin/frame/TsStatusAccess.h>
 
 #include <string>
 #include <vector>
@@ -16,40 +18,34 @@ struct StatusPane
 };
 
 template <class Pane>
-class StatusPaneModel
+class StatusPaneModel : public TsStatusAccess
 {
 public:
-    std::vector<Pane>& Panes() { return panes; }
-    const std::vector<Pane>& Panes() const { return panes; }
-    Pane& operator[](int index) { return panes[index]; }
-    const Pane& operator[](int index) const { return panes[index]; }
-
-    bool IsValidIndex(int index) const { return index >= 0 && index < GetCount(); }
-    int GetCount() const { return static_cast<int>(panes.size()); }
-
-    /// The index of the first pane with id `id`, or -1.
-    int CommandToIndex(unsigned int id) const
+    int CommandToIndex(unsigned int id) const override
     {
-        for (std::size_t i = 0; i < panes.size(); ++i)
-            if (panes[i].id == id)
+        for (std::size_t i = 0; i < mPanes.size(); ++i)
+            if (mPanes[i].id == id)
                 return static_cast<int>(i);
         return -1;
     }
-    /// The id of pane `index`; 0 for an index out of range.
-    unsigned int GetItemID(int index) const { return IsValidIndex(index) ? panes[index].id : 0; }
-    /// The text of pane `index`; empty for an index out of range.
-    std::string GetPaneText(int index) const { return IsValidIndex(index) ? panes[index].text : std::string(); }
-    /// Id, style and width of pane `index`; false for an index out of range.
+    int GetCount() const override { return static_cast<int>(mPanes.size()); }
+    unsigned int GetItemID(int index) const override { return IsValidIndex(index) ? mPanes[index].id : 0; }
+
+    /// Id, style (SBPS_*) and width of pane `index`; false for an index out of range.
     bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
     {
         if (!IsValidIndex(index))
             return false;
-        id = panes[index].id;
-        style = panes[index].style;
-        width = panes[index].width;
+        id = mPanes[index].id;
+        style = mPanes[index].style;
+        width = mPanes[index].width;
         return true;
     }
+    /// The text of pane `index`; empty for an index out of range.
+    std::string GetPaneText(int index) const { return IsValidIndex(index) ? mPanes[index].text : std::string(); }
 
-private:
-    std::vector<Pane> panes;
+protected:
+    bool IsValidIndex(int index) const { return index >= 0 && index < GetCount(); }
+
+    std::vector<Pane> mPanes;
 };

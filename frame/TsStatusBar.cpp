@@ -23,7 +23,7 @@ TsStatusBar::TsStatusBar(QWidget* parent) : QStatusBar(parent)
     // Panes are laid out by the bar itself; a size grip would sit over the last one.
     setSizeGripEnabled(false);
     setMinimumHeight(fontMetrics().height() + 8);
-    mPanes.Panes().push_back({0, SBPS_STRETCH, 0, std::string()});
+    mPanes.push_back({0, SBPS_STRETCH, 0, std::string()});
     connect(this, &QStatusBar::messageChanged, this, [this] { update(); });
 }
 
@@ -33,13 +33,13 @@ bool TsStatusBar::SetIndicators(const unsigned int* ids, int count)
 {
     if (count < 0)
         return false;
-    mPanes.Panes().clear();
+    mPanes.clear();
     mWindows.clear();
     for (int i = 0; i < count; ++i) {
         const unsigned int id = ids ? ids[i] : 0;
         std::string text = id != 0 ? LanguageString::Get(id) : std::string();
         const int width = text.empty() ? 0 : fontMetrics().horizontalAdvance(QString::fromStdString(text)) + 2 * kTextPadding;
-        mPanes.Panes().push_back({id, i == 0 ? SBPS_STRETCH : SBPS_NORMAL, width, std::move(text)});
+        mPanes.push_back({id, i == 0 ? SBPS_STRETCH : SBPS_NORMAL, width, std::move(text)});
     }
     update();
     return true;
@@ -72,11 +72,11 @@ void TsStatusBar::SetPaneStyle(int index, unsigned int style)
 
 std::vector<QRect> TsStatusBar::PaneRects() const
 {
-    std::vector<QRect> rects(mPanes.Panes().size());
+    std::vector<QRect> rects(mPanes.size());
     int used = 2 * kMargin;
     int shown = 0;
     int stretch = -1;
-    for (int i = 0; i < mPanes.GetCount(); ++i) {
+    for (int i = 0; i < GetCount(); ++i) {
         const bool stretches = stretch < 0 && (mPanes[i].style & SBPS_STRETCH);
         if (stretches)
             stretch = i;
@@ -90,7 +90,7 @@ std::vector<QRect> TsStatusBar::PaneRects() const
     const int top = kMargin;
     const int height = std::max(0, this->height() - kMargin - 1);
     int x = kMargin;
-    for (int i = 0; i < mPanes.GetCount(); ++i) {
+    for (int i = 0; i < GetCount(); ++i) {
         const int w = mPanes[i].width + (i == stretch ? extra : 0);
         if (w <= 0)
             continue;
@@ -150,8 +150,7 @@ bool TsStatusBar::InsertWindow(QWidget* window, int width, int index, unsigned i
     if (GetWindowIndex(window) >= 0)
         RemoveWindow(window, false, id);
     index = std::clamp(index, 0, GetCount());
-    auto& panes = mPanes.Panes();
-    panes.insert(panes.begin() + index, StatusPane{id, SBPS_NORMAL, std::max(0, width), std::string()});
+    mPanes.insert(mPanes.begin() + index, StatusPane{id, SBPS_NORMAL, std::max(0, width), std::string()});
     for (HostedWindow& hosted : mWindows)
         if (hosted.index >= index)
             ++hosted.index;
@@ -182,7 +181,7 @@ void TsStatusBar::RemoveWindow(QWidget* window, bool hide, unsigned int id)
 
 void TsStatusBar::RemovePane(int index)
 {
-    mPanes.Panes().erase(mPanes.Panes().begin() + index);
+    mPanes.erase(mPanes.begin() + index);
     std::erase_if(mWindows, [index](const HostedWindow& hosted) { return hosted.index == index || !hosted.window; });
     for (HostedWindow& hosted : mWindows)
         if (hosted.index > index)
@@ -200,7 +199,7 @@ void TsStatusBar::paintEvent(QPaintEvent*)
     const int messagePane = CommandToIndex(0);
     const QString message = currentMessage();
     painter.setPen(palette().color(QPalette::WindowText));
-    for (int i = 0; i < mPanes.GetCount(); ++i) {
+    for (int i = 0; i < GetCount(); ++i) {
         const StatusPane& pane = mPanes[i];
         const QRect rect = rects[i];
         if (rect.isEmpty())

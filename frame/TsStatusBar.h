@@ -9,7 +9,6 @@
 // with id 0 for as long as the message lasts.
 
 #include <KORVAutlwin/frame/StatusPaneModel.h>
-#include <KORVAutlwin/frame/TsStatusAccess.h>
 
 #include <QPointer>
 #include <QStatusBar>
@@ -17,7 +16,7 @@
 #include <string>
 #include <vector>
 
-class TsStatusBar : public QStatusBar, public TsStatusAccess
+class TsStatusBar : public QStatusBar, public StatusPaneModel<StatusPane>
 {
     Q_OBJECT
 
@@ -30,16 +29,9 @@ public:
     /// width that of its text; pane 0 stretches. Hosted windows are let go.
     bool SetIndicators(const unsigned int* ids, int count);
 
-    /// Id, style (SBPS_*) and width of pane `index`; false for an index out of range.
-    bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
-    {
-        return mPanes.GetPaneInfo(index, id, style, width);
-    }
     void SetPaneInfo(int index, unsigned int id, unsigned int style, int width);
     unsigned int GetPaneStyle(int index) const;
     void SetPaneStyle(int index, unsigned int style);
-    /// The text of pane `index`; empty for an index out of range.
-    std::string GetPaneText(int index) const { return mPanes.GetPaneText(index); }
     /// The pane's rectangle in the bar; empty for an index out of range or a pane of width 0.
     QRect GetItemRect(int index) const;
 
@@ -49,14 +41,11 @@ public:
     void LayoutWindows();
 
     // TsStatusAccess
-    int CommandToIndex(unsigned int id) const override { return mPanes.CommandToIndex(id); }
     int SetPaneText(int index, const std::string& text, int update = 1) override;
     /// `window` becomes a child of the bar if it is not one; the window is not
     /// shown here. A window that is hosted already leaves its old pane first.
     bool InsertWindow(QWidget* window, int width, int index, unsigned int id) override;
     void RemoveWindow(QWidget* window, bool hide, unsigned int id) override;
-    int GetCount() const override { return mPanes.GetCount(); }
-    unsigned int GetItemID(int index) const override { return mPanes.GetItemID(index); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -69,10 +58,8 @@ private:
         int index;
     };
 
-    bool IsValidIndex(int index) const { return mPanes.IsValidIndex(index); }
     void RemovePane(int index);
     std::vector<QRect> PaneRects() const;
 
-    StatusPaneModel<StatusPane> mPanes;
     std::vector<HostedWindow> mWindows;
 };

@@ -16,7 +16,7 @@ constexpr int kTextPadding = 3;
 
 TsXTPStatusBar::TsXTPStatusBar(QWidget* parent) : QStatusBar(parent)
 {
-    mPanes.Panes().push_back(MakePane(0, SBPS_STRETCH, 0, std::string()));
+    mPanes.push_back(MakePane(0, SBPS_STRETCH, 0, std::string()));
     Relayout();
     connect(this, &QStatusBar::messageChanged, this, [this] {
         const int index = CommandToIndex(0);
@@ -61,7 +61,7 @@ int TsXTPStatusBar::AddIndicator(unsigned int id, int index)
         text.empty() ? 0 : fontMetrics().horizontalAdvance(QString::fromStdString(text)) + 2 * kTextPadding + 2;
     if (index < 0 || index > GetCount())
         index = GetCount();
-    mPanes.Panes().insert(mPanes.Panes().begin() + index, MakePane(id, SBPS_NORMAL, width, std::move(text)));
+    mPanes.insert(mPanes.begin() + index, MakePane(id, SBPS_NORMAL, width, std::move(text)));
     Relayout();
     return index;
 }
@@ -118,7 +118,7 @@ void TsXTPStatusBar::DeletePane(int index)
     ReleaseControl(pane);
     removeWidget(pane.cell);
     delete pane.cell;
-    mPanes.Panes().erase(mPanes.Panes().begin() + index);
+    mPanes.erase(mPanes.begin() + index);
 }
 
 void TsXTPStatusBar::SetPaneInfo(int index, unsigned int id, unsigned int style, int width)
@@ -220,7 +220,7 @@ void TsXTPStatusBar::ShowText(int index)
 
 void TsXTPStatusBar::Relayout()
 {
-    for (Pane& pane : mPanes.Panes())
+    for (Pane& pane : mPanes)
         removeWidget(pane.cell);
     for (int i = 0; i < GetCount(); ++i) {
         Pane& pane = mPanes[i];

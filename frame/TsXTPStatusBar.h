@@ -13,7 +13,6 @@
 // hidden child of the bar again (it is never deleted with the pane).
 
 #include <KORVAutlwin/frame/StatusPaneModel.h>
-#include <KORVAutlwin/frame/TsStatusAccess.h>
 
 #include <QPointer>
 #include <QStatusBar>
@@ -24,7 +23,15 @@
 class QFrame;
 class QLabel;
 
-class TsXTPStatusBar : public QStatusBar, public TsStatusAccess
+/// A pane of the toolkit bar: a framed cell with a label or a hosted control.
+struct TsXTPStatusPane : StatusPane
+{
+    QFrame* cell;
+    QLabel* label;
+    QPointer<QWidget> control;
+};
+
+class TsXTPStatusBar : public QStatusBar, public StatusPaneModel<TsXTPStatusPane>
 {
     Q_OBJECT
 
@@ -47,37 +54,21 @@ public:
     /// such a pane or without a control.
     bool AddControl(QWidget* control, unsigned int id);
 
-    /// Id, style (SBPS_*) and width of pane `index`; false for an index out of range.
-    bool GetPaneInfo(int index, unsigned int& id, unsigned int& style, int& width) const
-    {
-        return mPanes.GetPaneInfo(index, id, style, width);
-    }
     /// A width of 0 hides the pane.
     void SetPaneInfo(int index, unsigned int id, unsigned int style, int width);
-    /// The text of pane `index`; empty for an index out of range.
-    std::string GetPaneText(int index) const { return mPanes.GetPaneText(index); }
     /// The pane's rectangle in the bar (after layout); empty for a hidden pane.
     QRect GetItemRect(int index) const;
     /// The pane whose control `window` is, or -1.
     int GetWindowIndex(const QWidget* window) const;
 
     // TsStatusAccess
-    int CommandToIndex(unsigned int id) const override { return mPanes.CommandToIndex(id); }
     int SetPaneText(int index, const std::string& text, int update = 1) override;
     bool InsertWindow(QWidget* window, int width, int index, unsigned int id) override;
     void RemoveWindow(QWidget* window, bool hide, unsigned int id) override;
-    int GetCount() const override { return mPanes.GetCount(); }
-    unsigned int GetItemID(int index) const override { return mPanes.GetItemID(index); }
 
 private:
-    struct Pane : StatusPane
-    {
-        QFrame* cell;
-        QLabel* label;
-        QPointer<QWidget> control;
-    };
+    using Pane = TsXTPStatusPane;
 
-    bool IsValidIndex(int index) const { return mPanes.IsValidIndex(index); }
     Pane MakePane(unsigned int id, unsigned int style, int width, std::string text);
     void HostControl(int index, QWidget* control);
     void ReleaseControl(Pane& pane);
@@ -86,5 +77,4 @@ private:
     void ShowText(int index);
     void Relayout();
 
-    StatusPaneModel<Pane> mPanes;
 };
