@@ -193,13 +193,9 @@ Progress::Progress(const char* text, QWidget* parentWindow)
         window->ShowWindow(true);
 }
 
-Progress::Progress(const Progress& other)
-    : allowBreak(other.allowBreak), showSpin(other.showSpin), showGauge(other.showGauge),
-      stopQuestion(other.stopQuestion), stopTitle(other.stopTitle), stopButton(other.stopButton),
-      infoText(other.infoText), breakWindow(other.breakWindow), breakPressed(other.IsBreakPressed()),
-      ranges(other.ranges), value(other.value), counter(other.counter), freeRunning(other.freeRunning),
-      previousForeground(other.previousForeground), parent(other.parent), delay(other.delay)
+Progress::Progress(const Progress& other) : ranges(other.ranges)
 {
+    *this = other;
     if (other.waitCursor && OnApplicationMainThread() && HasGuiApplication())
         waitCursor = std::make_unique<korva::WaitCursor>();
 }
