@@ -9,6 +9,7 @@
 #include <KORVAutlwin/platform/TsUnicode.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <new>
 
@@ -332,16 +333,17 @@ std::vector<std::string> RegistrySection::GetKeyNames() const
 
 const char* GetRegistryBaseKeyName()
 {
-    static std::string name;
+    // One buffer for the life of the process, formatted anew on each call.
+    static char name[1024];
     if (const WinApp* app = WinApp::GetApp()) {
-        name = TsString::Format("SOFTWARE\\%s\\%s", app->GetRegistryKey(), app->GetProfileName());
+        std::snprintf(name, sizeof name, "SOFTWARE\\%s\\%s", app->GetRegistryKey(), app->GetProfileName());
     } else {
         // Reading the version means reading the executable: once is enough.
         static const std::string version = TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort);
         const std::string profile = TsSystemInfo::GetApplicationName() + "\\" + version;
-        name = TsString::Format("SOFTWARE\\%s\\%s", "Tessmark", profile.c_str());
+        std::snprintf(name, sizeof name, "SOFTWARE\\%s\\%s", "Tessmark", profile.c_str());
     }
-    return name.c_str();
+    return name;
 }
 
 bool TsSetRegKey(HKEY root, const char* subKey, const char* value, const char* valueName)

@@ -46,12 +46,12 @@ bool ReadVector(const ConfigurationSection& section, const char* key, std::vecto
 }
 
 template <typename T, typename Format>
-std::string JoinVector(const T* values, std::size_t count, Format format)
+std::string JoinVector(const T* values, std::size_t count, Format format, char separator = kVectorSeparator)
 {
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
         if (i)
-            text += kVectorSeparator;
+            text += separator;
         text += format(values[i]);
     }
     return text;
@@ -270,7 +270,7 @@ bool ConfigurationSection::WriteStringVector(const char* key, const std::vector<
     for (const std::string& value : values)
         if (value.find(separator) != std::string::npos)
             return false;
-    return WriteKey(key, JoinVector(values.data(), values.size(), [](const std::string& v) { return v; }));
+    return WriteKey(key, JoinVector(values.data(), values.size(), [](const std::string& v) { return v; }, separator));
 }
 
 bool ConfigurationSection::WriteKey(const char* key, const std::wstring& value)

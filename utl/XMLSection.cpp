@@ -230,23 +230,27 @@ int CountSections(pugi::xml_node node, const Name& name)
     return count;
 }
 
-// Calls `visit` for every element of the document in document order, until it
-// returns false; false then. Walked without recursion: a document may nest
-// deeper than the stack allows.
+// Calls `visit(element, depth)` for every element of the document in document
+// order (the document element at depth 1), until it returns false; false then.
+// Walked without recursion: a document may nest deeper than the stack allows.
 template <class Visit>
 bool ForEachElement(const pugi::xml_document& document, Visit visit)
 {
     pugi::xml_node node = document.document_element();
     const pugi::xml_node root = node;
+    int depth = 1;
     while (node) {
-        if (node.type() == pugi::node_element && !visit(node))
+        if (node.type() == pugi::node_element && !visit(node, depth))
             return false;
         if (node.first_child()) {
             node = node.first_child();
+            ++depth;
             continue;
         }
-        while (node != root && !node.next_sibling())
+        while (node != root && !node.next_sibling()) {
             node = node.parent();
+            --depth;
+        }
         if (node == root)
             break;
         node = node.next_sibling();
@@ -260,7 +264,7 @@ bool HasLooseNames(const pugi::xml_document& document)
     const auto loose = [](const char* name) {
         return !IsPlainAsciiName(name) && korva::EncodeXMLName(korva::DecodeXMLName(name)) != name;
     };
-    return !ForEachElement(document, [&](pugi::xml_node node) {
+    return !ForEachElement(document, [&](pugi::xml_node node, int) {
         if (loose(node.name()))
             return false;
         for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute())
@@ -309,10 +313,16 @@ const char* CheckWellFormed(const pugi::xml_document& document, std::ptrdiff_t& 
         offset = 0;
         return "No document element found";
     }
-    // Attribute names must be unique within an element.
+    // Attribute names must be unique within an element. Nesting is limited:
+    // written back indented, each level costs every line below it one more tab.
     std::vector<std::string_view> names;
     const char* failure = nullptr;  // null: well formed
-    ForEachElement(document, [&](pugi::xml_node node) {
+    ForEachElement(document, [&](pugi::xml_node node, int depth) {
+        if (depth > XMLSection::kMaxDepth) {
+            offset = node.offset_debug();
+            failure = "Elements nested too deeply";
+            return false;
+        }
         if (!node.first_attribute() || !node.first_attribute().next_attribute())
             return true;
         names.clear();

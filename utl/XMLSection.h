@@ -71,6 +71,9 @@ std::string DecodeXMLName(std::string_view name);
 class XMLSection : public ConfigurationSection
 {
 public:
+    /// How deeply elements may nest in a file that is read; deeper is refused.
+    static constexpr int kMaxDepth = 256;
+
     /// A new, empty document in memory, with the root element "Tessmark".
     XMLSection();
 
@@ -81,6 +84,7 @@ public:
     /// - A file that cannot be read, or that is not well-formed XML, throws an
     ///   Exception whose text names the file and the reason (the parser's
     ///   message with line and column). Such a file is never written.
+    /// - Elements nested deeper than kMaxDepth count as not well-formed.
     XMLSection(const char* path, bool create);
 
     /// The resource `resourceId` of type "XML" in the current language module,
