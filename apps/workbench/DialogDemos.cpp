@@ -31,9 +31,9 @@ const char* AnswerName(int answer)
     case IDNO: return "No";
     case IDCLOSE: return "Close";
     case 101: return "Yes";
-    case 102: return "Yes to all";
+    case 102: return "Yes to All";
     case 103: return "No";
-    case 104: return "No to all";
+    case 104: return "No to All";
     default: return "none";
     }
 }
@@ -73,9 +73,9 @@ void AddDialogDemos(TsFrameWnd& frame)
     menu->addSeparator();
     frame.AddCommand(menu, eDemoYesNo, QObject::tr("&Yes/No with details"));
     frame.AddCommand(menu, eDemoYesNoCancelAll, QObject::tr("Yes, No, Cancel &all"));
-    frame.AddCommand(menu, eDemoYesNoToAll, QObject::tr("Yes, Yes to all, &No"));
-    frame.AddCommand(menu, eDemoYesNoToAllInverted, QObject::tr("No, No to all, Y&es"));
-    frame.AddCommand(menu, eDemoYesYesToAllCancel, QObject::tr("Yes, Yes to all, Canc&el"));
+    frame.AddCommand(menu, eDemoYesNoToAll, QObject::tr("Yes, Yes to All, &No"));
+    frame.AddCommand(menu, eDemoYesNoToAllInverted, QObject::tr("No, No to All, Y&es"));
+    frame.AddCommand(menu, eDemoYesYesToAllCancel, QObject::tr("Yes, Yes to All, Canc&el"));
 
     TsFrameWnd* target = &frame;
     frame.OnCommand(eDemoMessageBox, [target] {
@@ -98,7 +98,7 @@ void AddDialogDemos(TsFrameWnd& frame)
         Report(*target, std::string("Long text: ") + AnswerName(answer));
     });
     frame.OnCommand(eDemoErrorBox, [target] {
-        const int answer = TsAfxMessageBox("The file C:/Data/wheat.tsx could not be opened: it is locked by another user.",
+        const int answer = TsAfxMessageBox("The file /srv/data/wheat.tsx could not be opened: it is locked by another user.",
                                            MB_OK | MB_ICONHAND);
         Report(*target, std::string("Error message: ") + AnswerName(answer));
     });
@@ -121,7 +121,7 @@ void AddDialogDemos(TsFrameWnd& frame)
     });
     frame.OnCommand(eDemoDetails, [target] {
         DetailsDialog("2 of 5 favourites could not be opened.",
-                      "Wheat protein: The file C:/Data/wheat.tsx does not exist.\r\n"
+                      "Wheat protein: The file /srv/data/wheat.tsx does not exist.\r\n"
                       "Barley moisture: Not available.",
                       "Favourites", MB_ICONERROR);
         Report(*target, "Details dialog closed");
@@ -153,16 +153,16 @@ void AddDialogDemos(TsFrameWnd& frame)
     });
     frame.OnCommand(eDemoYesNoCancelAll, [target] {
         YesNoCancelAll dialog("The file already exists. Replace it?",
-                              "C:/Export/wheat_protein.csv\nSize 48 KB, changed 2024-03-01 14:12", "Export",
+                              "~/Export/wheat_protein.csv\nSize 48 KB, changed 2024-03-01 14:12", "Export",
                               YesNoCancelAll::eYes, WinApp::GetApp() ? WinApp::GetApp()->GetMainWnd() : nullptr);
         const YesNoCancelAll::ButtonPressed pressed = dialog.DoModal();
-        const char* names[] = {"Yes", "No", "Yes to all", "No to all", "Cancel", "none"};
+        const char* names[] = {"Yes", "No", "Yes to All", "No to All", "Cancel", "none"};
         Report(*target, std::string("Yes, No, Cancel all: ") + names[pressed]);
     });
     frame.OnCommand(eDemoYesNoToAll, [target] {
         YesNoToAll dialog(WinApp::GetApp() ? WinApp::GetApp()->GetMainWnd() : nullptr, false);
         const int answer = dialog.NewDoModal("Convert sample 4 of 40 to the new unit of measure?", "Convert");
-        Report(*target, std::string("Yes/No to all: ") + AnswerName(answer));
+        Report(*target, std::string("Yes/No to All: ") + AnswerName(answer));
     });
     frame.OnCommand(eDemoYesNoToAllInverted, [target] {
         YesNoToAll dialog(WinApp::GetApp() ? WinApp::GetApp()->GetMainWnd() : nullptr, true);
@@ -173,6 +173,6 @@ void AddDialogDemos(TsFrameWnd& frame)
         YesYesToAllCancelDialog dialog(WinApp::GetApp() ? WinApp::GetApp()->GetMainWnd() : nullptr);
         const int answer = dialog.NewDoModal("Recalculate model 3 of 12 with the new pre-treatment?", "Recalculate",
                                              "Recalculate &all");
-        Report(*target, std::string("Yes, Yes to all, Cancel: ") + AnswerName(answer));
+        Report(*target, std::string("Yes, Yes to All, Cancel: ") + AnswerName(answer));
     });
 }

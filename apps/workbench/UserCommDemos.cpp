@@ -16,9 +16,9 @@ const char* AnswerName(int answer)
 {
     switch (answer) {
     case 1: return "Yes";
-    case 2: return "Yes to all";
+    case 2: return "Yes to All";
     case 3: return "No";
-    case 4: return "No to all";
+    case 4: return "No to All";
     case 5: return "Cancel";
     default: return "none";
     }
