@@ -8,8 +8,11 @@
 #include <KORVAutlwin/platform/SqliteTransaction.h>
 #include <KORVAutlwin/platform/TsUnicode.h>
 
+#include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,7 +49,7 @@ std::vector<std::string_view> SplitPath(const char* path)
 }
 
 // The common frame of every call: lock, resolve the handle, check the rights,
-// open the database.
+// open the database; then the steps that calls share on the call's key.
 class Call
 {
 public:
@@ -64,45 +67,123 @@ public:
     const OpenKey& Key() const { return mKey; }
     bool Predefined() const { return mPredefined; }
 
+    // The frame's error; for a handle with write rights, a read-only root refuses.
+    LONG Opening(REGSAM access) const
+    {
+        if (mError)
+            return mError;
+        return mDatabase->ReadOnly() && (access & kWriteRights) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+    }
+    HKEY NewHandle(sqlite3_int64 node, REGSAM access) const { return TheStore().NewHandle({mKey.hive, node, access}); }
+
+    // Finds the key at `parts` below the call's key; a walk of several steps
+    // reads one state.
+    LONG Find(const std::vector<std::string_view>& parts, sqlite3_int64& node) const
+    {
+        Snapshot snapshot(*mDatabase, parts.size() > 1);
+        return registry::Find(*mDatabase, mKey.node, parts, node);
+    }
+
+    // Runs `statement` on the key and `second` (a name or an index); the row
+    // stays readable in Row() to the end of the call.
+    template <typename Second>
+    int Run(Statement statement, const Second& second)
+    {
+        mQuery.emplace(*mDatabase, statement);
+        mQuery->Bind(1, mKey.node);
+        mQuery->Bind(2, second);
+        return mQuery->Step();
+    }
+    // The frame's error, or Run's row; without a row `none`, unless the key
+    // itself is gone.
+    template <typename Second>
+    LONG Read(Statement statement, const Second& second, LONG none)
+    {
+        if (mError)
+            return mError;
+        const int rc = Run(statement, second);
+        if (rc == SQLITE_ROW)
+            return ERROR_SUCCESS;
+        return rc == SQLITE_DONE ? Missing(none) : Win32Result(rc, false);
+    }
+    const Query& Row() const { return *mQuery; }
+    // `none` while the key exists, else why it does not.
+    LONG Missing(LONG none) const
+    {
+        const LONG error = CheckExists(*mDatabase, mKey.node);
+        return error ? error : none;
+    }
+
+    // The counts of `statement` (one row about the key) into those of `out`
+    // that are asked for, column by column; runs nothing when none is.
+    LONG Counts(Statement statement, std::initializer_list<DWORD*> out) const
+    {
+        if (std::none_of(out.begin(), out.end(), [](DWORD* target) { return target != nullptr; }))
+            return ERROR_SUCCESS;
+        Query query(*mDatabase, statement);
+        query.Bind(1, mKey.node);
+        const int rc = query.Step();
+        if (rc != SQLITE_ROW)
+            return Win32Result(rc, false);
+        int column = 0;
+        for (DWORD* target : out) {
+            if (target)
+                *target = static_cast<DWORD>(query.Int(column));
+            ++column;
+        }
+        return ERROR_SUCCESS;
+    }
+
 private:
     std::lock_guard<std::mutex> mLock;
     OpenKey mKey{};
     bool mPredefined = false;
     LONG mError = ERROR_SUCCESS;
     Database* mDatabase = nullptr;
+    std::optional<Query> mQuery;   // reset before the lock is let go
 };
+
+bool TooLong(const std::vector<std::string_view>& parts)
+{
+    return std::any_of(parts.begin(), parts.end(),
+                       [](std::string_view part) { return part.size() > kMaxKeyNameLength; });
+}
+
+// The type and data of a value row (type in column `typeColumn`, data in the
+// next): the data only if it fits in `*dataSize` bytes, its size in any case.
+// False when it did not fit.
+bool CopyValue(const Query& row, int typeColumn, DWORD* type, BYTE* data, DWORD* dataSize)
+{
+    if (type)
+        *type = static_cast<DWORD>(row.Int(typeColumn));
+    const DWORD size = row.Bytes(typeColumn + 1);
+    const bool fits = !data || *dataSize >= size;
+    if (data && fits && size)
+        std::memcpy(data, row.Blob(typeColumn + 1), size);
+    if (dataSize)
+        *dataSize = size;
+    return fits;
+}
+
+// Keys have no class and no write time.
+void NoClass(char* keyClass, DWORD* classLength, FILETIME* lastWriteTime)
+{
+    if (keyClass && classLength && *classLength)
+        keyClass[0] = '\0';
+    if (classLength)
+        *classLength = 0;
+    if (lastWriteTime)
+        *lastWriteTime = FILETIME{0, 0};
+}
 
 LONG QueryValue(HKEY key, std::string_view name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* dataSize)
 {
     if (reserved || (data && !dataSize))
         return ERROR_INVALID_PARAMETER;
     Call call(key, KEY_QUERY_VALUE);
-    if (call.Error())
-        return call.Error();
-    Query query(call.Db(), GetValue);
-    query.Bind(1, call.Key().node);
-    query.Bind(2, name);
-    const int rc = query.Step();
-    if (rc == SQLITE_DONE) {
-        const LONG error = CheckExists(call.Db(), call.Key().node);
-        return error ? error : ERROR_FILE_NOT_FOUND;
-    }
-    if (rc != SQLITE_ROW)
-        return Win32Result(rc, false);
-    if (type)
-        *type = static_cast<DWORD>(query.Int(0));
-    const DWORD size = query.Bytes(1);
-    if (data) {
-        if (*dataSize < size) {
-            *dataSize = size;
-            return ERROR_MORE_DATA;
-        }
-        if (size)
-            std::memcpy(data, query.Blob(1), size);
-    }
-    if (dataSize)
-        *dataSize = size;
-    return ERROR_SUCCESS;
+    if (const LONG error = call.Read(GetValue, name, ERROR_FILE_NOT_FOUND))
+        return error;
+    return CopyValue(call.Row(), 0, type, data, dataSize) ? ERROR_SUCCESS : ERROR_MORE_DATA;
 }
 
 LONG SetValueEx(HKEY key, std::string_view name, DWORD type, const BYTE* data, DWORD size)
@@ -151,20 +232,12 @@ LONG RegOpenKeyExA(HKEY key, const char* subKey, DWORD /*options*/, REGSAM acces
         return ERROR_INVALID_PARAMETER;
     *result = nullptr;
     Call call(key, 0);
-    if (call.Error())
-        return call.Error();
-    if (call.Db().ReadOnly() && (access & kWriteRights))
-        return ERROR_ACCESS_DENIED;
-    const std::vector<std::string_view> parts = SplitPath(subKey);
-    sqlite3_int64 node = 0;
-    LONG error = ERROR_SUCCESS;
-    {
-        Snapshot snapshot(call.Db(), parts.size() > 1);
-        error = Find(call.Db(), call.Key().node, parts, node);
-    }
-    if (error)
+    if (const LONG error = call.Opening(access))
         return error;
-    *result = TheStore().NewHandle({call.Key().hive, node, access});
+    sqlite3_int64 node = 0;
+    if (const LONG error = call.Find(SplitPath(subKey), node))
+        return error;
+    *result = call.NewHandle(node, access);
     return ERROR_SUCCESS;
 }
 
@@ -179,23 +252,17 @@ LONG RegCreateKeyExA(HKEY key, const char* subKey, DWORD /*reserved*/, char* /*k
     if (subKey[0] == '\\')
         return ERROR_BAD_PATHNAME;
     const std::vector<std::string_view> parts = SplitPath(subKey);
-    for (std::string_view part : parts)
-        if (part.size() > kMaxKeyNameLength)
-            return ERROR_INVALID_PARAMETER;
+    if (TooLong(parts))
+        return ERROR_INVALID_PARAMETER;
     Call call(key, 0);
-    if (call.Error())
-        return call.Error();
+    LONG error = call.Opening(access);
+    if (error)
+        return error;
     Database& db = call.Db();
-    if (db.ReadOnly() && (access & kWriteRights))
-        return ERROR_ACCESS_DENIED;
 
     // Opening an existing key needs no right on the parent; only creating does.
     sqlite3_int64 node = 0;
-    LONG error = ERROR_SUCCESS;
-    {
-        Snapshot snapshot(db, parts.size() > 1);
-        error = Find(db, call.Key().node, parts, node);
-    }
+    error = call.Find(parts, node);
     bool created = false;
     if (error == ERROR_FILE_NOT_FOUND) {
         if (!(call.Key().access & KEY_CREATE_SUB_KEY) || db.ReadOnly())
@@ -211,7 +278,7 @@ LONG RegCreateKeyExA(HKEY key, const char* subKey, DWORD /*reserved*/, char* /*k
         return error;
     if (disposition)
         *disposition = created ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
-    *result = TheStore().NewHandle({call.Key().hive, node, access});
+    *result = call.NewHandle(node, access);
     return ERROR_SUCCESS;
 }
 
@@ -270,24 +337,12 @@ LONG RegDeleteValueA(HKEY key, const char* valueName)
     Call call(key, KEY_SET_VALUE);
     if (call.Error())
         return call.Error();
-    Database& db = call.Db();
-    if (db.ReadOnly()) {
-        Query query(db, GetValue);
-        query.Bind(1, call.Key().node);
-        query.Bind(2, NameOf(valueName));
-        return query.Step() == SQLITE_ROW ? ERROR_ACCESS_DENIED : ERROR_FILE_NOT_FOUND;
-    }
-    Query query(db, DeleteValue);
-    query.Bind(1, call.Key().node);
-    query.Bind(2, NameOf(valueName));
-    const int rc = query.Step();
+    if (call.Db().ReadOnly())
+        return call.Run(GetValue, NameOf(valueName)) == SQLITE_ROW ? ERROR_ACCESS_DENIED : ERROR_FILE_NOT_FOUND;
+    const int rc = call.Run(DeleteValue, NameOf(valueName));
     if (rc != SQLITE_DONE)
         return Win32Result(rc, true);
-    if (db.Changes() == 0) {
-        const LONG error = CheckExists(db, call.Key().node);
-        return error ? error : ERROR_FILE_NOT_FOUND;
-    }
-    return ERROR_SUCCESS;
+    return call.Db().Changes() ? ERROR_SUCCESS : call.Missing(ERROR_FILE_NOT_FOUND);
 }
 
 LONG RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* nameLength, DWORD* /*reserved*/, char* keyClass,
@@ -296,26 +351,11 @@ LONG RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* nameLength, DWORD* 
     if (!nameLength)
         return ERROR_INVALID_PARAMETER;
     Call call(key, KEY_ENUMERATE_SUB_KEYS);
-    if (call.Error())
-        return call.Error();
-    Query query(call.Db(), EnumKey);
-    query.Bind(1, call.Key().node);
-    query.Bind(2, static_cast<sqlite3_int64>(index));
-    const int rc = query.Step();
-    if (rc == SQLITE_DONE) {
-        const LONG error = CheckExists(call.Db(), call.Key().node);
-        return error ? error : ERROR_NO_MORE_ITEMS;
-    }
-    if (rc != SQLITE_ROW)
-        return Win32Result(rc, false);
-    if (!CopyName(query.Text(0), name, nameLength))
+    if (const LONG error = call.Read(EnumKey, static_cast<sqlite3_int64>(index), ERROR_NO_MORE_ITEMS))
+        return error;
+    if (!CopyName(call.Row().Text(0), name, nameLength))
         return ERROR_MORE_DATA;
-    if (keyClass && classLength && *classLength)
-        keyClass[0] = '\0';
-    if (classLength)
-        *classLength = 0;
-    if (lastWriteTime)
-        *lastWriteTime = FILETIME{0, 0};
+    NoClass(keyClass, classLength, lastWriteTime);
     return ERROR_SUCCESS;
 }
 
@@ -325,31 +365,10 @@ LONG RegEnumValueA(HKEY key, DWORD index, char* valueName, DWORD* valueNameLengt
     if (!valueNameLength || (data && !dataSize))
         return ERROR_INVALID_PARAMETER;
     Call call(key, KEY_QUERY_VALUE);
-    if (call.Error())
-        return call.Error();
-    Query query(call.Db(), EnumValue);
-    query.Bind(1, call.Key().node);
-    query.Bind(2, static_cast<sqlite3_int64>(index));
-    const int rc = query.Step();
-    if (rc == SQLITE_DONE) {
-        const LONG error = CheckExists(call.Db(), call.Key().node);
-        return error ? error : ERROR_NO_MORE_ITEMS;
-    }
-    if (rc != SQLITE_ROW)
-        return Win32Result(rc, false);
-    if (type)
-        *type = static_cast<DWORD>(query.Int(1));
-    const DWORD size = query.Bytes(2);
-    bool fits = true;
-    if (data) {
-        if (*dataSize < size)
-            fits = false;
-        else if (size)
-            std::memcpy(data, query.Blob(2), size);
-    }
-    if (dataSize)
-        *dataSize = size;
-    if (!fits || !CopyName(query.Text(0), valueName, valueNameLength))
+    if (const LONG error = call.Read(EnumValue, static_cast<sqlite3_int64>(index), ERROR_NO_MORE_ITEMS))
+        return error;
+    const bool fits = CopyValue(call.Row(), 1, type, data, dataSize);
+    if (!fits || !CopyName(call.Row().Text(0), valueName, valueNameLength))
         return ERROR_MORE_DATA;
     return ERROR_SUCCESS;
 }
@@ -361,45 +380,19 @@ LONG RegQueryInfoKeyA(HKEY key, char* keyClass, DWORD* classLength, DWORD* /*res
     Call call(key, KEY_QUERY_VALUE);
     if (call.Error())
         return call.Error();
-    Database& db = call.Db();
-    Snapshot snapshot(db, true);
-    LONG error = CheckExists(db, call.Key().node);
+    Snapshot snapshot(call.Db(), true);
+    LONG error = CheckExists(call.Db(), call.Key().node);
+    if (!error)
+        error = call.Counts(KeyInfo, {subKeys, maxSubKeyLength});
+    if (!error)
+        error = call.Counts(ValueInfo, {values, maxValueNameLength, maxValueLength});
     if (error)
         return error;
-    if (subKeys || maxSubKeyLength) {
-        Query query(db, KeyInfo);
-        query.Bind(1, call.Key().node);
-        const int rc = query.Step();
-        if (rc != SQLITE_ROW)
-            return Win32Result(rc, false);
-        if (subKeys)
-            *subKeys = static_cast<DWORD>(query.Int(0));
-        if (maxSubKeyLength)
-            *maxSubKeyLength = static_cast<DWORD>(query.Int(1));
-    }
-    if (values || maxValueNameLength || maxValueLength) {
-        Query query(db, ValueInfo);
-        query.Bind(1, call.Key().node);
-        const int rc = query.Step();
-        if (rc != SQLITE_ROW)
-            return Win32Result(rc, false);
-        if (values)
-            *values = static_cast<DWORD>(query.Int(0));
-        if (maxValueNameLength)
-            *maxValueNameLength = static_cast<DWORD>(query.Int(1));
-        if (maxValueLength)
-            *maxValueLength = static_cast<DWORD>(query.Int(2));
-    }
-    if (keyClass && classLength && *classLength)
-        keyClass[0] = '\0';
-    if (classLength)
-        *classLength = 0;
+    NoClass(keyClass, classLength, lastWriteTime);
     if (maxClassLength)
         *maxClassLength = 0;
     if (securityDescriptorSize)
         *securityDescriptorSize = 0;
-    if (lastWriteTime)
-        *lastWriteTime = FILETIME{0, 0};
     return ERROR_SUCCESS;
 }
 
@@ -420,19 +413,14 @@ LONG RegSetValueA(HKEY key, const char* subKey, DWORD type, const char* data, DW
     const std::vector<std::string_view> parts = SplitPath(subKey);
     if (parts.empty())
         return SetValueEx(key, {}, REG_SZ, reinterpret_cast<const BYTE*>(data), static_cast<DWORD>(std::strlen(data) + 1));
-    for (std::string_view part : parts)
-        if (part.size() > kMaxKeyNameLength)
-            return ERROR_INVALID_PARAMETER;
+    if (TooLong(parts))
+        return ERROR_INVALID_PARAMETER;
     Call call(key, 0);
     if (call.Error())
         return call.Error();
     Database& db = call.Db();
     sqlite3_int64 node = 0;
-    LONG error = ERROR_SUCCESS;
-    {
-        Snapshot snapshot(db, parts.size() > 1);
-        error = Find(db, call.Key().node, parts, node);
-    }
+    LONG error = call.Find(parts, node);
     if (error && error != ERROR_FILE_NOT_FOUND)
         return error;
     if (db.ReadOnly() || (error && !(call.Key().access & KEY_CREATE_SUB_KEY)))
