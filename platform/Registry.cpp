@@ -410,9 +410,11 @@ LONG RegSetValueA(HKEY key, const char* subKey, DWORD type, const char* data, DW
 {
     if (type != REG_SZ || !data)
         return ERROR_INVALID_PARAMETER;
+    const auto* text = reinterpret_cast<const BYTE*>(data);
+    const auto size = static_cast<DWORD>(std::strlen(data) + 1);
     const std::vector<std::string_view> parts = SplitPath(subKey);
     if (parts.empty())
-        return SetValueEx(key, {}, REG_SZ, reinterpret_cast<const BYTE*>(data), static_cast<DWORD>(std::strlen(data) + 1));
+        return SetValueEx(key, {}, REG_SZ, text, size);
     if (TooLong(parts))
         return ERROR_INVALID_PARAMETER;
     Call call(key, 0);
@@ -428,8 +430,7 @@ LONG RegSetValueA(HKEY key, const char* subKey, DWORD type, const char* data, DW
     Transaction transaction(db);
     bool created = false;
     if (!(error = transaction.Start()) && !(error = CreatePath(db, call.Key().node, parts, node, created)))
-        error = StoreValue(db, node, {}, REG_SZ, reinterpret_cast<const BYTE*>(data),
-                           static_cast<DWORD>(std::strlen(data) + 1));
+        error = StoreValue(db, node, {}, REG_SZ, text, size);
     return error ? error : transaction.Finish();
 }
 
