@@ -1,0 +1,349 @@
+// The registry store: where each root's database is, how it is opened and set
+// up, the handles, and the key operations.
+
+#include <KORVAutlwin/platform/RegistryStore.h>
+
+#include <KORVAutlwin/platform/SqliteQuery.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <utility>
+
+#include <pthread.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace korva::registry {
+namespace {
+
+constexpr int kSchemaVersion = 1;
+
+constexpr const char* kSchema =
+    "CREATE TABLE IF NOT EXISTS keys("
+    " id INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " parent INTEGER REFERENCES keys(id),"
+    " name TEXT NOT NULL COLLATE NOCASE,"
+    " UNIQUE(parent, name));"
+    "CREATE TABLE IF NOT EXISTS vals("
+    " key INTEGER NOT NULL REFERENCES keys(id) ON DELETE CASCADE,"
+    " name TEXT NOT NULL COLLATE NOCASE,"
+    " type INTEGER NOT NULL,"
+    " data BLOB NOT NULL,"
+    " PRIMARY KEY(key, name)) WITHOUT ROWID;"
+    "INSERT OR IGNORE INTO keys(id, parent, name) VALUES(1, NULL, '');"
+    "PRAGMA user_version = 1;";
+
+constexpr const char* kSql[StatementCount] = {
+    "SELECT id FROM keys WHERE parent = ?1 AND name = ?2",
+    "SELECT 1 FROM keys WHERE id = ?1",
+    "INSERT INTO keys(parent, name) VALUES(?1, ?2)",
+    "SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1",
+    "DELETE FROM keys WHERE id = ?1",
+    "SELECT name FROM keys WHERE parent = ?1 ORDER BY name LIMIT 1 OFFSET ?2",
+    "SELECT count(*), coalesce(max(length(CAST(name AS BLOB))), 0) FROM keys WHERE parent = ?1",
+    "SELECT count(*), coalesce(max(length(CAST(name AS BLOB))), 0), coalesce(max(length(data)), 0)"
+    " FROM vals WHERE key = ?1",
+    "SELECT type, data FROM vals WHERE key = ?1 AND name = ?2",
+    "INSERT INTO vals(key, name, type, data) VALUES(?1, ?2, ?3, ?4)"
+    " ON CONFLICT(key, name) DO UPDATE SET type = excluded.type, data = excluded.data",
+    "DELETE FROM vals WHERE key = ?1 AND name = ?2",
+    "SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY name LIMIT 1 OFFSET ?2",
+};
+
+// A fork leaves the parent's SQLite connections unusable in the child; the
+// child abandons them.
+bool gForked = false;
+
+void MakeDirectories(const std::string& path)
+{
+    for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
+        ::mkdir(path.substr(0, slash).c_str(), 0755);
+}
+
+std::string HivePath(Hive hive)
+{
+    const char* dir = std::getenv("KORVA_REGISTRY_DIR");
+    if (dir && *dir)
+        return std::string(dir) + (hive == HiveUser ? "/HKCU.sqlite" : "/HKLM.sqlite");
+    if (hive == HiveMachine)
+        return "/var/lib/Tessmark/registry.sqlite";
+    std::string base;
+    const char* config = std::getenv("XDG_CONFIG_HOME");
+    if (config && *config == '/') {
+        base = config;
+    } else {
+        const char* home = std::getenv("HOME");
+        if (!home || !*home) {
+            const passwd* user = ::getpwuid(::getuid());
+            home = user ? user->pw_dir : "/tmp";
+        }
+        base = std::string(home) + "/.config";
+    }
+    return base + "/Tessmark/registry.sqlite";
+}
+
+// Settings of the connection, and the tables if the file has none yet.
+// `version` 0 afterwards: a read-only file without tables.
+int Initialise(sqlite::Database& database, int& version)
+{
+    int rc = database.ReadOnly() ? database.Exec("SELECT count(*) FROM sqlite_schema")
+                                 : database.Exec("PRAGMA journal_mode = WAL");
+    if (rc == SQLITE_OK)
+        rc = database.Exec("PRAGMA synchronous = NORMAL; PRAGMA foreign_keys = ON;"
+                           " PRAGMA journal_size_limit = 4194304");
+    if (rc == SQLITE_OK)
+        rc = database.ReadInt("PRAGMA user_version", version);
+    if (rc != SQLITE_OK || version != 0 || database.ReadOnly())
+        return rc;
+    // Another process may be doing the same; the transaction makes one win.
+    rc = database.Exec("BEGIN IMMEDIATE");
+    if (rc == SQLITE_OK) {
+        rc = database.Exec(kSchema);
+        rc = rc == SQLITE_OK ? database.Exec("COMMIT") : rc;
+        if (rc != SQLITE_OK)
+            database.Exec("ROLLBACK");
+    }
+    if (rc == SQLITE_OK)
+        version = kSchemaVersion;
+    return rc;
+}
+
+// Follows `parts` from `node` as far as they exist; `matched` tells how far.
+LONG Walk(sqlite::Database& database, sqlite3_int64& node, const std::vector<std::string_view>& parts,
+          std::size_t& matched)
+{
+    for (matched = 0; matched < parts.size(); ++matched) {
+        sqlite::Query query(database, FindChild);
+        query.Bind(1, node);
+        query.Bind(2, parts[matched]);
+        const int rc = query.Step();
+        if (rc == SQLITE_DONE)
+            return ERROR_SUCCESS;
+        if (rc != SQLITE_ROW)
+            return sqlite::Win32Result(rc, false);
+        node = query.Int(0);
+    }
+    return ERROR_SUCCESS;
+}
+
+} // namespace
+
+LONG Store::Resolve(HKEY key, OpenKey& target, bool& predefined) const
+{
+    predefined = key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE;
+    if (predefined) {
+        target = {key == HKEY_CURRENT_USER ? HiveUser : HiveMachine, kRootNode, KEY_ALL_ACCESS};
+        return ERROR_SUCCESS;
+    }
+    const auto found = mHandles.find(reinterpret_cast<std::uintptr_t>(key));
+    if (found == mHandles.end())
+        return ERROR_INVALID_HANDLE;
+    target = found->second;
+    return ERROR_SUCCESS;
+}
+
+HKEY Store::NewHandle(const OpenKey& key)
+{
+    const std::uintptr_t id = mNextHandle;
+    mNextHandle += 4;
+    mHandles.emplace(id, key);
+    return reinterpret_cast<HKEY>(id);
+}
+
+bool Store::CloseHandle(HKEY key)
+{
+    return mHandles.erase(reinterpret_cast<std::uintptr_t>(key)) != 0;
+}
+
+sqlite::Database* Store::Connect(Hive hive, LONG& error)
+{
+    if (gForked) {
+        gForked = false;
+        for (Root& root : mRoots) {
+            if (root.database)
+                root.database->Abandon();
+            root = Root{};
+        }
+    }
+    Root& root = mRoots[hive];
+    // A root that did not exist may have been created by now.
+    if (root.database && !root.missingFile.empty()) {
+        struct stat info;
+        if (::stat(root.missingFile.c_str(), &info) == 0)
+            root.database.reset();
+    }
+    if (!root.database)
+        error = Open(hive, root);
+    return root.database.get();
+}
+
+void Store::Reset()
+{
+    for (Root& root : mRoots)
+        root = Root{};
+    mHandles.clear();
+}
+
+void Store::SetBusyTimeout(int milliseconds)
+{
+    mBusyTimeout = milliseconds;
+    for (Root& root : mRoots)
+        if (root.database)
+            root.database->SetBusyTimeout(milliseconds);
+}
+
+LONG Store::Open(Hive hive, Root& root)
+{
+    static const bool atForkRegistered = [] {
+        ::pthread_atfork(nullptr, nullptr, [] { gForked = true; });
+        return true;
+    }();
+    (void)atForkRegistered;
+
+    root.missingFile.clear();
+    const std::string path = HivePath(hive);
+    MakeDirectories(path);
+    std::unique_ptr<sqlite::Database> database;
+    int rc = sqlite::Database::OpenFile(path, kSql, mBusyTimeout, database);
+    if (rc != SQLITE_OK) {
+        struct stat info;
+        if (::stat(path.c_str(), &info) != 0 && errno == ENOENT)
+            return OpenMissing(path, root);
+        return sqlite::Win32Result(rc, false);
+    }
+
+    // Two processes setting up a new file can meet in a lock that SQLite
+    // refuses to wait for (it could deadlock); such a step is simply retried.
+    int version = 0;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(mBusyTimeout);
+    while ((rc = Initialise(*database, version)) != SQLITE_OK && (rc & 0xFF) == SQLITE_BUSY &&
+           std::chrono::steady_clock::now() < deadline)
+        sqlite3_sleep(2);
+    if (rc == SQLITE_OK && version == 0) {
+        database.reset();
+        return OpenMissing(path, root);
+    }
+    if (rc != SQLITE_OK)
+        return sqlite::Win32Result(rc, !database->ReadOnly());
+    if (version != kSchemaVersion)
+        return ERROR_REGISTRY_CORRUPT;
+    root.database = std::move(database);
+    return ERROR_SUCCESS;
+}
+
+// An empty root that refuses writes, for a file that does not exist and
+// cannot be created.
+LONG Store::OpenMissing(const std::string& path, Root& root)
+{
+    std::unique_ptr<sqlite::Database> database;
+    int rc = sqlite::Database::OpenMemory(kSql, database);
+    if (rc == SQLITE_OK)
+        rc = database->Exec(kSchema);
+    if (rc == SQLITE_OK)
+        rc = database->Exec("PRAGMA query_only = 1");
+    if (rc != SQLITE_OK)
+        return sqlite::Win32Result(rc, false);
+    root.database = std::move(database);
+    root.missingFile = path;
+    return ERROR_SUCCESS;
+}
+
+// Lives to process end: sections in other statics may close keys at exit.
+Store& TheStore()
+{
+    static Store* store = new Store;
+    return *store;
+}
+
+LONG CheckExists(sqlite::Database& database, sqlite3_int64 node)
+{
+    if (node == kRootNode)
+        return ERROR_SUCCESS;
+    sqlite::Query query(database, KeyExists);
+    query.Bind(1, node);
+    const int rc = query.Step();
+    if (rc == SQLITE_ROW)
+        return ERROR_SUCCESS;
+    return rc == SQLITE_DONE ? ERROR_KEY_DELETED : sqlite::Win32Result(rc, false);
+}
+
+LONG Find(sqlite::Database& database, sqlite3_int64 start, const std::vector<std::string_view>& parts,
+          sqlite3_int64& node)
+{
+    node = start;
+    std::size_t matched = 0;
+    LONG error = parts.empty() ? ERROR_SUCCESS : Walk(database, node, parts, matched);
+    if (error != ERROR_SUCCESS)
+        return error;
+    if (matched == parts.size())
+        return matched == 0 ? CheckExists(database, start) : ERROR_SUCCESS;
+    if (matched == 0 && (error = CheckExists(database, start)) != ERROR_SUCCESS)
+        return error;
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG CreatePath(sqlite::Database& database, sqlite3_int64 start, const std::vector<std::string_view>& parts,
+                sqlite3_int64& node, bool& created)
+{
+    created = false;
+    LONG error = CheckExists(database, start);
+    if (error != ERROR_SUCCESS)
+        return error;
+    node = start;
+    std::size_t matched = 0;
+    if ((error = Walk(database, node, parts, matched)) != ERROR_SUCCESS)
+        return error;
+    for (; matched < parts.size(); ++matched) {
+        sqlite::Query query(database, InsertKey);
+        query.Bind(1, node);
+        query.Bind(2, parts[matched]);
+        const int rc = query.Step();
+        if (rc != SQLITE_DONE)
+            return sqlite::Win32Result(rc, true);
+        node = database.LastInsertId();
+        created = true;
+    }
+    return ERROR_SUCCESS;
+}
+
+LONG StoreValue(sqlite::Database& database, sqlite3_int64 node, std::string_view name, DWORD type, const BYTE* data,
+                DWORD size)
+{
+    sqlite::Query query(database, SetValue);
+    query.Bind(1, node);
+    query.Bind(2, name);
+    query.Bind(3, static_cast<sqlite3_int64>(type));
+    query.BindBlob(4, data, size);
+    return sqlite::Win32Result(query.Step(), true);
+}
+
+} // namespace korva::registry
+
+namespace korva {
+
+void RegistryStore::Reset()
+{
+    registry::Store& store = registry::TheStore();
+    std::lock_guard<std::mutex> lock(store.mMutex);
+    store.Reset();
+}
+
+std::string RegistryStore::GetPath(HKEY root)
+{
+    if (root == HKEY_CURRENT_USER)
+        return registry::HivePath(registry::HiveUser);
+    if (root == HKEY_LOCAL_MACHINE)
+        return registry::HivePath(registry::HiveMachine);
+    return {};
+}
+
+void RegistryStore::SetBusyTimeout(int milliseconds)
+{
+    registry::Store& store = registry::TheStore();
+    std::lock_guard<std::mutex> lock(store.mMutex);
+    store.SetBusyTimeout(milliseconds);
+}
+
+} // namespace korva

@@ -1,0 +1,85 @@
+#pragma once
+// Internal to platform/ (the registry store's SQLite layer; callers include
+// Registry.h). One open SQLite database with its prepared statements, and the
+// registry result code that an SQLite result code stands for.
+
+#include <KORVAutlwin/platform/Registry.h>
+
+#include <sqlite3.h>
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace korva::sqlite {
+
+/// The registry's result code for an SQLite result code; `writing` tells which
+/// of ERROR_CANTWRITE and ERROR_CANTREAD a busy or failing file gives.
+LONG Win32Result(int rc, bool writing);
+
+/// One open database. The statements that Query runs come from the owner's
+/// table of SQL texts, named by index; each is prepared on its first use and
+/// kept to the end.
+class Database
+{
+public:
+    using Statements = std::span<const char* const>;
+
+    /// The statements of Transaction and Snapshot.
+    enum Control { Begin, BeginRead, Commit, Rollback, ControlCount };
+
+    /// Opens the file at `path` for reading and writing, creating it; where the
+    /// file system refuses that, for reading only. Sets extended result codes,
+    /// the busy timeout, and keeps -wal and -shm when the last connection
+    /// closes, so that processes without write access to the folder can still
+    /// read a WAL database. SQLITE_OK with `result` set, or the last error.
+    static int OpenFile(const std::string& path, Statements statements, int busyTimeout,
+                        std::unique_ptr<Database>& result);
+    /// A new, empty database in memory. It reports itself read only: the owner
+    /// fills it and then makes it refuse writes.
+    static int OpenMemory(Statements statements, std::unique_ptr<Database>& result);
+
+    Database(sqlite3* db, bool readOnly, Statements statements);
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+    ~Database();
+
+    /// After a fork the parent's connection is unusable in the child: forget it
+    /// without closing, which could disturb the parent's locks.
+    void Abandon();
+
+    bool ReadOnly() const { return mReadOnly; }
+    void SetBusyTimeout(int milliseconds);
+    /// Runs SQL text that returns nothing (several statements may follow each other).
+    int Exec(const char* sql);
+    /// The first column of the first row of `sql` as a number.
+    int ReadInt(const char* sql, int& value);
+    /// Rows changed by the last statement; the id the last insert gave.
+    int Changes() const { return sqlite3_changes(mDb); }
+    sqlite3_int64 LastInsertId() const { return sqlite3_last_insert_rowid(mDb); }
+    /// True outside an explicit transaction.
+    bool Autocommit() const { return sqlite3_get_autocommit(mDb) != 0; }
+
+    /// The cached statement `which` of the owner's table; null with `rc` set
+    /// when it cannot be prepared.
+    sqlite3_stmt* Prepared(std::size_t which, int& rc)
+    {
+        sqlite3_stmt* statement = mStatements[ControlCount + which];
+        return statement ? statement : Prepare(ControlCount + which, mSql[which], rc);
+    }
+    /// Runs a transaction statement: SQLITE_OK or the error.
+    int Run(Control which);
+
+private:
+    sqlite3_stmt* Prepare(std::size_t slot, const char* sql, int& rc);
+
+    sqlite3* mDb;
+    bool mReadOnly;
+    Statements mSql;
+    // The transaction statements first, then the owner's.
+    std::vector<sqlite3_stmt*> mStatements;
+};
+
+} // namespace korva::sqlite
