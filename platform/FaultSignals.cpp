@@ -58,6 +58,23 @@ const char* const kRegisterNames[] = {"x0",  "x1",  "x2",  "x3",  "x4",  "x5",  
                                       "x27", "x28", "x29", "x30", "sp",  "pc",  "pstate"};
 #endif
 
+// The program counter or the stack pointer of a context.
+std::uintptr_t ContextValue(const void* context, bool programCounter)
+{
+    if (!context)
+        return 0;
+    const auto* uc = static_cast<const ucontext_t*>(context);
+#if defined(__x86_64__)
+    return static_cast<std::uintptr_t>(uc->uc_mcontext.gregs[programCounter ? REG_RIP : REG_RSP]);
+#elif defined(__aarch64__)
+    return static_cast<std::uintptr_t>(programCounter ? uc->uc_mcontext.pc : uc->uc_mcontext.sp);
+#else
+    (void)uc;
+    (void)programCounter;
+    return 0;
+#endif
+}
+
 } // namespace
 
 void InstallFaultHandler(int signal, FaultHandler handler)
@@ -152,32 +169,12 @@ long CurrentProcessId()
 
 std::uintptr_t ContextStackPointer(const void* context)
 {
-    if (!context)
-        return 0;
-    const auto* uc = static_cast<const ucontext_t*>(context);
-#if defined(__x86_64__)
-    return static_cast<std::uintptr_t>(uc->uc_mcontext.gregs[REG_RSP]);
-#elif defined(__aarch64__)
-    return static_cast<std::uintptr_t>(uc->uc_mcontext.sp);
-#else
-    (void)uc;
-    return 0;
-#endif
+    return ContextValue(context, false);
 }
 
 std::uintptr_t ContextProgramCounter(const void* context)
 {
-    if (!context)
-        return 0;
-    const auto* uc = static_cast<const ucontext_t*>(context);
-#if defined(__x86_64__)
-    return static_cast<std::uintptr_t>(uc->uc_mcontext.gregs[REG_RIP]);
-#elif defined(__aarch64__)
-    return static_cast<std::uintptr_t>(uc->uc_mcontext.pc);
-#else
-    (void)uc;
-    return 0;
-#endif
+    return ContextValue(context, true);
 }
 
 std::size_t ContextRegisters(const void* context, RegisterValue* registers, std::size_t capacity)
