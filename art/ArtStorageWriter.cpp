@@ -4,12 +4,6 @@
 
 #include "ArtGsf.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace korva {
 
 namespace {
@@ -27,18 +21,6 @@ std::size_t Utf16Units(const std::string& text)
             ++units;      // four-byte sequences need a surrogate pair
     }
     return units;
-}
-
-// The permission bits a new file gets: 0666 less the process's umask, read
-// without changing it (umask() would, for a moment, for every thread).
-mode_t NewFileMode()
-{
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind("Umask:", 0) == 0)
-            return static_cast<mode_t>(0666 & ~std::strtoul(line.c_str() + 6, nullptr, 8));
-    return 0644;
 }
 
 bool CopyEntries(GsfInfile* source, GsfOutfile* target, const std::set<std::string>* skip)
@@ -66,25 +48,14 @@ bool CopyEntries(GsfInfile* source, GsfOutfile* target, const std::set<std::stri
 
 } // namespace
 
-ArtStorageWriter::ArtStorageWriter(const std::string& path) : mPath(path)
+ArtStorageWriter::ArtStorageWriter(const std::string& path) : mFile(path)
 {
     InitArtGsf();
-    // Beside the target, so that the final rename stays within one file system.
-    std::string pattern = path + ".XXXXXX";
-    const int fd = mkstemp(pattern.data());
-    if (fd < 0)
+    std::FILE* file = mFile.File();
+    if (!file)
         return;
-    mTempPath = pattern;
-    struct stat old;
-    fchmod(fd, stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : NewFileMode());
-    mFile = fdopen(fd, "wb");
-    if (!mFile) {
-        close(fd);
-        Discard();
-        return;
-    }
     // The sink leaves the FILE open, so that Commit can bring it to the disk before the rename.
-    mSink = gsf_output_stdio_new_FILE(mTempPath.c_str(), mFile, TRUE);
+    mSink = gsf_output_stdio_new_FILE(mFile.Temporary().c_str(), file, TRUE);
     if (mSink)
         mRoot = gsf_outfile_msole_new(mSink);
     if (!mRoot)
@@ -156,14 +127,8 @@ bool ArtStorageWriter::Commit()
         ok = gsf_output_close(mSink) && ok;
     g_object_unref(mSink);
     mSink = nullptr;
-    ok = std::fflush(mFile) == 0 && ok;
-    ok = fsync(fileno(mFile)) == 0 && ok;
-    ok = std::fclose(mFile) == 0 && ok;
-    mFile = nullptr;
-    if (ok && std::rename(mTempPath.c_str(), mPath.c_str()) == 0) {
-        mTempPath.clear();
-        return true;
-    }
+    if (ok)
+        return mFile.Commit();
     Discard();
     return false;
 }
@@ -181,14 +146,7 @@ void ArtStorageWriter::Discard()
         g_object_unref(mSink);
         mSink = nullptr;
     }
-    if (mFile) {
-        std::fclose(mFile);
-        mFile = nullptr;
-    }
-    if (!mTempPath.empty()) {
-        unlink(mTempPath.c_str());
-        mTempPath.clear();
-    }
+    mFile.Abandon();
 }
 
 } // namespace korva

@@ -5,7 +5,8 @@
 // not written anew are copied in, and the fresh file is renamed over the
 // target. Until Commit succeeds the target stays exactly as it was.
 
-#include <cstdio>
+#include <KORVAutlwin/platform/AtomicFile.h>
+
 #include <memory>
 #include <set>
 #include <string>
@@ -52,9 +53,7 @@ public:
 private:
     void Discard();
 
-    std::string mPath;
-    std::string mTempPath;
-    std::FILE* mFile = nullptr;
+    AtomicFile mFile;
     GsfOutput* mSink = nullptr;
     GsfOutfile* mRoot = nullptr;
     std::set<std::string> mWritten;

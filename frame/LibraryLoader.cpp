@@ -1,10 +1,10 @@
 #include <KORVAutlwin/frame/LibraryLoader.h>
 
+#include <KORVAutlwin/platform/DynamicLibrary.h>
+
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsString.h>
-
-#include <dlfcn.h>
 
 #include <cerrno>
 #include <cstring>
@@ -26,14 +26,14 @@ void* Load(const char* path)
     if (name.find('/') == std::string::npos) {
         const std::string local = TsPathAppend(TsGetExecutableDirectory().c_str(), name.c_str());
         if (FileExist(local.c_str()) == 2)
-            if (void* handle = ::dlopen(local.c_str(), RTLD_NOW | RTLD_LOCAL))
+            if (void* handle = korva::OpenDynamicLibrary(local.c_str()))
                 return handle;
     }
-    ::dlerror();
-    if (void* handle = ::dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL))
+    std::string systemText;
+    if (void* handle = korva::OpenDynamicLibrary(name.c_str(), &systemText))
         return handle;
-    const char* error = ::dlerror();
-    const std::string systemText = error ? error : std::strerror(ENOENT);
+    if (systemText.empty())
+        systemText = std::strerror(ENOENT);
     if (FileExist(name.c_str()) == 0)
         throw Exception(TsString::Format("The file %s does not exist.", name.c_str()));
     throw Exception(TsString::Format(kLoadFailed, name.c_str(), systemText.c_str()));
@@ -73,7 +73,7 @@ bool LibraryLoader::Close()
 {
     if (!mHandle)
         return true;
-    if (::dlclose(mHandle) != 0)
+    if (!korva::CloseDynamicLibrary(mHandle))
         return false;
     mHandle = nullptr;
     return true;
@@ -83,7 +83,7 @@ void* LibraryLoader::GetFunction(const char* name) const
 {
     if (!mHandle)
         throw Exception(TsString::Format(kNothingLoaded, name ? name : "", std::strerror(EBADF)));
-    return ::dlsym(mHandle, name ? name : "");
+    return korva::FindDynamicSymbol(mHandle, name ? name : "");
 }
 
 void* LibraryLoader::Detach()

@@ -1,6 +1,7 @@
 #include <KORVAutlwin/frame/MiniDumper.h>
 
 #include <KORVAutlwin/frame/FaultTranslation.h>
+#include <KORVAutlwin/platform/FaultSignals.h>
 
 #include <KORVAutl/Exception.h>
 
@@ -11,13 +12,6 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
-
-#include <execinfo.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/syscall.h>
-#include <ucontext.h>
-#include <unistd.h>
 
 namespace {
 
@@ -39,12 +33,7 @@ char gMaps[1024 * 1024];
 std::size_t gMapsSize = 0;
 bool gMapsTruncated = false;
 
-long ThreadId()
-{
-    return static_cast<long>(syscall(SYS_gettid));
-}
-
-// Buffered output to a file descriptor with nothing but write(2).
+// Buffered output to a file descriptor, with no allocation.
 class DumpWriter
 {
 public:
@@ -106,17 +95,8 @@ public:
 
     void Flush()
     {
-        std::size_t done = 0;
-        while (done < mUsed && mError == 0) {
-            const ssize_t written = write(mFd, mBuffer + done, mUsed - done);
-            if (written < 0) {
-                if (errno == EINTR)
-                    continue;
-                mError = errno;
-            } else {
-                done += static_cast<std::size_t>(written);
-            }
-        }
+        if (mError == 0)
+            mError = korva::WriteToFile(mFd, mBuffer, mUsed);
         mUsed = 0;
     }
     int Error() const { return mError; }
@@ -127,29 +107,6 @@ private:
     std::size_t mUsed = 0;
     char mBuffer[4096];
 };
-
-void ReadMaps()
-{
-    gMapsSize = 0;
-    gMapsTruncated = false;
-    const int fd = open("/proc/self/maps", O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return;
-    for (;;) {
-        if (gMapsSize == sizeof(gMaps)) {
-            char probe;
-            gMapsTruncated = read(fd, &probe, 1) > 0;
-            break;
-        }
-        const ssize_t got = read(fd, gMaps + gMapsSize, sizeof(gMaps) - gMapsSize);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            break;
-        gMapsSize += static_cast<std::size_t>(got);
-    }
-    close(fd);
-}
 
 // Reads a hexadecimal number at `*cursor` and moves past it.
 std::uintptr_t ParseHex(const char*& cursor, const char* end)
@@ -236,69 +193,32 @@ void WriteRegisters(DumpWriter& out, const void* context)
         out.Text("  (none)\n");
         return;
     }
-    const auto* uc = static_cast<const ucontext_t*>(context);
-#if defined(__x86_64__)
-    static const char* const names[NGREG] = {"r8",  "r9",  "r10", "r11", "r12",    "r13",    "r14",    "r15",
-                                             "rdi", "rsi", "rbp", "rbx", "rdx",    "rax",    "rcx",    "rsp",
-                                             "rip", "efl", "csgsfs", "err", "trapno", "oldmask", "cr2"};
-    for (int i = 0; i < NGREG; ++i) {
+    korva::RegisterValue registers[64];
+    const std::size_t count = korva::ContextRegisters(context, registers, 64);
+    for (std::size_t i = 0; i < count; ++i) {
         out.Text("  ");
-        out.Text(names[i]);
+        out.Text(registers[i].name);
         out.Char(' ');
-        out.Hex(static_cast<std::uintptr_t>(uc->uc_mcontext.gregs[i]));
+        out.Hex(registers[i].value);
         out.Char('\n');
     }
-#elif defined(__aarch64__)
-    for (int i = 0; i < 31; ++i) {
-        out.Text("  x");
-        out.Decimal(i);
-        out.Char(' ');
-        out.Hex(uc->uc_mcontext.regs[i]);
-        out.Char('\n');
-    }
-    out.Text("  sp ");
-    out.Hex(uc->uc_mcontext.sp);
-    out.Text("\n  pc ");
-    out.Hex(uc->uc_mcontext.pc);
-    out.Text("\n  pstate ");
-    out.Hex(uc->uc_mcontext.pstate);
-    out.Char('\n');
-#else
-    (void)uc;
-    out.Text("  (not recorded on this processor)\n");
-#endif
-}
-
-std::uintptr_t ProgramCounter(const void* context)
-{
-    if (!context)
-        return 0;
-    const auto* uc = static_cast<const ucontext_t*>(context);
-#if defined(__x86_64__)
-    return static_cast<std::uintptr_t>(uc->uc_mcontext.gregs[REG_RIP]);
-#elif defined(__aarch64__)
-    return static_cast<std::uintptr_t>(uc->uc_mcontext.pc);
-#else
-    (void)uc;
-    return 0;
-#endif
+    if (count == 0)
+        out.Text("  (not recorded on this processor)\n");
 }
 
 // Writes the whole dump; the first error of a write, 0 when all went out.
 int WriteDump(int fd, int signal, const siginfo_t* info, const void* context, unsigned int code,
               const char* exceptionText)
 {
-    ReadMaps();
+    gMapsSize = korva::ReadMemoryMap(gMaps, sizeof gMaps, gMapsTruncated);
     DumpWriter out(fd);
     out.Text("Crash dump\nprocess: ");
-    out.Decimal(getpid());
+    out.Decimal(korva::CurrentProcessId());
     out.Text("\nthread: ");
-    out.Decimal(ThreadId());
+    out.Decimal(korva::CurrentThreadId());
     char exe[4096];
-    const ssize_t exeLength = readlink("/proc/self/exe", exe, sizeof(exe) - 1);
     out.Text("\nexecutable: ");
-    if (exeLength > 0)
-        out.Bytes(exe, static_cast<std::size_t>(exeLength));
+    out.Bytes(exe, korva::ReadExecutablePath(exe, sizeof exe));
     out.Char('\n');
     if (exceptionText) {
         out.Line("exception: ", exceptionText);
@@ -315,7 +235,7 @@ int WriteDump(int fd, int signal, const siginfo_t* info, const void* context, un
         out.Hex(info ? reinterpret_cast<std::uintptr_t>(info->si_addr) : 0);
         out.Char('\n');
     }
-    if (const std::uintptr_t pc = ProgramCounter(context)) {
+    if (const std::uintptr_t pc = korva::ContextProgramCounter(context)) {
         out.Text("program counter: ");
         out.Hex(pc);
         out.Char(' ');
@@ -326,7 +246,7 @@ int WriteDump(int fd, int signal, const siginfo_t* info, const void* context, un
 
     out.Text("backtrace:\n");
     void* frames[128];
-    const int count = backtrace(frames, 128);
+    const int count = korva::Backtrace(frames, 128);
     for (int i = 0; i < count; ++i) {
         out.Text("  #");
         out.Decimal(i);
@@ -370,17 +290,15 @@ void Dump(int signal, const siginfo_t* info, const void* context, unsigned int c
             }
         }
     };
-    int fd;
-    do
-        fd = open(path.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0666);
-    while (fd < 0 && errno == EINTR);
+    const int fd = korva::CreateDumpFile(path.c_str());
     if (fd < 0) {
         failed(errno);
         return;
     }
     int error = WriteDump(fd, signal, info, context, code, exceptionText);
-    if (close(fd) != 0 && error == 0 && errno != EINTR)
-        error = errno;
+    const int closed = korva::CloseFile(fd);
+    if (error == 0)
+        error = closed;
     if (error != 0) {
         failed(error);
         return;
@@ -393,33 +311,18 @@ void Dump(int signal, const siginfo_t* info, const void* context, unsigned int c
     }
 }
 
-[[noreturn]] void DieBySignal(int signal)
-{
-    struct sigaction action{};
-    action.sa_handler = SIG_DFL;
-    sigemptyset(&action.sa_mask);
-    sigaction(signal, &action, nullptr);
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, signal);
-    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-    raise(signal);
-    _exit(128 + signal);
-}
-
 // True for the thread that may write the dump. Another thread that crashes in
 // the meantime waits for the end of the process; the same thread crashing again
 // (a fault inside the dump) ends the process at once.
 bool EnterCrash(int signal)
 {
-    const long self = ThreadId();
+    const long self = korva::CurrentThreadId();
     long expected = 0;
     if (gCrashingThread.compare_exchange_strong(expected, self))
         return true;
     if (expected == self)
-        DieBySignal(signal);
-    for (;;)
-        pause();
+        korva::EndBySignal(signal);
+    korva::WaitForEnd();
 }
 
 void OnTerminate()
@@ -438,9 +341,7 @@ void OnTerminate()
         text = "terminate called without an active exception";
     }
     if (EnterCrash(SIGABRT)) {
-        ucontext_t context;
-        const bool haveContext = getcontext(&context) == 0;
-        Dump(SIGABRT, nullptr, haveContext ? &context : nullptr, 0, text.c_str());
+        Dump(SIGABRT, nullptr, korva::CaptureContext(), 0, text.c_str());
     }
     // The previous handler reports the exception on stderr and aborts.
     if (gPreviousTerminate)
@@ -456,9 +357,8 @@ void MiniDumper::Initialize(DumpPathFunction dumpPath, DumpedFunction onDumped, 
     std::lock_guard<std::mutex> lock(mutex);
     if (gCallbacks.load())
         return;
-    // The first backtrace loads the unwinder library; do that now, not in the handler.
-    void* frames[2];
-    backtrace(frames, 2);
+    // Not in the handler: the first backtrace loads the unwinder library.
+    korva::PrepareBacktrace();
     korva::PrepareFaultHandling();
     gCallbacks.store(new Callbacks{std::move(dumpPath), std::move(onDumped), std::move(onFailed)});
     gPreviousTerminate = std::set_terminate(OnTerminate);
@@ -478,7 +378,7 @@ void HandleCrash(int signal, const siginfo_t* info, const void* context, unsigne
         errno = savedErrno;
         Dump(signal, info, context, code, nullptr);
     }
-    DieBySignal(signal);
+    EndBySignal(signal);
 }
 
 } // namespace korva

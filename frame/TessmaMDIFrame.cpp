@@ -5,6 +5,7 @@
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsStartWindow.h>
 #include <KORVAutlwin/frame/TsStatusBar.h>
+#include <KORVAutlwin/platform/FreeMemory.h>
 
 #include <KORVAutl/LanguageString.h>
 #include <KORVAutl/Log.h>
@@ -27,9 +28,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 TessmaMDIFrame* TessmaMDIFrame::msFrameInstance = nullptr;
 char TessmaMDIFrame::msLowMemoryText[1024] = {};
@@ -254,39 +253,11 @@ void TessmaMDIFrame::NewHandler()
 
 double TessmaMDIFrame::ReadFreeMemory()
 {
-    std::ifstream meminfo("/proc/meminfo");
-    if (!meminfo)
+    korva::FreeMemory memory;
+    if (!korva::ReadFreeMemory(memory))
         return std::numeric_limits<double>::quiet_NaN();
-    double memTotal = -1, memAvailable = -1, memFree = 0, buffers = 0, cached = 0, swapTotal = 0, swapFree = 0;
-    std::string line;
-    while (std::getline(meminfo, line)) {
-        std::istringstream fields(line);
-        std::string key;
-        double kilobytes = 0;
-        if (!(fields >> key >> kilobytes))
-            continue;
-        if (key == "MemTotal:")
-            memTotal = kilobytes;
-        else if (key == "MemAvailable:")
-            memAvailable = kilobytes;
-        else if (key == "MemFree:")
-            memFree = kilobytes;
-        else if (key == "Buffers:")
-            buffers = kilobytes;
-        else if (key == "Cached:")
-            cached = kilobytes;
-        else if (key == "SwapTotal:")
-            swapTotal = kilobytes;
-        else if (key == "SwapFree:")
-            swapFree = kilobytes;
-    }
-    // Kernels before 3.14 do not estimate the available memory.
-    if (memAvailable < 0)
-        memAvailable = memFree + buffers + cached;
-    const double total = memTotal + swapTotal;
-    if (memTotal <= 0 || total <= 0)
-        return std::numeric_limits<double>::quiet_NaN();
-    return (memAvailable + swapFree) / total;
+    return static_cast<double>(memory.available + memory.swapFree) /
+           static_cast<double>(memory.total + memory.swapTotal);
 }
 
 bool TessmaMDIFrame::GetWarnAboutMemory()

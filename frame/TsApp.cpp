@@ -3,6 +3,7 @@
 #include <KORVAutlwin/art/ProgressArt.h>
 #include <KORVAutlwin/frame/AboutDialog.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
+#include <KORVAutlwin/platform/UserIdentity.h>
 
 #include <KORVAutl/LanguageString.h>
 #include <KORVAutl/TsFileUtl.h>
@@ -26,15 +27,6 @@ std::string EnvironmentFolder(const char* variable, const char* fallback)
     if (value && *value)
         return value;
     return fallback ? fallback : "";
-}
-
-std::string UserConfigFolder()
-{
-    const char* configHome = std::getenv("XDG_CONFIG_HOME");
-    if (configHome && *configHome)
-        return configHome;
-    const char* home = std::getenv("HOME");
-    return home && *home ? TsPathAppend(home, ".config") : std::string();
 }
 
 // The profile name holds "\\" between name and version; on disk it is a folder level.
@@ -135,7 +127,7 @@ ConfigurationSection* TsApp::GetAppSettings(const char* name, unsigned int resou
 
 std::string TsApp::GetAppDataDirectory() const
 {
-    return ComposeFolder(UserConfigFolder(), GetRegistryKey(), ProfileAsPath(GetProfileName()));
+    return ComposeFolder(korva::UserConfigFolder(), GetRegistryKey(), ProfileAsPath(GetProfileName()));
 }
 
 std::string TsApp::GetCommonAppDataDirectory() const

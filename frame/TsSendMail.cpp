@@ -1,21 +1,16 @@
 #include <KORVAutlwin/frame/TsSendMail.h>
 
+#include <KORVAutlwin/platform/ChildProcess.h>
+
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/LanguageString.h>
 #include <KORVAutl/Log.h>
 #include <KORVAutl/TsSystemInfo.h>
 #include <KORVAutl/UserComm.h>
 
-#include <cerrno>
 #include <cstdlib>
 
-#include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace {
 
@@ -133,39 +128,12 @@ bool TsSendMail::Send(bool)
 
     std::vector<std::string> arguments = GetArguments();
     arguments.insert(arguments.begin(), program);
-    std::vector<char*> argv;
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-
-    // The mail program starts with a clean signal state, whatever this process blocked or ignored.
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none;
-    sigemptyset(&none);
-    sigset_t defaults;
-    sigemptyset(&defaults);
-    sigaddset(&defaults, SIGPIPE);
-    sigaddset(&defaults, SIGCHLD);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &defaults);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    pid_t child = 0;
-    const int started = posix_spawn(&child, program.c_str(), nullptr, &attributes, argv.data(), environ);
-    posix_spawnattr_destroy(&attributes);
-    if (started != 0) {
+    korva::ChildProcess child;
+    if (child.Spawn(program, arguments) != 0) {
         Show(LanguageString::Get(kStartFailed));
         return false;
     }
-
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) {
-            Show(LanguageString::Get(kSendFailed));
-            return false;
-        }
-    }
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    if (child.Wait() != 0) {
         Show(LanguageString::Get(kSendFailed));
         return false;
     }

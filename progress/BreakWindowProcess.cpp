@@ -1,5 +1,6 @@
 #include <KORVAutlwin/progress/BreakWindowProcess.h>
 
+#include <KORVAutlwin/platform/ChildProcess.h>
 #include <KORVAutlwin/progress/BreakStartInfo.h>
 
 #include <KORVAutl/Log.h>
@@ -17,15 +18,9 @@
 #include <string>
 #include <thread>
 
-#include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace korva {
 
@@ -69,14 +64,6 @@ bool SendRecord(int fd, const BreakWire::Buffer& buffer, std::size_t size)
     }
 }
 
-// Kills and reaps a child that never became a companion.
-void Discard(pid_t pid)
-{
-    kill(pid, SIGKILL);
-    while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
-}
-
 } // namespace
 
 // One companion and its connection. The main thread writes records and waits
@@ -85,8 +72,8 @@ void Discard(pid_t pid)
 class BreakConnection
 {
 public:
-    BreakConnection(int socket, pid_t child, std::function<void(Progress&)> stopConfirmed)
-        : fd(socket), pid(child), confirmStop(std::move(stopConfirmed))
+    BreakConnection(int socket, ChildProcess child, std::function<void(Progress&)> stopConfirmed)
+        : fd(socket), pid(child.Pid()), confirmStop(std::move(stopConfirmed)), companion(std::move(child))
     {
         reader = std::thread([this] { Read(); });
     }
@@ -156,9 +143,8 @@ public:
             std::lock_guard<std::mutex> lock(mutex);
             client = nullptr;
             session = 0;
-            // A reaped pid may belong to another process already.
-            if (killIt && !reaped)
-                kill(pid, SIGKILL);
+            if (killIt)
+                companion.Kill();
         }
         changed.notify_all();
         shutdown(fd, SHUT_RDWR);
@@ -212,16 +198,11 @@ private:
         const auto deadline = std::chrono::steady_clock::now() + kReapGrace;
         for (;;) {
             std::unique_lock<std::mutex> lock(mutex);
-            const pid_t result = waitpid(pid, nullptr, WNOHANG);
-            if (result == pid || (result < 0 && errno != EINTR)) {
-                reaped = true;
+            if (companion.HasEnded())
                 return;
-            }
             if (std::chrono::steady_clock::now() >= deadline) {
-                kill(pid, SIGKILL);
-                while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-                }
-                reaped = true;
+                companion.Kill();
+                companion.Wait();
                 return;
             }
             lock.unlock();
@@ -239,7 +220,7 @@ private:
     std::uint32_t acknowledged = 0;  // the last sequence acknowledged
     Progress* client = nullptr;
     std::uint32_t session = 0;       // the sequence of the client's start
-    bool reaped = false;
+    ChildProcess companion;
 };
 
 } // namespace korva
@@ -279,40 +260,9 @@ bool BreakWindowProcess::Create()
         return false;
     }
     const int ours = ends[0];
-    int theirs = ends[1];
-    if (theirs == korva::kCompanionFd) {
-        // dup2 onto itself would leave close-on-exec set.
-        const int moved = fcntl(theirs, F_DUPFD_CLOEXEC, korva::kCompanionFd + 1);
-        const int error = errno;
-        close(theirs);
-        if (moved < 0) {
-            korva::LogFailure("Create", korva::SystemError("fcntl", error));
-            close(ours);
-            return false;
-        }
-        theirs = moved;
-    }
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, theirs, korva::kCompanionFd);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none, defaults;
-    sigemptyset(&none);
-    sigemptyset(&defaults);
-    sigaddset(&defaults, SIGPIPE);
-    sigaddset(&defaults, SIGCHLD);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &defaults);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-
-    std::string argument0 = program;
-    char* argv[] = {argument0.data(), nullptr};
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, program.c_str(), &actions, &attributes, argv, environ);
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
+    const int theirs = ends[1];
+    korva::ChildProcess child;
+    const int spawned = child.Spawn(program, {program}, {{theirs, korva::kCompanionFd}});
     close(theirs);
     if (spawned != 0) {
         korva::LogFailure("Create", korva::SystemError("posix_spawn", spawned));
@@ -350,11 +300,13 @@ bool BreakWindowProcess::Create()
     if (!ready) {
         korva::LogFailure("Create", failure + " (" + program + ")");
         close(ours);
-        korva::Discard(pid);
+        child.Kill();
+        child.Wait();
         return false;
     }
 
-    mConnection = std::make_unique<BreakConnection>(ours, pid, [](Progress& client) {
+    const pid_t pid = child.Pid();
+    mConnection = std::make_unique<BreakConnection>(ours, std::move(child), [](Progress& client) {
         BreakWindowChannel::SetBreakPressed(client);
     });
     Log::WriteMessage(korva::kClassName, "Create", ("The break window runs as process " + std::to_string(pid) + ".").c_str(),

@@ -5,6 +5,7 @@
 #include <KORVAutlwin/frame/TsStatusAccess.h>
 #include <KORVAutlwin/frame/TsXTPStatusBar.h>
 #include <KORVAutlwin/frame/WinApp.h>
+#include <KORVAutlwin/platform/MonotonicClock.h>
 #include <KORVAutlwin/progress/BreakWindowChannel.h>
 #include <KORVAutlwin/progress/SpinWindow.h>
 #include <KORVAutlwin/progress/TsGauge.h>
@@ -20,7 +21,6 @@
 #include <QWindow>
 
 #include <climits>
-#include <ctime>
 #include <optional>
 #include <utility>
 
@@ -126,25 +126,8 @@ namespace {
 constexpr const char* kDefaultStopQuestion = "Do you really want to stop?";
 constexpr const char* kDefaultStopButton = "Stop";
 
-// The coarse clock costs a few nanoseconds instead of a few dozen; it serves
-// when its ticks are no longer than the pump interval.
-clockid_t ChoosePumpClock()
-{
-    timespec resolution{};
-    if (clock_getres(CLOCK_MONOTONIC_COARSE, &resolution) == 0 && resolution.tv_sec == 0 &&
-        resolution.tv_nsec <= Progress::kPumpInterval * 1000000L)
-        return CLOCK_MONOTONIC_COARSE;
-    return CLOCK_MONOTONIC;
-}
-
-const clockid_t gPumpClock = ChoosePumpClock();
-
-long long PumpClockMilliseconds()
-{
-    timespec now{};
-    clock_gettime(gPumpClock, &now);
-    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
-}
+// Read on every report: the coarse clock serves when it ticks often enough.
+const korva::MonotonicClock gPumpClock(Progress::kPumpInterval);
 
 std::string DefaultStopTitle()
 {
@@ -527,7 +510,7 @@ BreakWindowChannel* Progress::GetBreakWindow()
 
 void Progress::MessageLoop()
 {
-    const long long now = PumpClockMilliseconds();
+    const long long now = gPumpClock.Milliseconds();
     if (now - msLastPump.load(std::memory_order_relaxed) < kPumpInterval)
         return;
     QCoreApplication* application = QCoreApplication::instance();

@@ -1,5 +1,7 @@
 #include <KORVAutl/Log.h>
 
+#include <KORVAutlwin/platform/UserIdentity.h>
+
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsSystemInfo.h>
 
@@ -11,7 +13,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 
@@ -24,14 +25,9 @@ std::atomic<int> gMinimum{0};
 
 std::string DefaultPath()
 {
-    const char* configHome = std::getenv("XDG_CONFIG_HOME");
-    std::string base;
-    if (configHome && *configHome) {
-        base = configHome;
-    } else {
-        const char* home = std::getenv("HOME");
-        base = TsPathAppend(home ? home : "/tmp", ".config");
-    }
+    std::string base = korva::UserConfigFolder();
+    if (base.empty())
+        base = "/tmp/.config";
     const std::string name = TsSystemInfo::GetApplicationName();
     std::string folder = TsPathAppend(TsPathAppend(base.c_str(), "Tessmark").c_str(), name.c_str());
     folder = TsPathAppend(folder.c_str(), TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort).c_str());

@@ -14,8 +14,9 @@ class SafeFileWriter
 public:
     /// Writes `size` bytes of `data` as the new content of `path`.
     ///
-    /// - The temporary file is "<folder>/.<name>.<random>.tmp"; it is removed
-    ///   again whenever a step fails, and the old file is then left untouched.
+    /// - The temporary file is "<folder>/.<name>.tmp-<pid>-<random>"; it is
+    ///   removed again whenever a step fails, and the old file is then left
+    ///   untouched. One left by a writer that was killed goes at the next write.
     /// - An existing file keeps its permission bits (and its owner, where the
     ///   process may set it); a new file gets 0666 less the umask.
     /// - A symbolic link at `path` is followed: the file it points to is

@@ -1,5 +1,7 @@
 #include <KORVAutl/TsFileUtl.h>
 
+#include <KORVAutlwin/platform/AtomicFile.h>
+
 #include <KORVAutl/FNClass.h>
 #include <KORVAutl/TsSystemInfo.h>
 
@@ -83,45 +85,19 @@ bool TsCopyFile(const char* source, const char* target, bool failIfExists)
         close(in);
         return false;
     }
-    std::string temporary = std::string(target) + ".XXXXXX";
-    const int out = mkstemp(temporary.data());
-    if (out < 0) {
-        close(in);
-        return false;
-    }
-    bool good = true;
+    korva::AtomicFile copy(target);
+    bool good = copy.SetMode(info.st_mode & 07777);
     char buffer[65536];
-    for (;;) {
+    while (good) {
         const ssize_t got = read(in, buffer, sizeof buffer);
         if (got == 0)
             break;
-        if (got < 0) {
-            if (errno == EINTR)
-                continue;
-            good = false;
-            break;
-        }
-        for (ssize_t done = 0; done < got;) {
-            const ssize_t put = write(out, buffer + done, static_cast<std::size_t>(got - done));
-            if (put < 0 && errno == EINTR)
-                continue;
-            if (put <= 0) {
-                good = false;
-                break;
-            }
-            done += put;
-        }
-        if (!good)
-            break;
+        if (got < 0 && errno == EINTR)
+            continue;
+        good = got > 0 && copy.Write(buffer, static_cast<std::size_t>(got));
     }
-    good = good && fchmod(out, info.st_mode & 07777) == 0 && fsync(out) == 0;
-    good = close(out) == 0 && good;
     close(in);
-    // link() refuses an existing target, which keeps failIfExists honest against a racing writer.
-    if (good)
-        good = failIfExists ? link(temporary.c_str(), target) == 0 : rename(temporary.c_str(), target) == 0;
-    unlink(temporary.c_str());
-    return good;
+    return good && copy.Commit(failIfExists);
 }
 
 std::string TsGetExecutableDirectory()

@@ -2,6 +2,8 @@
 
 #include <KORVAutl/TsFileUtl.h>
 
+#include <KORVAutlwin/platform/FaultSignals.h>
+
 #include <elf.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -60,9 +62,8 @@ bool ReadVersionRecord(const char* path, korva::VersionRecord& record)
 
 std::string TsSystemInfo::GetExecutablePath()
 {
-    std::vector<char> buffer(4096);
-    const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size() - 1);
-    return length > 0 ? std::string(buffer.data(), static_cast<std::size_t>(length)) : std::string();
+    char buffer[4096];
+    return std::string(buffer, korva::ReadExecutablePath(buffer, sizeof buffer));
 }
 
 std::string TsSystemInfo::GetApplicationName()

@@ -1,0 +1,28 @@
+#include <KORVAutlwin/platform/DynamicLibrary.h>
+
+#include <dlfcn.h>
+
+namespace korva {
+
+void* OpenDynamicLibrary(const char* path, std::string* error)
+{
+    ::dlerror();
+    void* handle = ::dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    if (!handle && error) {
+        const char* text = ::dlerror();
+        *error = text ? text : "";
+    }
+    return handle;
+}
+
+bool CloseDynamicLibrary(void* handle)
+{
+    return ::dlclose(handle) == 0;
+}
+
+void* FindDynamicSymbol(void* handle, const char* name)
+{
+    return ::dlsym(handle, name);
+}
+
+} // namespace korva
