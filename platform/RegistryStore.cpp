@@ -3,6 +3,8 @@
 
 #include <KORVAutlwin/platform/RegistryStore.h>
 
+#include <KORVAutlwin/platform/UserIdentity.h>
+
 #include <KORVAutlwin/platform/SqliteQuery.h>
 
 #include <cerrno>
@@ -11,7 +13,6 @@
 #include <utility>
 
 #include <pthread.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -69,18 +70,9 @@ std::string HivePath(Hive hive)
         return std::string(dir) + (hive == HiveUser ? "/HKCU.sqlite" : "/HKLM.sqlite");
     if (hive == HiveMachine)
         return "/var/lib/Tessmark/registry.sqlite";
-    std::string base;
-    const char* config = std::getenv("XDG_CONFIG_HOME");
-    if (config && *config == '/') {
-        base = config;
-    } else {
-        const char* home = std::getenv("HOME");
-        if (!home || !*home) {
-            const passwd* user = ::getpwuid(::getuid());
-            home = user ? user->pw_dir : "/tmp";
-        }
-        base = std::string(home) + "/.config";
-    }
+    std::string base = UserConfigFolder();
+    if (base.empty())
+        base = "/tmp/.config";
     return base + "/Tessmark/registry.sqlite";
 }
 
