@@ -37,6 +37,11 @@ const char* const kDescriptionStream = "ArtInfo";
 // which would size a string by whatever number stands there.
 constexpr std::size_t kSignatureLength = 22;
 
+// The header that the archive library of release 1.42 writes (library version
+// 7). Newer releases write their own version there, which older readers refuse
+// although the text behind it is the same; so the header is ours.
+constexpr const char* kArchiveHeader = "22 serialization::archive 7 ";
+
 // Through the user channel: a box in an application, the error stream in a tool without one.
 void TellUser(const std::string& text)
 {
@@ -109,8 +114,9 @@ bool ArtInfo::SaveToIStream(GsfOutput* stream) const
         IStreamDevice device(stream);
         boost::iostreams::stream<IStreamDevice> out(device);
         out.exceptions(std::ios_base::badbit);
+        out << kArchiveHeader;
         {
-            boost::archive::text_oarchive archive(out);
+            boost::archive::text_oarchive archive(out, boost::archive::no_header);
             archive << *this;
         }
         out.flush();
