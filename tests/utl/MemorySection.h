@@ -1,6 +1,7 @@
 #pragma once
 // A ConfigurationSection over a map, with no own typed operations, so that the
-// base class's text bodies are exercised exactly as a text-only back-end uses them.
+// base class's text bodies are exercised exactly as a text-only back-end uses
+// them; and a reader of keys for the tests of every back-end.
 
 #include <KORVAutl/ConfigurationSection.h>
 
@@ -52,3 +53,10 @@ public:
     }
     std::vector<std::string> GetSectionNames() const override { return {}; }
 };
+
+/// The text of `key` in any section, or "<missing>".
+inline std::string Key(const ConfigurationSection& section, const char* key)
+{
+    std::string value;
+    return section.ReadKey(key, value) ? value : "<missing>";
+}

@@ -1,11 +1,15 @@
 #pragma once
 // Files for tests, and a fresh folder below the system's temporary folder, removed with its content at scope end.
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
+
+#include <sys/resource.h>
 
 /// The whole content of a file; empty when it cannot be read.
 inline std::string ReadFile(const std::string& path)
@@ -20,6 +24,21 @@ inline std::string ReadFile(const std::string& path)
 inline void WriteFile(const std::string& path, const std::string& content)
 {
     std::ofstream(path, std::ios::binary) << content;
+}
+
+/// The result of `write` run on a disk that is full after `bytes` bytes of any one file.
+inline bool OnAFullDisk(rlim_t bytes, const std::function<bool()>& write)
+{
+    rlimit saved{};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    rlimit limited = saved;
+    limited.rlim_cur = bytes;
+    const auto previous = std::signal(SIGXFSZ, SIG_IGN);   // a failed write, not the end of the process
+    setrlimit(RLIMIT_FSIZE, &limited);
+    const bool result = write();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previous);
+    return result;
 }
 
 class TempDir
