@@ -22,7 +22,7 @@ TEST(ConfigurationSectionTest, NumbersAndBooleansAreShortExactTexts)
     section.WriteBool("on", true);
     section.WriteBool("off", false);
     section.WriteInt("n", -42);
-    EXPECT_EQ(section.keys, (std::map<std::string, std::string>{{"d", "0.1"}, {"n", "-42"}, {"off", "0"}, {"on", "1"}}));
+    EXPECT_EQ(section.keys, (decltype(section.keys){{"d", "0.1"}, {"n", "-42"}, {"off", "0"}, {"on", "1"}}));
     int n = 0;
     bool on = false, off = true, word = false;
     section.WriteKey("word", "TRUE");
