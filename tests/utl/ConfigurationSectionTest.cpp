@@ -4,31 +4,26 @@
 
 #include <gtest/gtest.h>
 
-
 TEST(ConfigurationSectionTest, NumbersAndBooleansAreShortExactTexts)
 {
+    // Numbers in the shortest text that reads back exactly, with a dot (the conversions: TsStringTest);
+    // a float as the double it is. Booleans as 1 and 0, read also as words.
     MemorySection section;
-    // Floating numbers read back exactly (the conversions themselves: TsStringTest).
-    double d = 42;
-    float f = 42;
-    section.WriteFloat("d", 1.0 / 3.0);
-    section.WriteFloat("f", 0.1f);
-    ASSERT_TRUE(section.ReadDouble("d", d) && section.ReadFloat("f", f));
-    EXPECT_TRUE(d == 1.0 / 3.0 && f == 0.1f) << section.keys["d"] << " " << section.keys["f"];
-
-    // The texts: the shortest with a dot, booleans as 1 and 0.
-    section.keys.clear();
     section.WriteFloat("d", 0.1);
+    section.WriteFloat("f", 0.1f);
     section.WriteBool("on", true);
     section.WriteBool("off", false);
     section.WriteInt("n", -42);
-    EXPECT_EQ(section.keys, (decltype(section.keys){{"d", "0.1"}, {"n", "-42"}, {"off", "0"}, {"on", "1"}}));
+    EXPECT_EQ(section.keys, (decltype(section.keys){
+                                {"d", "0.1"}, {"f", "0.10000000149011612"}, {"n", "-42"}, {"off", "0"}, {"on", "1"}}));
+    section.WriteKey("word", "TRUE");
+    double d = 42;
+    float f = 42;
     int n = 0;
     bool on = false, off = true, word = false;
-    section.WriteKey("word", "TRUE");
-    EXPECT_TRUE(section.ReadInt("n", n) && section.ReadBool("on", on) && section.ReadBool("off", off) &&
-                section.ReadBool("word", word));
-    EXPECT_TRUE(n == -42 && on && !off && word);
+    ASSERT_TRUE(section.ReadDouble("d", d) && section.ReadFloat("f", f) && section.ReadInt("n", n) &&
+                section.ReadBool("on", on) && section.ReadBool("off", off) && section.ReadBool("word", word));
+    EXPECT_TRUE(d == 0.1 && f == 0.1f && n == -42 && on && !off && word);
 }
 
 TEST(ConfigurationSectionTest, FailedReadsLeaveTheValueAlone)
@@ -65,14 +60,14 @@ TEST(ConfigurationSectionTest, VectorsRoundTrip)
 
     // The counted forms stop at the caller's count.
     float two[2] = {};
-    EXPECT_EQ(section.ReadFloatVector("floats", two, 2), 2);
-    EXPECT_EQ(two[1], -2.0f);
     const double doubles[] = {1.5, 1.0 / 7.0, -3e-200};
     section.WriteDoubleVector("doubles", doubles, 3);
     double readDoubles[5] = {};
-    EXPECT_EQ(section.ReadDoubleVector("doubles", readDoubles, 5), 3);
-    EXPECT_EQ(readDoubles[1], 1.0 / 7.0);
-    EXPECT_EQ(section.ReadDoubleVector("missing", readDoubles, 5), 0);
+    EXPECT_EQ((std::vector<int>{section.ReadFloatVector("floats", two, 2),
+                                section.ReadDoubleVector("doubles", readDoubles, 5),
+                                section.ReadDoubleVector("missing", readDoubles, 5)}),
+              (std::vector<int>{2, 3, 0}));
+    EXPECT_TRUE(two[1] == -2.0f && readDoubles[1] == 1.0 / 7.0 && readDoubles[2] == -3e-200);
 
     // An empty vector is an empty text and reads back empty.
     section.WriteIntVector("empty", {});
@@ -100,21 +95,16 @@ TEST(ConfigurationSectionTest, WideTextsAndCallersBuffers)
 
     // A buffer too small (even by the terminator alone) is left alone; one that fits takes the text.
     wchar_t small[4] = L"old", big[16];
-    EXPECT_FALSE(section.ReadKey("wide", small, 4));
-    EXPECT_EQ(std::wstring(small), L"old");
-    ASSERT_TRUE(section.ReadKey("wide", big, 16));
-    EXPECT_EQ(std::wstring(big), wide);
     section.WriteKey("narrow", std::string("abc"));
     char exact[4], tooSmall[3] = "xy";
-    EXPECT_FALSE(section.ReadKey("narrow", tooSmall, 3));
-    EXPECT_STREQ(tooSmall, "xy");
-    ASSERT_TRUE(section.ReadKey("narrow", exact, 4));
-    EXPECT_STREQ(exact, "abc");
+    EXPECT_FALSE(section.ReadKey("wide", small, 4) || section.ReadKey("narrow", tooSmall, 3));
+    EXPECT_TRUE(std::wstring(small) == L"old" && std::string(tooSmall) == "xy");
+    ASSERT_TRUE(section.ReadKey("wide", big, 16) && section.ReadKey("narrow", exact, 4));
+    EXPECT_TRUE(std::wstring(big) == wide && std::string(exact) == "abc");
 
     // A back-end without sub-sections gives none.
+    const std::unique_ptr<std::vector<std::shared_ptr<ConfigurationSection>>> all(section.GetAllSubSections("none"));
+    EXPECT_TRUE(all->empty() && section.NumSubSections("none") == 0);
     EXPECT_EQ(section.CopyAndChangeSubSection("none"), nullptr);
     EXPECT_EQ(section.CopyAndChangeSubSection("none", 1), nullptr);
-    EXPECT_EQ(section.NumSubSections("none"), 0);
-    const std::unique_ptr<std::vector<std::shared_ptr<ConfigurationSection>>> all(section.GetAllSubSections("none"));
-    EXPECT_TRUE(all->empty());
 }

@@ -57,16 +57,12 @@ TEST(TsStringMemory, DupConcatAndSetOwnTheirText)
 
 TEST(TsStringSearch, StristrIgnoresAsciiCaseOnly)
 {
-    const char* haystack = "Hello World, hello wORLD";
-    EXPECT_EQ(tsstristr(haystack, "D, H"), haystack + 10);
-    EXPECT_EQ(tsstristr(haystack, ""), haystack);
-    EXPECT_EQ(tsstristr(haystack, "worlds"), nullptr);
-    EXPECT_EQ(tsstristr("ab", "abc"), nullptr);
-    EXPECT_EQ(tsstristr("aaab", "AAB"), static_cast<const char*>("aaab") + 1);
-    EXPECT_EQ(tsstristr(nullptr, "a"), nullptr);
-    // Bytes above ASCII match only themselves: "Ä" is not "ä".
-    EXPECT_EQ(tsstristr("gr\xC3\xA4n", "\xC3\x84"), nullptr);
-    EXPECT_NE(tsstristr("GR\xC3\xA4N", "r\xC3\xA4n"), nullptr);
+    // Where the needle is found (-1: nowhere). Bytes above ASCII match only themselves: "Ä" is not "ä".
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"Hello World, hello wORLD", "D, H", 10}, {"Hello", "", 0}, {"Hello World", "worlds", -1}, {"ab", "abc", -1},
+        {"aaab", "AAB", 1}, {nullptr, "a", -1}, {"gr\xC3\xA4n", "\xC3\x84", -1}, {"GR\xC3\xA4N", "r\xC3\xA4n", 1}};
+    for (const auto& [haystack, needle, at] : cases)
+        EXPECT_EQ(tsstristr(haystack, needle), at < 0 ? nullptr : haystack + at) << needle;
 }
 
 // strtod in the "C" locale that the test runs in is the reference.
@@ -268,22 +264,18 @@ TEST(TsStringWildCard, MatchesLikeTheReferenceAndTakesCharactersNotBytes)
         ASSERT_EQ(TsString::WildCardCompare(pattern.c_str(), text.c_str()), ReferenceMatch(pattern, text))
             << '"' << pattern << "\" / \"" << text << '"';
     }
-    EXPECT_TRUE(TsString::WildCardCompare("*.TXT", "notes.txt"));
-    EXPECT_FALSE(TsString::WildCardCompare("*.TXT", "notes.txt", true));
-    EXPECT_TRUE(TsString::WildCardCompare("*.txt", "notes.txt", true));
-    EXPECT_TRUE(TsString::WildCardCompare(nullptr, ""));
-    EXPECT_FALSE(TsString::WildCardCompare(nullptr, "a"));
-    EXPECT_TRUE(TsString::WildCardCompare("*", nullptr));
-    // "?" takes one character, however many bytes it has.
-    EXPECT_TRUE(TsString::WildCardCompare("gr?n", "gr\xC3\xBCn"));
-    EXPECT_TRUE(TsString::WildCardCompare("?", "\xE2\x82\xAC"));
-    EXPECT_FALSE(TsString::WildCardCompare("??", "\xE2\x82\xAC"));
-    EXPECT_TRUE(TsString::WildCardCompare("*?\xE2\x82\xAC", "a\xE2\x82\xAC"));
-    EXPECT_FALSE(TsString::WildCardCompare("*??\xE2\x82\xAC", "a\xE2\x82\xAC"));
-    // A naive recursive matcher needs ages for this; it must finish at once.
-    const std::string text(5000, 'a');
-    EXPECT_FALSE(TsString::WildCardCompare("*a*a*a*a*a*a*a*a*a*a*a*a*b", text.c_str()));
-    EXPECT_TRUE(TsString::WildCardCompare("*a*a*a*a*a*a*a*a*a*a*a*a*", text.c_str()));
+    // Case unless asked for, null as "", and "?" as one character however many bytes it has. The last two would
+    // take a naive recursive matcher ages.
+    const std::string many(5000, 'a');
+    const std::tuple<const char*, const char*, bool, bool> cases[] = {
+        {"*.TXT", "notes.txt", false, true}, {"*.TXT", "notes.txt", true, false}, {"*.txt", "notes.txt", true, true},
+        {nullptr, "", false, true}, {nullptr, "a", false, false}, {"*", nullptr, false, true},
+        {"gr?n", "gr\xC3\xBCn", false, true}, {"?", "\xE2\x82\xAC", false, true}, {"??", "\xE2\x82\xAC", false, false},
+        {"*?\xE2\x82\xAC", "a\xE2\x82\xAC", false, true}, {"*??\xE2\x82\xAC", "a\xE2\x82\xAC", false, false},
+        {"*a*a*a*a*a*a*a*a*a*a*a*a*b", many.c_str(), false, false},
+        {"*a*a*a*a*a*a*a*a*a*a*a*a*", many.c_str(), false, true}};
+    for (const auto& [pattern, text, caseSensitive, matches] : cases)
+        EXPECT_EQ(TsString::WildCardCompare(pattern, text, caseSensitive), matches) << (pattern ? pattern : "null");
 }
 
 TEST(TsStringLimit, EvaluatesEveryFormAndRefusesMalformedExpressions)
