@@ -32,18 +32,9 @@ public:
     bool ReadKey(const char* key, std::string& value) const override
     {
         const auto it = keys.find(key);
-        if (it == keys.end())
-            return false;
-        value = it->second;
-        return true;
+        return it != keys.end() && (value = it->second, true);
     }
-    bool WriteKey(const char* key, const char* value) override
-    {
-        if (!value)
-            return false;
-        keys[key] = value;
-        return true;
-    }
+    bool WriteKey(const char* key, const char* value) override { return value && (keys[key] = value, true); }
     bool WriteToSection(ConfigurationSection* target) const override
     {
         for (const auto& [key, value] : keys)

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
+#include <iterator>
 #include <string>
 
 #include <sys/resource.h>
@@ -15,9 +15,7 @@
 inline std::string ReadFile(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 /// Replaces the content of a file.
@@ -46,10 +44,9 @@ class TempDir
 public:
     TempDir()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "korva-test-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
+        mPath = (std::filesystem::temp_directory_path() / "korva-test-XXXXXX").string();
+        if (!mkdtemp(mPath.data()))
             std::abort();
-        mPath = pattern;
     }
     ~TempDir()
     {

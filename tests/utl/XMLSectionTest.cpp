@@ -11,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <map>
 
@@ -60,17 +59,6 @@ void ExpectSameTree(const ConfigurationSection& a, const ConfigurationSection& b
         ExpectSameTree(*childA, *childB, where + name + "[" + std::to_string(index) + "]/");
     }
 }
-
-// Gives five bytes, then fails.
-struct FailingStream : XMLInputStream
-{
-    long Read(char* buffer, std::size_t size) override
-    {
-        return mCalls++ || size < 5 ? -1 : (std::memcpy(buffer, "<Tess", 5), 5);
-    }
-    std::string GetName() const override { return "the failing stream"; }
-    int mCalls = 0;
-};
 
 } // namespace
 
@@ -160,6 +148,17 @@ TEST(XMLSectionTest, NamesAndValuesSurviveTheFileAndItsTextExactly)
         }
     }
 
+    // Names as people write them stand as they are; hand-written escapes are found by their plain names.
+    EXPECT_EQ(korva::EncodeXMLName("grid_x"), "grid_x");
+    EXPECT_EQ(korva::EncodeXMLName("_x12 "), "_x005F_x12_x0020_");
+    XMLStringInputStream handWritten("<Tessmark grid_x='1' _x0041_='2'><my_x0020_list/><_x0042_/></Tessmark>");
+    XMLSection section(&handWritten, false);
+    EXPECT_EQ(Key(section, "A"), "2");
+    ASSERT_TRUE(section.WriteKey("A", "3"));
+    EXPECT_EQ(section.GetKeyNames(), (Names{"grid_x", "A"})) << "updated where it stands";
+    EXPECT_EQ(section.GetSectionNames(), (Names{"my list", "B"}));
+    EXPECT_TRUE(section.HasSection("B", 1));
+
     // The text: one element a line, indented by tabs, as in the file; or compact.
     XMLSection small;
     Section child(small.CreateSubSection("Child"));
@@ -167,20 +166,6 @@ TEST(XMLSectionTest, NamesAndValuesSurviveTheFileAndItsTextExactly)
     const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
     EXPECT_EQ(Rendered(small), declaration + "\n<Tessmark>\n\t<Child text=\"two&#10;lines\" />\n</Tessmark>\n");
     EXPECT_EQ(Rendered(small, false), declaration + "<Tessmark><Child text=\"two&#10;lines\"/></Tessmark>");
-}
-
-TEST(XMLSectionTest, HandWrittenNamesAreFoundByTheirPlainNames)
-{
-    EXPECT_EQ(korva::EncodeXMLName("grid_x"), "grid_x") << "as people write names by hand";
-    EXPECT_EQ(korva::EncodeXMLName("_x12 "), "_x005F_x12_x0020_");
-
-    XMLStringInputStream stream("<Tessmark grid_x='1' _x0041_='2'><my_x0020_list/><_x0042_/></Tessmark>");
-    XMLSection section(&stream, false);
-    EXPECT_EQ(Key(section, "A"), "2");
-    ASSERT_TRUE(section.WriteKey("A", "3"));
-    EXPECT_EQ(section.GetKeyNames(), (Names{"grid_x", "A"})) << "updated where it stands";
-    EXPECT_EQ(section.GetSectionNames(), (Names{"my list", "B"}));
-    EXPECT_TRUE(section.HasSection("B", 1));
 }
 
 TEST(XMLSectionTest, ViewsShareOneDocumentMoveBetweenSiblingsAndOutliveDeletion)
@@ -293,7 +278,7 @@ TEST(XMLSectionTest, WriteToSectionCopiesIntoAnyBackEnd)
     EXPECT_EQ(reread.GetSectionNames(), (Names{"Options"}));
 }
 
-TEST(XMLSectionTest, FilesThatAreNotXMLThrowAndStayUntouched)
+TEST(XMLSectionTest, SourcesThatAreNotXMLThrowAndFilesStayUntouched)
 {
     TempDir dir;
     for (const auto& entry : fs::directory_iterator(kData + "bad")) {
@@ -308,6 +293,17 @@ TEST(XMLSectionTest, FilesThatAreNotXMLThrowAndStayUntouched)
     const std::string missing = dir.File("missing.xml");
     EXPECT_NE(Thrown([&] { XMLSection(missing.c_str(), false); }).find(missing), std::string::npos);
     EXPECT_NE(Thrown([&] { XMLSection(dir.Path().c_str(), true); }), "") << "a folder is no file";
+
+    // Resources and streams: missing ones are empty documents only when asked for.
+    XMLSection defaults(30190u, false);
+    ASSERT_TRUE(defaults.ChangeSubSection("AppSettings") && defaults.ChangeSubSection("Sample"));
+    EXPECT_EQ(Key(defaults, "Greeting"), "Hello");
+    EXPECT_TRUE(defaults.WriteKey("Greeting", "changed in memory") && defaults.Flush()) << "nowhere to write";
+    EXPECT_NE(Thrown([] { XMLSection(999999u, false); }), "");
+    EXPECT_TRUE(XMLSection(999999u, true).IsEmpty());
+    EXPECT_NE(Thrown([] { XMLSection(static_cast<XMLInputStream*>(nullptr), false); }), "");
+    XMLStringInputStream broken("<Tessmark><A></Tessmark>", "clipboard");
+    EXPECT_NE(Thrown([&] { XMLSection(&broken, true); }).find("clipboard"), std::string::npos);
 }
 
 TEST(XMLSectionTest, SavingWritesOnlyChangesSafelyKeepingPermissionsAndLinks)
@@ -350,20 +346,4 @@ TEST(XMLSectionTest, SavingWritesOnlyChangesSafelyKeepingPermissionsAndLinks)
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(Key(XMLSection(path.c_str(), false), "k"), "new");
     EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-}
-
-TEST(XMLSectionTest, ResourcesAndStreams)
-{
-    XMLSection defaults(30190u, false);
-    ASSERT_TRUE(defaults.ChangeSubSection("AppSettings") && defaults.ChangeSubSection("Sample"));
-    EXPECT_EQ(Key(defaults, "Greeting"), "Hello");
-    EXPECT_TRUE(defaults.WriteKey("Greeting", "changed in memory") && defaults.Flush()) << "nowhere to write";
-    EXPECT_NE(Thrown([] { XMLSection(999999u, false); }), "");
-    EXPECT_TRUE(XMLSection(999999u, true).IsEmpty());
-
-    FailingStream failing;
-    EXPECT_NE(Thrown([&] { XMLSection(&failing, true); }).find("the failing stream"), std::string::npos);
-    EXPECT_NE(Thrown([] { XMLSection(static_cast<XMLInputStream*>(nullptr), false); }), "");
-    XMLStringInputStream broken("<Tessmark><A></Tessmark>", "clipboard");
-    EXPECT_NE(Thrown([&] { XMLSection(&broken, true); }).find("clipboard"), std::string::npos);
 }
