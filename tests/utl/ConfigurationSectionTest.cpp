@@ -24,22 +24,15 @@ TEST(ConfigurationSectionTest, NumbersAndBooleansAreShortExactTexts)
     ASSERT_TRUE(section.ReadDouble("d", d) && section.ReadFloat("f", f) && section.ReadInt("n", n) &&
                 section.ReadBool("on", on) && section.ReadBool("off", off) && section.ReadBool("word", word));
     EXPECT_TRUE(d == 0.1 && f == 0.1f && n == -42 && on && !off && word);
-}
 
-TEST(ConfigurationSectionTest, FailedReadsLeaveTheValueAlone)
-{
-    MemorySection section;
+    // Failed reads leave the value alone.
     section.keys = {{"text", "twelve"}, {"partly", "12abc"}, {"badvector", "1;x;3"}};
-    int i = 7;
-    double d = 7;
-    float f = 7;
-    bool b = true;
     std::vector<int> ints{1, 2};
-    EXPECT_EQ((std::vector<bool>{section.ReadInt("missing", i), section.ReadInt("partly", i),
+    EXPECT_EQ((std::vector<bool>{section.ReadInt("missing", n), section.ReadInt("partly", n),
                                  section.ReadDouble("text", d), section.ReadFloat("partly", f),
-                                 section.ReadBool("text", b), section.ReadIntVector("badvector", ints)}),
+                                 section.ReadBool("text", on), section.ReadIntVector("badvector", ints)}),
               std::vector<bool>(6, false));
-    EXPECT_TRUE(i == 7 && d == 7 && f == 7 && b && ints == (std::vector<int>{1, 2}));
+    EXPECT_TRUE(n == -42 && d == 0.1 && f == 0.1f && on && ints == (std::vector<int>{1, 2}));
 }
 
 TEST(ConfigurationSectionTest, VectorsRoundTrip)
@@ -95,7 +88,7 @@ TEST(ConfigurationSectionTest, WideTextsAndCallersBuffers)
 
     // A buffer too small (even by the terminator alone) is left alone; one that fits takes the text.
     wchar_t small[4] = L"old", big[16];
-    section.WriteKey("narrow", std::string("abc"));
+    section.WriteKey("narrow", "abc");
     char exact[4], tooSmall[3] = "xy";
     EXPECT_FALSE(section.ReadKey("wide", small, 4) || section.ReadKey("narrow", tooSmall, 3));
     EXPECT_TRUE(std::wstring(small) == L"old" && std::string(tooSmall) == "xy");

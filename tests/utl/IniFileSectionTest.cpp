@@ -126,7 +126,7 @@ TEST(IniFileSectionTest, WhatCannotBeStoredIsRefusedAndTrickyValuesReadBackExact
         EXPECT_EQ(Key(reread, key.c_str()), value) << key;
 }
 
-TEST(IniFileSectionTest, DeletingEmptinessAndNoSubSections)
+TEST(IniFileSectionTest, DeletingEmptinessNoSubSectionsAndFilesThatCannotBeWritten)
 {
     TempDir dir;
     const std::string path = dir.File("delete.ini");
@@ -142,15 +142,12 @@ TEST(IniFileSectionTest, DeletingEmptinessAndNoSubSections)
     // No sub-sections in an INI file, although the file has a section "T".
     EXPECT_FALSE(section.ChangeSubSection("T") || section.HasSection("T", -1));
     EXPECT_EQ(section.CreateSubSection("T", 2), nullptr);
-}
 
-TEST(IniFileSectionTest, FilesThatCannotBeWrittenOrAFullDisk)
-{
-    TempDir dir;
-    const std::string path = dir.File("new.ini");
-    IniFileSection created(path.c_str(), "S");
+    // Files that cannot be written, or a full disk.
+    const std::string newPath = dir.File("new.ini");
+    IniFileSection created(newPath.c_str(), "S");
     EXPECT_TRUE(created.IsWritable() && !created.HasKey("k"));
-    EXPECT_FALSE(fs::exists(path)) << "reading creates nothing";
+    EXPECT_FALSE(fs::exists(newPath)) << "reading creates nothing";
     IniFileSection folder(dir.Path().c_str(), "S"), noFolder(dir.File("no/such/folder.ini").c_str(), "S");
     EXPECT_FALSE(IniFileSection(nullptr, nullptr).WriteKey("k", "v") || folder.IsWritable() ||
                  folder.WriteKey("k", "v") || noFolder.WriteKey("k", "v"));
@@ -158,10 +155,10 @@ TEST(IniFileSectionTest, FilesThatCannotBeWrittenOrAFullDisk)
 
     // A failed save undoes the change (the file itself is safe: see the XML tests).
     ASSERT_TRUE(created.WriteKey("k", "old"));
-    const std::string before = ReadFile(path);
+    const std::string before = ReadFile(newPath);
     EXPECT_FALSE(OnAFullDisk(1024, [&] { return created.WriteKey("big", std::string(8000, 'x')); }));
     EXPECT_FALSE(created.HasKey("big"));
-    EXPECT_EQ(ReadFile(path), before);
+    EXPECT_EQ(ReadFile(newPath), before);
 }
 
 TEST(IniFileSectionTest, CopiesAndOthersShareTheFile)

@@ -121,7 +121,7 @@ TEST(SystemInfoTest, VersionsComeFromTheFile)
     EXPECT_EQ(major, -1);
 }
 
-TEST(FileUtlTest, PathsSplitAndJoin)
+TEST(FileUtlTest, PathsFoldersCopiesAndIds)
 {
     EXPECT_EQ(TsPathAppend("/data/", "/run.tart") + "|" + TsPathAppend("", "run.tart") + "|" +
                   TsPathAppend("/data", ""),
@@ -139,10 +139,7 @@ TEST(FileUtlTest, PathsSplitAndJoin)
     name.SetExtension("xml");
     name.SetDirectory("/tmp");
     EXPECT_EQ(name.Merge(), "/tmp/audit_trail.xml");
-}
 
-TEST(FileUtlTest, FoldersFilesCopiesAndIds)
-{
     TempDir dir;
     const std::string deep = dir.File("a/b/c");
     EXPECT_EQ(FileExist(deep.c_str()), 0);
@@ -207,8 +204,6 @@ TEST(LogTest, OneLinePerCallWithImportanceAndForce)
     setenv("XDG_CONFIG_HOME", dir.Path().c_str(), 1);
     Log::SetLogFile(nullptr);
     EXPECT_EQ(Log::GetLogFile(), dir.Path() + "/Tessmark/utl_tests/3.14/utl_tests.log");
-    Log::WriteMessage("X", "Y", "into the default file", 4);
-    EXPECT_NE(ReadFile(Log::GetLogFile()).find("X::Y: into the default file"), std::string::npos);
     unsetenv("XDG_CONFIG_HOME");
     Log::SetLogFile(dir.File("other.log").c_str());
 }
