@@ -22,12 +22,8 @@ TEST(IniFileSectionTest, WritesKeepTheOrderCommentsNamesAndSignatureOfTheFile)
 {
     TempDir dir;
     const std::string path = dir.File("written.ini");
-    const struct
-    {
-        std::string before;
-        const char *section, *key;
-        std::string after;
-    } rows[] = {
+    // The file before, the section and key written, the file after.
+    const std::tuple<std::string, const char*, const char*, std::string> rows[] = {
         // Every change is in the file at once; only the layout of lines changes.
         {ReadFile(kData + "Edited.ini"), "SysLogSettings", "BaseSeverity", ReadFile(kData + "Edited.written.ini")},
         {"", "S", "k", "[S]\nk = v\n"},   // a missing file is made
@@ -40,17 +36,17 @@ TEST(IniFileSectionTest, WritesKeepTheOrderCommentsNamesAndSignatureOfTheFile)
         {"\xEF\xBB\xBF[S]\r\nk=caf\xC3\xA9\r\nm = <<<EOT\r\none\r\n two\r\nEOT\r\n", "S", "n",
          "\xEF\xBB\xBF[S]\nk = caf\xC3\xA9\nm = <<<END_OF_TEXT\none\n two\nEND_OF_TEXT\nn = v\n"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.before);
+    for (const auto& [before, name, key, after] : rows) {
+        SCOPED_TRACE(before);
         fs::remove(path);
-        if (!row.before.empty())
-            WriteFile(path, row.before);
-        IniFileSection section(path.c_str(), row.section);
-        ASSERT_TRUE(section.WriteKey(row.key, "v"));
-        EXPECT_EQ(ReadFile(path), row.after);
+        if (!before.empty())
+            WriteFile(path, before);
+        IniFileSection section(path.c_str(), name);
+        ASSERT_TRUE(section.WriteKey(key, "v"));
+        EXPECT_EQ(ReadFile(path), after);
         // Written again, the file stays as it is now.
-        ASSERT_TRUE(section.WriteKey(row.key, "w") && section.WriteKey(row.key, "v"));
-        EXPECT_EQ(ReadFile(path), row.after);
+        ASSERT_TRUE(section.WriteKey(key, "w") && section.WriteKey(key, "v"));
+        EXPECT_EQ(ReadFile(path), after);
     }
 
     // Reading follows the same rules.

@@ -76,8 +76,7 @@ TEST(XMLSectionTest, KeysAreReadAsAttributesAndAsTextOnlyElements)
     EXPECT_EQ(second ? Key(*second, "Name") : "no section", "one");
 
     // Writing an element key turns it into an attribute; the sections of the same name stay where they are.
-    ASSERT_TRUE(file.WriteKey("Title", "New title"));
-    ASSERT_TRUE(file.WriteKey("Item", "changed"));
+    ASSERT_TRUE(file.WriteKey("Title", "New title") && file.WriteKey("Item", "changed"));
     EXPECT_EQ(file.GetKeyNames(), (Names{"Colour", "Title", "Item", "Note"}));
     EXPECT_EQ(file.NumSubSections("Item"), 2);
     const std::string text = Rendered(file);
