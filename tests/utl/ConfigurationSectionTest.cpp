@@ -44,9 +44,7 @@ TEST(ConfigurationSectionTest, VectorsRoundTrip)
     section.WriteIntVector("ints", ints);
     section.WriteBoolVector("bools", bools);
     section.WriteFloatVector("floats", floats);
-    std::vector<int> readInts;
-    std::vector<bool> readBools;
-    std::vector<float> readFloats;
+    auto [readInts, readBools, readFloats] = std::tuple<std::vector<int>, std::vector<bool>, std::vector<float>>();
     ASSERT_TRUE(section.ReadIntVector("ints", readInts) && section.ReadBoolVector("bools", readBools) &&
                 section.ReadFloatVector("floats", readFloats));
     EXPECT_TRUE(readInts == ints && readBools == bools && readFloats == floats) << section.keys["floats"];
@@ -65,8 +63,7 @@ TEST(ConfigurationSectionTest, VectorsRoundTrip)
     // An empty vector is an empty text and reads back empty.
     section.WriteIntVector("empty", {});
     readInts = {9};
-    ASSERT_TRUE(section.ReadIntVector("empty", readInts));
-    EXPECT_TRUE(readInts.empty());
+    EXPECT_TRUE(section.ReadIntVector("empty", readInts) && readInts.empty());
 
     // String vectors use the caller's separator; a text holding it would not read back, so nothing is written.
     ASSERT_TRUE(section.WriteStringVector("files", {"a.txt", "", "c d"}, ';'));

@@ -7,7 +7,6 @@
 #include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsSystemInfo.h>
-#include <KORVAutl/TsTimeUtl.h>
 #include <KORVAutl/TsUnicode.h>
 
 #include <gtest/gtest.h>
@@ -195,20 +194,4 @@ TEST(LogTest, OneLinePerCallWithImportanceAndForce)
     EXPECT_EQ(Log::GetLogFile(), dir.Path() + "/Tessmark/utl_tests/3.14/utl_tests.log");
     unsetenv("XDG_CONFIG_HOME");
     Log::SetLogFile(dir.File("other.log").c_str());
-}
-
-TEST(TimeUtlTest, UtcOffsetFollowsTheZoneAsItChanges)
-{
-    const char* old = std::getenv("TZ");
-    const std::string saved = old ? old : "";
-    setenv("TZ", "<+0530>-5:30", 1);
-    EXPECT_EQ(TsTimeUtl::GetUtcOffset(), 5 * 3600 + 1800);
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-    const time_t noon = 1736942400;   // 2025-01-15 12:00 UTC
-    EXPECT_EQ(TsTimeUtl::GetUtcOffset(noon), 3600);
-    EXPECT_EQ(TsTimeUtl::GetUtcOffset(1752580800), 7200);   // July, summer time
-    struct tm broken {};
-    EXPECT_TRUE(tslocaltime_r(&noon, &broken) && broken.tm_hour == 13 && !tslocaltime_r(nullptr, &broken));
-    old ? setenv("TZ", saved.c_str(), 1) : unsetenv("TZ");
-    tzset();
 }
