@@ -1,7 +1,6 @@
 #pragma once
-// A ConfigurationSection over a map, with no own typed operations, so that the
-// base class's text bodies are exercised exactly as a text-only back-end uses
-// them; and a reader of keys for the tests of every back-end.
+// A ConfigurationSection over a map, with no own typed operations, so that the base class's text
+// bodies are exercised exactly as a text-only back-end uses them; and a key reader for every back-end.
 
 #include <KORVAutl/ConfigurationSection.h>
 
