@@ -29,8 +29,7 @@ inline bool OnAFullDisk(rlim_t bytes, const std::function<bool()>& write)
 {
     rlimit saved{};
     getrlimit(RLIMIT_FSIZE, &saved);
-    rlimit limited = saved;
-    limited.rlim_cur = bytes;
+    rlimit limited{bytes, saved.rlim_max};
     const auto previous = std::signal(SIGXFSZ, SIG_IGN);   // a failed write, not the end of the process
     setrlimit(RLIMIT_FSIZE, &limited);
     const bool result = write();

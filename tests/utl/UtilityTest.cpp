@@ -101,14 +101,9 @@ TEST(SystemInfoTest, VersionsComeFromTheFile)
     EXPECT_EQ(TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort), "3.14");
     EXPECT_EQ(TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionLong), "3.14.15.92");
     EXPECT_EQ(TsSystemInfo::GetApplicationName(), "utl_tests");
-
-    // A file that is no ELF, declares nothing or is missing gives false and keeps the numbers.
-    TempDir dir;
-    WriteFile(dir.File("text"), "not a program");
-    major = -1;
-    for (const std::string& file : {dir.File("text"), std::string("/bin/sh"), dir.File("none")})
-        EXPECT_FALSE(TsSystemInfo::GetApplicationVersion(major, minor, build, revision, file.c_str())) << file;
-    EXPECT_EQ(major, -1);
+    // A program that declares no version gives false and keeps the numbers.
+    EXPECT_FALSE(TsSystemInfo::GetApplicationVersion(major, minor, build, revision, "/bin/sh"));
+    EXPECT_EQ(major, 3);
 }
 
 TEST(FileUtlTest, PathsFoldersCopiesAndIds)
@@ -157,12 +152,11 @@ TEST(FileUtlTest, PathsFoldersCopiesAndIds)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.File("a")), {}), 2) << "no temporary file left";
     EXPECT_EQ(FileExist(TsPathAppend(TsGetExecutableDirectory().c_str(), "utl_tests").c_str()), 2);
 
-    // Ids differ, also between threads that start at once.
+    // Ids differ, also between threads.
     std::set<unsigned long long> ids;
-    for (int i = 0; i < 10000; ++i)
-        ids.insert(GetNearUniqueID());
-    std::thread([&] { ids.insert(GetNearUniqueID()); }).join();
-    EXPECT_EQ(ids.size(), 10001u);
+    for (int i = 0; i < 1000; ++i)
+        std::thread([&] { ids.insert(GetNearUniqueID()); }).join();
+    EXPECT_EQ(ids.size(), 1000u);
 }
 
 TEST(LogTest, OneLinePerCallWithImportanceAndForce)
