@@ -1,6 +1,6 @@
 #pragma once
-// A ConfigurationSection over a map, with no own typed operations, so that the
-// base class's text bodies are exercised exactly as a text-only back-end uses them.
+// A ConfigurationSection over a map, with no own typed operations, so that the base class's text
+// bodies are exercised exactly as a text-only back-end uses them; and a key reader for every back-end.
 
 #include <KORVAutl/ConfigurationSection.h>
 
@@ -31,18 +31,9 @@ public:
     bool ReadKey(const char* key, std::string& value) const override
     {
         const auto it = keys.find(key);
-        if (it == keys.end())
-            return false;
-        value = it->second;
-        return true;
+        return it != keys.end() && (value = it->second, true);
     }
-    bool WriteKey(const char* key, const char* value) override
-    {
-        if (!value)
-            return false;
-        keys[key] = value;
-        return true;
-    }
+    bool WriteKey(const char* key, const char* value) override { return value && (keys[key] = value, true); }
     bool WriteToSection(ConfigurationSection* target) const override
     {
         for (const auto& [key, value] : keys)
@@ -52,3 +43,10 @@ public:
     }
     std::vector<std::string> GetSectionNames() const override { return {}; }
 };
+
+/// The text of `key` in any section, or "<missing>".
+inline std::string Key(const ConfigurationSection& section, const char* key)
+{
+    std::string value;
+    return section.ReadKey(key, value) ? value : "<missing>";
+}

@@ -1,19 +1,21 @@
 #pragma once
 // Files for tests, and a fresh folder below the system's temporary folder, removed with its content at scope end.
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <functional>
+#include <iterator>
 #include <string>
+
+#include <sys/resource.h>
 
 /// The whole content of a file; empty when it cannot be read.
 inline std::string ReadFile(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 /// Replaces the content of a file.
@@ -22,15 +24,28 @@ inline void WriteFile(const std::string& path, const std::string& content)
     std::ofstream(path, std::ios::binary) << content;
 }
 
+/// The result of `write` run on a disk that is full after `bytes` bytes of any one file.
+inline bool OnAFullDisk(rlim_t bytes, const std::function<bool()>& write)
+{
+    rlimit saved{};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    rlimit limited{bytes, saved.rlim_max};
+    const auto previous = std::signal(SIGXFSZ, SIG_IGN);   // a failed write, not the end of the process
+    setrlimit(RLIMIT_FSIZE, &limited);
+    const bool result = write();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previous);
+    return result;
+}
+
 class TempDir
 {
 public:
     TempDir()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "korva-test-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
+        mPath = (std::filesystem::temp_directory_path() / "korva-test-XXXXXX").string();
+        if (!mkdtemp(mPath.data()))
             std::abort();
-        mPath = pattern;
     }
     ~TempDir()
     {
