@@ -77,6 +77,11 @@ QWidget* BreakWindowChannel::GetWidget() const
     return nullptr;
 }
 
+int BreakWindowChannel::GetGaugeResolution() const
+{
+    return 0;
+}
+
 void BreakWindowChannel::SetBreakPressed(Progress& client)
 {
     client.breakPressed.store(true, std::memory_order_relaxed);

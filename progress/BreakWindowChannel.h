@@ -79,6 +79,10 @@ public:
     /// The window as a widget of this process, for parenting boxes that must
     /// stand above it; null when it lives in another process.
     virtual QWidget* GetWidget() const;
+    /// The width in pixels of the gauge's bar as the window draws it now
+    /// (TsGauge::BarWidth): two values that fill the same width look the same.
+    /// 0 when not known; Progress then sends every value. This one: 0.
+    virtual int GetGaugeResolution() const;
 
 protected:
     /// What the window learns of `client` at start: its texts and switches, `delay` and `mainWindow`.

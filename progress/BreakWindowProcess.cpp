@@ -27,7 +27,8 @@ namespace korva {
 namespace {
 
 constexpr const char* kClassName = "BreakWindowProcess";
-constexpr int kCompanionFd = 3;
+constexpr int kCommandFd = 3;
+constexpr int kReportFd = 4;
 // How long a companion whose socket closed may take to end before it is killed.
 constexpr auto kReapGrace = std::chrono::seconds(2);
 
@@ -64,17 +65,51 @@ bool SendRecord(int fd, const BreakWire::Buffer& buffer, std::size_t size)
     }
 }
 
+// Receives one record of `fd` into `message`, with the failure in `why` otherwise.
+enum EReceive { eReceived, eEnded, eTimedOut, eFailed };
+EReceive ReceiveMessage(int fd, BreakWire::Message& message, std::string& why)
+{
+    unsigned char buffer[BreakWire::kMaxRecordSize + 1];
+    const ssize_t received = ReceiveRecord(fd, buffer, sizeof buffer);
+    if (received == 0) {
+        why = "The break window closed its connection.";
+        return eEnded;
+    }
+    if (received < 0) {
+        why = SystemError("recv", errno);
+        return errno == EAGAIN || errno == EWOULDBLOCK ? eTimedOut : eFailed;
+    }
+    const BreakWire::EDecode decoded = BreakWire::Decode(buffer, static_cast<std::size_t>(received), message);
+    if (decoded == BreakWire::eDecoded)
+        return eReceived;
+    why = decoded == BreakWire::eWrongVersion ? "The break window speaks another version; it is given up."
+                                              : "The break window sent a malformed record; it is given up.";
+    return eFailed;
+}
+
+// Whether the counter `done` has reached `target`, across the wrap at 2^32.
+bool Reached(std::uint32_t done, std::uint32_t target)
+{
+    return static_cast<std::int32_t>(done - target) >= 0;
+}
+
 } // namespace
 
-// One companion and its connection. The main thread writes records and waits
-// for their acknowledgements; the reader thread reads everything that comes
-// back, and at the end reaps the companion.
+// One companion and its connection. The main thread writes the records and
+// reads their acknowledgements on the command socket; the reader thread reads
+// the report socket, and at the end reaps the companion.
 class BreakConnection
 {
 public:
-    BreakConnection(int socket, ChildProcess child, std::function<void(Progress&)> stopConfirmed)
-        : fd(socket), pid(child.Pid()), confirmStop(std::move(stopConfirmed)), companion(std::move(child))
+    BreakConnection(int commandSocket, int reportSocket, ChildProcess child,
+                    std::function<void(Progress&)> stopConfirmed)
+        : fd(commandSocket), reportFd(reportSocket), pid(child.Pid()), confirmStop(std::move(stopConfirmed)),
+          companion(std::move(child))
     {
+        // A blocking read that gives up on its own: the acknowledgement's timeout.
+        const timeval limit{BreakWindowProcess::kAcknowledgeTimeout / 1000,
+                            (BreakWindowProcess::kAcknowledgeTimeout % 1000) * 1000};
+        setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         reader = std::thread([this] { Read(); });
     }
 
@@ -84,12 +119,14 @@ public:
         if (reader.joinable())
             reader.join();
         close(fd);
+        close(reportFd);
     }
 
     BreakConnection(const BreakConnection&) = delete;
     BreakConnection& operator=(const BreakConnection&) = delete;
 
     bool IsAlive() const { return alive.load(std::memory_order_acquire); }
+    int GaugeWidth() const { return gaugeWidth.load(std::memory_order_relaxed); }
 
     std::uint32_t NextSequence()
     {
@@ -112,18 +149,28 @@ public:
             Lose(SystemError("send", errno).c_str(), false);
             return false;
         }
-        const std::uint32_t awaited = message.sequence;
-        std::unique_lock<std::mutex> lock(mutex);
-        const bool answered =
-            changed.wait_for(lock, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout), [&] {
-                return static_cast<std::int32_t>(acknowledged - awaited) >= 0 || !IsAlive();
-            });
-        if (static_cast<std::int32_t>(acknowledged - awaited) >= 0)
-            return true;
-        lock.unlock();
-        if (!answered)
-            Lose("The break window did not acknowledge a message in time; it is given up.", true);
-        return false;
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout);
+        for (;;) {
+            BreakWire::Message answer;
+            std::string why;
+            switch (ReceiveMessage(fd, answer, why)) {
+            case eReceived:
+                break;
+            case eTimedOut:
+                Lose("The break window did not acknowledge a message in time; it is given up.", true);
+                return false;
+            default:
+                Lose(why.c_str(), false);
+                return false;
+            }
+            if (answer.type != BreakWire::eAcknowledge || !Reached(message.sequence, answer.sequence)) {
+                Lose("The break window answered out of turn; it is given up.", false);
+                return false;
+            }
+            if (answer.sequence == message.sequence)
+                return AwaitReports(answer.argument, deadline);
+        }
     }
 
     // From now on a confirmed stop of the session `start` goes to `client` (null: to nobody).
@@ -134,8 +181,8 @@ public:
         session = start;
     }
 
-    // Gives the companion up: every waiting and later call returns at once and the
-    // reader ends. `why` null is the orderly end. `killIt` for a companion that hangs.
+    // Gives the companion up: every later call returns at once and the reader
+    // ends. `why` null is the orderly end. `killIt` for a companion that hangs.
     void Lose(const char* why, bool killIt)
     {
         const bool wasAlive = alive.exchange(false, std::memory_order_acq_rel);
@@ -148,47 +195,52 @@ public:
         }
         changed.notify_all();
         shutdown(fd, SHUT_RDWR);
+        shutdown(reportFd, SHUT_RDWR);
         if (why && wasAlive)
             LogFailure("Connection", why);
     }
 
     const int fd;
+    const int reportFd;
     const pid_t pid;
 
 private:
+    // The reports written before an acknowledgement are handled before its call
+    // returns. They are on our socket already; the reader is at most a moment behind.
+    bool AwaitReports(std::uint32_t written, std::chrono::steady_clock::time_point deadline)
+    {
+        if (Reached(reportsHandled.load(std::memory_order_acquire), written))
+            return true;
+        std::unique_lock<std::mutex> lock(mutex);
+        changed.wait_until(lock, deadline, [&] {
+            return Reached(reportsHandled.load(std::memory_order_relaxed), written) || !IsAlive();
+        });
+        return IsAlive();
+    }
+
     void Read()
     {
-        unsigned char buffer[BreakWire::kMaxRecordSize + 1];
         for (;;) {
-            const ssize_t received = ReceiveRecord(fd, buffer, sizeof buffer);
-            if (received == 0) {
-                Lose("The break window closed its connection.", false);
+            BreakWire::Message report;
+            std::string why;
+            if (ReceiveMessage(reportFd, report, why) != eReceived) {
+                Lose(why.c_str(), false);
                 break;
             }
-            if (received < 0) {
-                Lose(SystemError("recv", errno).c_str(), false);
+            if (report.type != BreakWire::eStopConfirmed && report.type != BreakWire::eGaugeWidth) {
+                Lose("The break window sent a record that is no report; it is given up.", false);
                 break;
             }
-            BreakWire::Message message;
-            const BreakWire::EDecode decoded = BreakWire::Decode(buffer, static_cast<std::size_t>(received), message);
-            if (decoded != BreakWire::eDecoded) {
-                Lose(decoded == BreakWire::eWrongVersion ? "The break window speaks another version; it is given up."
-                                                         : "The break window sent a malformed record; it is given up.",
-                     false);
-                break;
-            }
-            if (message.type == BreakWire::eAcknowledge) {
-                {
-                    std::lock_guard<std::mutex> lock(mutex);
-                    acknowledged = message.sequence;
-                }
-                changed.notify_all();
-            } else if (message.type == BreakWire::eStopConfirmed) {
+            {
                 std::lock_guard<std::mutex> lock(mutex);
+                if (report.type == BreakWire::eGaugeWidth)
+                    gaugeWidth.store(static_cast<int>(report.argument), std::memory_order_relaxed);
                 // A stop of a client that has finished meanwhile goes nowhere.
-                if (client && session != 0 && session == message.argument)
+                else if (client && session != 0 && session == report.argument)
                     confirmStop(*client);
+                reportsHandled.store(reportsHandled.load(std::memory_order_relaxed) + 1, std::memory_order_release);
             }
+            changed.notify_all();
         }
         Reap();
     }
@@ -214,12 +266,13 @@ private:
     std::uint32_t sequence = 0;  // main thread only
     std::function<void(Progress&)> confirmStop;
     std::thread reader;
+    std::atomic<int> gaugeWidth{0};
+    std::atomic<std::uint32_t> reportsHandled{0};
 
     std::mutex mutex;
     std::condition_variable changed;
-    std::uint32_t acknowledged = 0;  // the last sequence acknowledged
     Progress* client = nullptr;
-    std::uint32_t session = 0;       // the sequence of the client's start
+    std::uint32_t session = 0;  // the sequence of the client's start
     ChildProcess companion;
 };
 
@@ -254,19 +307,28 @@ bool BreakWindowProcess::Create()
         return false;
     }
 
-    int ends[2];
-    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+    int commands[2];
+    int reports[2];
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, commands) != 0) {
         korva::LogFailure("Create", korva::SystemError("socketpair", errno));
         return false;
     }
-    const int ours = ends[0];
-    const int theirs = ends[1];
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, reports) != 0) {
+        korva::LogFailure("Create", korva::SystemError("socketpair", errno));
+        close(commands[0]);
+        close(commands[1]);
+        return false;
+    }
+    const int ours = commands[0];
     korva::ChildProcess child;
-    const int spawned = child.Spawn(program, {program}, {{theirs, korva::kCompanionFd}});
-    close(theirs);
+    const int spawned =
+        child.Spawn(program, {program}, {{commands[1], korva::kCommandFd}, {reports[1], korva::kReportFd}});
+    close(commands[1]);
+    close(reports[1]);
     if (spawned != 0) {
         korva::LogFailure("Create", korva::SystemError("posix_spawn", spawned));
         close(ours);
+        close(reports[0]);
         return false;
     }
 
@@ -300,13 +362,14 @@ bool BreakWindowProcess::Create()
     if (!ready) {
         korva::LogFailure("Create", failure + " (" + program + ")");
         close(ours);
+        close(reports[0]);
         child.Kill();
         child.Wait();
         return false;
     }
 
     const pid_t pid = child.Pid();
-    mConnection = std::make_unique<BreakConnection>(ours, std::move(child), [](Progress& client) {
+    mConnection = std::make_unique<BreakConnection>(ours, reports[0], std::move(child), [](Progress& client) {
         BreakWindowChannel::SetBreakPressed(client);
     });
     Log::WriteMessage(korva::kClassName, "Create", ("The break window runs as process " + std::to_string(pid) + ".").c_str(),
@@ -385,6 +448,11 @@ pid_t BreakWindowProcess::GetCompanionPid() const
 int BreakWindowProcess::GetSocket() const
 {
     return IsWindow() ? mConnection->fd : -1;
+}
+
+int BreakWindowProcess::GetGaugeResolution() const
+{
+    return IsWindow() ? mConnection->GaugeWidth() : 0;
 }
 
 bool BreakWindowProcess::PressStopInCompanion()

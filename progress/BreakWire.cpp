@@ -59,6 +59,7 @@ std::size_t BreakWire::RecordSize(std::uint32_t type)
     case eReady:
     case eAcknowledge:
     case eStopConfirmed:
+    case eGaugeWidth:
     case ePressStop:
         return kHeaderSize;
     case eGaugeValue:

@@ -1,6 +1,9 @@
 #pragma once
 // The records that travel between a process and its break window companion
-// (apps/breakwin) over their SOCK_SEQPACKET socket: one record per packet.
+// (apps/breakwin) over their two SOCK_SEQPACKET sockets, one record per packet:
+// on the command socket the protocol messages go one way and their
+// acknowledgements (and first of all "ready") come back; on the report socket
+// the companion tells what nobody asked for: a confirmed stop, the gauge's width.
 //
 // Every record starts with the same 16 bytes, four 32-bit words in host order
 // (both ends run on the same machine, from the same build):
@@ -8,12 +11,15 @@
 //   magic     0x4B425700 | kVersion ("KBW" and the version in the low byte)
 //   type      the message number, EType
 //   sequence  numbered by the sender; an acknowledgement repeats the number it answers
-//   argument  the delay of a start, 1/0 of a show, the start's sequence in a stop confirmed
+//   argument  the delay of a start, 1/0 of a show, the start's sequence in a stop confirmed,
+//             the gauge's width, and in an acknowledgement the number of reports
+//             written before it (modulo 2^32)
 //
 // and has one fixed size per type, what follows the header being:
 //
 //   eFinish, eSpinStep, eSpinRest, eShowWindow,
-//   eReady, eAcknowledge, eStopConfirmed, ePressStop   nothing (16 bytes)
+//   eReady, eAcknowledge, eStopConfirmed,
+//   eGaugeWidth, ePressStop                            nothing (16 bytes)
 //   eGaugeValue    one float                              (20 bytes)
 //   eGaugeRange    two floats, low and high               (24 bytes)
 //   eSetTitle      one text field                         (16 + kTextSize bytes)
@@ -38,7 +44,7 @@
 class BreakWire
 {
 public:
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
     static constexpr std::uint32_t kMagicMask = 0xFFFFFF00u;
     static constexpr std::uint32_t kMagic = 0x4B425700u;
     static constexpr std::size_t kHeaderSize = 16;
@@ -60,8 +66,9 @@ public:
         eStart = 0x408,
         // Companion to main process.
         eReady = 0x480,          // the companion is up and listens; its first record
-        eAcknowledge = 0x481,    // the record `sequence` was handled
-        eStopConfirmed = 0x482,  // the user confirmed the stop of the client started by `argument`
+        eAcknowledge = 0x481,    // the record `sequence` was handled, after `argument` reports
+        eStopConfirmed = 0x482,  // report: the user confirmed the stop of the client started by `argument`
+        eGaugeWidth = 0x483,     // report: the gauge's bar is `argument` pixels wide (0: no gauge)
         // Main process to companion, for tests only: behave as if the user had
         // confirmed the stop of the client being served. Acknowledged.
         ePressStop = 0x4F0
@@ -72,7 +79,7 @@ public:
     {
         EType type = eAcknowledge;
         std::uint32_t sequence = 0;
-        std::uint32_t argument = 0;  // delay, show flag or the start's sequence
+        std::uint32_t argument = 0;  // delay, show flag, the start's sequence, a width or a count
         float first = 0.0f;          // gauge value, range low
         float second = 0.0f;         // range high
         std::string text;            // title

@@ -20,6 +20,7 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 #include <utility>
@@ -306,7 +307,10 @@ void Progress::ShowOnGauge()
     if (allowBreak) {
         if (BreakWindowChannel* window = Window()) {
             window->SetGaugeRange(minimum, maximum);
-            window->SetGaugeValue(value);
+            // The gauge keeps the range in order, and so does the comparison of widths.
+            sentLow = std::min(minimum, maximum);
+            sentHigh = std::max(minimum, maximum);
+            SendGaugeValue(*window);
         }
     } else if (TsGaugeBase* gauge = GetGauge()) {
         gauge->SetRange(minimum, maximum);
@@ -318,13 +322,15 @@ void Progress::ShowOnGauge()
 // --- Reporting -----------------------------------------------------------------------------
 
 // The active object's part of Set: hold the value within the top range, show it, pump.
-bool Progress::ShowValue()
+bool Progress::ShowValue(bool always)
 {
     if (showGauge) {
         value = ranges.HoldWithin(value);
         if (allowBreak) {
-            if (BreakWindowChannel* window = Window())
-                window->SetGaugeValue(value);
+            // Each message to the break window is a round trip to another process:
+            // in a tight loop only the values that move the bar go.
+            if (BreakWindowChannel* window = Window(); window && (always || ChangesBreakGauge(*window)))
+                SendGaugeValue(*window);
         } else if (TsGaugeBase* gauge = GetGauge()) {
             gauge->SetValue(value);
             msGaugeDirty = true;
@@ -332,6 +338,25 @@ bool Progress::ShowValue()
     }
     MessageLoop();
     return !IsBreakPressed();
+}
+
+bool Progress::SetAlways(float v)
+{
+    value = counter + v;
+    return IsActive() ? ShowValue(true) : !IsBreakPressed();
+}
+
+void Progress::SendGaugeValue(BreakWindowChannel& window)
+{
+    window.SetGaugeValue(value);
+    sentValue = value;
+}
+
+bool Progress::ChangesBreakGauge(const BreakWindowChannel& window) const
+{
+    const int width = window.GetGaugeResolution();
+    return width <= 0 || TsGauge::BarWidth(width, value, sentLow, sentHigh) !=
+                             TsGauge::BarWidth(width, sentValue, sentLow, sentHigh);
 }
 
 bool Progress::SetRange(float low, float high)
@@ -355,7 +380,7 @@ bool Progress::PushSubRange(float low, float high)
     ranges.Push(low, high);
     counter = 0.0f;
     SetRange(0.0f, 1.0f);
-    Set(0.0f);
+    SetAlways(0.0f);
     return Pump();
 }
 
@@ -365,7 +390,7 @@ bool Progress::PopSubRange()
         counter = 0.0f;
         SetRange(ranges.Top().low, ranges.Top().high);
         // Leave the display where the sub-range ended.
-        Set(endValue);
+        SetAlways(endValue);
     }
     return Pump();
 }
@@ -451,8 +476,13 @@ Progress::~Progress()
             }
         }
         delete marquee.data();
-        if (BreakWindowChannel* window = Window())
+        if (BreakWindowChannel* window = Window()) {
+            // A last value that was left out because it looked the same goes now:
+            // the window ends with the exact value.
+            if (allowBreak && showGauge && sentValue != value)
+                SendGaugeValue(*window);
             window->Finish();
+        }
         if (previousForeground)
             previousForeground->activateWindow();
         // The plain bar keeps its gauge on show between tasks; the toolkit bar keeps it hidden.

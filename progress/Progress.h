@@ -179,7 +179,15 @@ private:
     static QWidget* GetMessageBar();
     static void GetGaugeRange(const Range& range, float& minimum, float& maximum);
     void ShowOnGauge();
-    bool ShowValue();
+    /// The active object's part of Set; `always` sends the value to the break
+    /// window even where it would fill the same width as the last one sent.
+    bool ShowValue(bool always = false);
+    /// Set for the range operations: their value always goes.
+    bool SetAlways(float v);
+    /// Sends `value` to the break window's gauge, and remembers it.
+    void SendGaugeValue(BreakWindowChannel& window);
+    /// Whether `value` would look different on the break window's gauge from the last value sent.
+    bool ChangesBreakGauge(const BreakWindowChannel& window) const;
     /// What every reporting call ends with: the event loop's turn, then the answer.
     bool Pump();
     /// The break window, when this object has one that exists; every message goes through here.
@@ -207,6 +215,10 @@ private:
     std::unique_ptr<korva::WaitCursor> waitCursor;
     unsigned int delay = kDefaultDelay;
     QPointer<QWidget> marquee;               // owned: the spin indicator of a TsXTPStatusBar
+    // What the break window's gauge was last sent: its range, ordered, and its value.
+    float sentLow = 0.0f;
+    float sentHigh = 0.0f;
+    float sentValue = 0.0f;
 
     static std::atomic<Progress*> msActive;
     static TsGaugeBase* msGauge;

@@ -6,6 +6,9 @@
 //  - active, status bar route: the gauge in the main frame's status bar; the
 //    event loop runs at most every few milliseconds. The counter gauge_paints_per_s
 //    tells how often the gauge really repainted during the loop (wall time).
+//  - active, break route: the break window in its companion process, on the
+//    screen. The counter gauge_values_per_s tells how many values reached the
+//    companion's gauge per second (wall time), bar_width the width of its bar.
 //  - QProgressDialog, window-modal on the frame as Qt recommends for work on the
 //    GUI thread: every setValue lets the event loop run.
 //
@@ -13,6 +16,7 @@
 
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/WinApp.h>
+#include <KORVAutlwin/progress/BreakWindowProcess.h>
 #include <KORVAutlwin/progress/Progress.h>
 #include <KORVAutlwin/progress/TsGaugeBase.h>
 
@@ -122,6 +126,64 @@ void Progress_Set_ActiveStatusBar(benchmark::State& state)
     ReportPaints(state, paints, std::chrono::steady_clock::now() - start);
 }
 BENCHMARK(Progress_Set_ActiveStatusBar);
+
+// The companion, counting the gauge values that it is sent.
+class CountingBreakWindow : public BreakWindowChannel
+{
+public:
+    bool Create() override { return companion.Create(); }
+    bool IsWindow() const override { return companion.IsWindow(); }
+    void Finish() override { companion.Finish(); }
+    void SpinStep() override { companion.SpinStep(); }
+    void SpinRest() override { companion.SpinRest(); }
+    void SetTitle(const char* title) override { companion.SetTitle(title); }
+    void SetGaugeValue(float value) override
+    {
+        companion.SetGaugeValue(value);
+        ++values;
+        lastValue = value;
+    }
+    void SetGaugeRange(float low, float high) override { companion.SetGaugeRange(low, high); }
+    void ShowWindow(bool show) override { companion.ShowWindow(show); }
+    void Start(unsigned int delay, Progress* client, const QRect& mainWindow) override
+    {
+        companion.Start(delay, client, mainWindow);
+    }
+    int GetGaugeResolution() const override { return companion.GetGaugeResolution(); }
+
+    BreakWindowProcess companion;
+    long long values = 0;
+    float lastValue = 0.0f;
+};
+
+void Progress_Set_BreakRoute(benchmark::State& state)
+{
+    Frame();
+    static CountingBreakWindow* window = new CountingBreakWindow;
+    BreakWindowChannel::SetChannel(window);
+    auto progress = std::make_unique<Progress>(nullptr, "Computing", 0.0f, static_cast<float>(kSteps), false, true, true);
+    if (!progress->IsActive() || !window->IsWindow()) {
+        state.SkipWithError("the break window does not start");
+        return;
+    }
+    Progress::Show();
+    window->values = 0;
+    int step = 0;
+    const auto start = std::chrono::steady_clock::now();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(progress->Set(static_cast<float>(step)));
+        if (++step == kSteps)
+            step = 0;
+    }
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    state.counters["gauge_values_per_s"] = seconds > 0.0 ? static_cast<double>(window->values) / seconds : 0.0;
+    state.counters["bar_width"] = window->GetGaugeResolution();
+    const float last = progress->GetValue();
+    progress.reset();
+    if (window->lastValue != last)
+        state.SkipWithError("the break window did not end with the last value");
+}
+BENCHMARK(Progress_Set_BreakRoute);
 
 void QProgressDialog_setValue(benchmark::State& state)
 {
