@@ -1,42 +1,49 @@
 #pragma once
-// What the MDI frame tests share: a profile in a fresh registry store, and an
-// answerer for the message boxes that the frame shows.
+// What the frame and dialog tests share: an application object whose profile
+// lives in a fresh registry store, and the means to see and answer its boxes.
 
 #include "../utl/TempDir.h"
 #include "TestApplication.h"
 
+#include <KORVAutlwin/frame/MessageBoxTypes.h>
+#include <KORVAutlwin/frame/RegistrySection.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/WinApp.h>
 #include <KORVAutlwin/platform/Registry.h>
 
-#include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
-#include <QTest>
-#include <QTimer>
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <filesystem>
-#include <functional>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace korva::test {
 
-/// An application object whose profile lives in a registry store of its own.
+using Ids = std::vector<int>;
+
+/// The application object `name` of the company "Tessmark" (none for null),
+/// with every folder and the registry in a fresh temporary tree.
 class MdiFrameFixture : public ::testing::Test
 {
 protected:
+    explicit MdiFrameFixture(const char* name = "MdiFrameTest") : mName(name) {}
     void SetUp() override
     {
         Application();
         setenv("XDG_CONFIG_HOME", mDir.File("user").c_str(), 1);
+        setenv("KORVA_COMMON_APPDATA", mDir.File("machine").c_str(), 1);
         setenv("KORVA_REGISTRY_DIR", mDir.File("registry").c_str(), 1);
         std::filesystem::create_directories(mDir.File("registry"));
         RegistryStore::Reset();
-        mApp = std::make_unique<WinApp>("MdiFrameTest");
-        mApp->SetRegistryKey("Tessmark");
+        if (mName) {
+            mApp = std::make_unique<WinApp>(mName);
+            mApp->SetRegistryKey("Tessmark");
+        }
         TessmaMDIFrame::msFreeMemoryReader = nullptr;
         TessmaMDIFrame::msWorkAreaSource = nullptr;
         TessmaMDIFrame::SetWarnAboutMemory(true);
@@ -47,12 +54,27 @@ protected:
         TessmaMDIFrame::msWorkAreaSource = nullptr;
         mApp.reset();
         RegistryStore::Reset();
-        unsetenv("KORVA_REGISTRY_DIR");
-        unsetenv("XDG_CONFIG_HOME");
+        for (const char* name : {"KORVA_REGISTRY_DIR", "KORVA_COMMON_APPDATA", "XDG_CONFIG_HOME"})
+            unsetenv(name);
     }
 
+    /// The stored value of `key` among the remembered answers, as text ("" when missing).
+    static std::string Stored(const char* key)
+    {
+        const std::string section = std::string(GetRegistryBaseKeyName()) + "\\DontShowAgainMessages";
+        return TsGetRegKey(HKEY_CURRENT_USER, section.c_str(), key, "");
+    }
+
+    const char* mName;
     TempDir mDir;
     std::unique_ptr<WinApp> mApp;
+};
+
+/// The application "Dialogs", whose name the boxes show as their title.
+class MessageDialogTest : public MdiFrameFixture
+{
+protected:
+    MessageDialogTest() : MdiFrameFixture("Dialogs") {}
 };
 
 /// The message of a box: the library's own (its text control) or a QMessageBox,
@@ -62,9 +84,8 @@ inline QString BoxText(QWidget* box)
     QString text;
     if (auto* message = qobject_cast<QMessageBox*>(box))
         text = message->text();
-    for (QLabel* label : box->findChildren<QLabel*>())
-        if (label->property("ctrlId").toInt() == 13038)
-            text = label->text();
+    if (auto* label = Control<QLabel>(box, 13038))
+        text = label->text();
     return text.simplified();
 }
 
@@ -93,11 +114,53 @@ private:
     QTimer mTimer;
 };
 
-/// A frame whose timer handler the test may call, as the window system would.
-class TimerFrame : public TessmaMDIFrame
+/// The ids of the buttons the user sees, left to right.
+inline Ids VisibleButtonIds(QWidget* dialog)
+{
+    std::vector<QAbstractButton*> buttons;
+    for (QAbstractButton* button : dialog->findChildren<QAbstractButton*>())
+        if (button->isVisible() && !button->isCheckable())
+            buttons.push_back(button);
+    std::sort(buttons.begin(), buttons.end(), [](QAbstractButton* a, QAbstractButton* b) {
+        return a->mapTo(a->window(), QPoint()).x() < b->mapTo(b->window(), QPoint()).x();
+    });
+    Ids ids;
+    for (QAbstractButton* button : buttons)
+        ids.push_back(button->property("ctrlId").toInt());
+    return ids;
+}
+
+/// The "ctrlId" of the control with the focus (0 for none).
+inline int FocusedId(QWidget* dialog)
+{
+    return dialog->focusWidget() ? dialog->focusWidget()->property("ctrlId").toInt() : 0;
+}
+
+/// Counts every dialog that is shown while it lives and closes it at once,
+/// so that a call that should show nothing cannot hang the test.
+class DialogSpy : public QObject
 {
 public:
-    using TessmaMDIFrame::OnTimer;
+    DialogSpy() { qApp->installEventFilter(this); }
+    ~DialogSpy() override { qApp->removeEventFilter(this); }
+    int Count() const { return mCount; }
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        auto* dialog = qobject_cast<QDialog*>(object);
+        if (event->type() == QEvent::Show && dialog) {
+            ++mCount;
+            QTimer::singleShot(0, [guarded = QPointer<QDialog>(dialog)] {
+                if (guarded)
+                    guarded->close();
+            });
+        }
+        return false;
+    }
+
+private:
+    int mCount = 0;
 };
 
 } // namespace korva::test

@@ -1,25 +1,22 @@
 // The message box itself: buttons, default button, Escape, icon, wrapping,
-// check box, custom captions, help; the scrolling box; the line breaker.
+// check box, custom captions, help; the scrolling box; the line breaker; the
+// details dialog and the switch that mutes it.
 
-#include "MessageDialogTestSupport.h"
+#include "MdiFrameTestSupport.h"
 
 #include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
+#include <KORVAutlwin/frame/DetailsDialog.h>
 #include <KORVAutlwin/frame/LimitLineLength.h>
-#include <KORVAutlwin/frame/MessageBoxTypes.h>
+#include <KORVAutlwin/frame/MuteDetailsDialog.h>
 #include <KORVAutlwin/frame/ScrollMessageBox.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
 
 #include <KORVAutl/LanguageString.h>
 
 #include <QCheckBox>
-#include <QFontMetrics>
-#include <QLabel>
+#include <QLayout>
 #include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRect>
 #include <QStyle>
-
-#include <gtest/gtest.h>
 
 using namespace korva::test;
 
@@ -28,8 +25,7 @@ namespace {
 std::vector<std::string> Lines(const std::string& text)
 {
     std::vector<std::string> lines;
-    std::size_t start = 0;
-    for (;;) {
+    for (std::size_t start = 0;;) {
         const std::size_t end = text.find('\n', start);
         lines.push_back(text.substr(start, end - start));
         if (end == std::string::npos)
@@ -38,50 +34,16 @@ std::vector<std::string> Lines(const std::string& text)
     }
 }
 
-// The text without line feeds and blanks: what wrapping must never change.
-std::string Letters(std::string text)
+QString Caption(unsigned int id)
 {
-    std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
-    return text;
-}
-
-QImage IconOf(QWidget* box)
-{
-    auto* icon = box->findChild<QLabel*>(QStringLiteral("icon"));
-    return icon ? icon->pixmap().toImage() : QImage();
-}
-
-QImage StandardIcon(QWidget* box, QStyle::StandardPixmap kind)
-{
-    const int size = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box);
-    return box->style()->standardIcon(kind, nullptr, box).pixmap(size, size).toImage();
-}
-
-// Runs a box of `type` and presses `key` in it; the box's answer (-1 if it stayed open, then No or OK ends it).
-int AnswerWithKey(unsigned int type, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    CustomMessageBoxDlg box(type, 0, nullptr);
-    bool stayedOpen = false;
-    WhenModal([&](QWidget* dialog) {
-        Press(dialog, key, modifiers);
-        if (dialog->isVisible()) {
-            stayedOpen = true;
-            Click(dialog, (type & MB_TYPEMASK) == MB_YESNO ? IDNO : IDOK);
-        }
-    });
-    const int answer = box.exec();
-    return stayedOpen ? -1 : answer;
+    return QString::fromUtf8(LanguageString::Get(id));
 }
 
 } // namespace
 
 TEST_F(MessageDialogTest, ButtonSetsFollowTheTypeAndHelpJoinsAtTheEnd)
 {
-    const struct
-    {
-        unsigned int type;
-        Ids buttons;
-    } cases[] = {
+    const struct { unsigned int type; Ids buttons; } cases[] = {
         {MB_OK, {IDOK}},
         {MB_OKCANCEL, {IDOK, IDCANCEL}},
         {MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}},
@@ -96,80 +58,76 @@ TEST_F(MessageDialogTest, ButtonSetsFollowTheTypeAndHelpJoinsAtTheEnd)
         EXPECT_EQ(VisibleButtonIds(&box), c.buttons) << "type " << c.type;
         EXPECT_EQ(box.findChildren<QCheckBox*>().size(), 0) << "no check box unless asked for";
     }
-    CustomMessageBoxDlg withHelp(MB_YESNOCANCEL, 4711, nullptr);
-    withHelp.show();
-    EXPECT_EQ(VisibleButtonIds(&withHelp), (Ids{IDYES, IDNO, IDCANCEL, IDHELP}));
-    EXPECT_EQ(Button(&withHelp, IDYES)->text(), QStringLiteral("&Yes"));
-    EXPECT_EQ(Button(&withHelp, IDCANCEL)->text(), QStringLiteral("Cancel"));
-}
 
-TEST_F(MessageDialogTest, HelpShowsTheTopicAndLeavesTheBoxOpen)
-{
+    // Help joins at the end, shows the topic and leaves the box open.
     unsigned int topic = 0;
     TsDialog::SetHelpTopicHandler([&](unsigned int id) { topic = id; });
-    CustomMessageBoxDlg box(MB_OK, 4711, nullptr);
+    CustomMessageBoxDlg box(MB_YESNOCANCEL, 4711, nullptr);
+    Ids shown;
     bool openAfterHelp = false;
     WhenModal([&](QWidget* dialog) {
+        shown = VisibleButtonIds(dialog);
         Click(dialog, IDHELP);
         openAfterHelp = dialog->isVisible();
-        Click(dialog, IDOK);
+        Click(dialog, IDNO);
     });
-    EXPECT_EQ(box.exec(), IDOK);
+    EXPECT_EQ(box.exec(), IDNO);
+    EXPECT_EQ(shown, (Ids{IDYES, IDNO, IDCANCEL, IDHELP}));
     EXPECT_TRUE(openAfterHelp);
     EXPECT_EQ(topic, 4711u);
     TsDialog::SetHelpTopicHandler(nullptr);
 }
 
-TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessTheBoxOnlyAsksYesOrNo)
+TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessTheBoxHasNoWayOut)
 {
-    const struct
-    {
-        unsigned int type;
-        int answer;
-    } cases[] = {
-        {MB_OK, IDOK},
-        {MB_YESNOCANCEL, IDYES},
-        {MB_YESNOCANCEL | MB_DEFBUTTON2, IDNO},
-        {MB_YESNOCANCEL | MB_DEFBUTTON3, IDCANCEL},
-        {MB_OKCANCEL | MB_DEFBUTTON3, IDOK},   // no third button: the first stays the default
+    constexpr int kStaysOpen = -1;
+    const struct { unsigned int type; Qt::Key key; Qt::KeyboardModifiers modifiers; int answer; } cases[] = {
+        {MB_OK, Qt::Key_Return, {}, IDOK},
+        {MB_YESNOCANCEL, Qt::Key_Return, {}, IDYES},
+        {MB_YESNOCANCEL | MB_DEFBUTTON2, Qt::Key_Return, {}, IDNO},
+        {MB_YESNOCANCEL | MB_DEFBUTTON3, Qt::Key_Return, {}, IDCANCEL},
+        {MB_OKCANCEL | MB_DEFBUTTON3, Qt::Key_Return, {}, IDOK},   // no third button: the first stays the default
+        {MB_OK, Qt::Key_Escape, {}, IDCANCEL},
+        {MB_OK, Qt::Key_C, Qt::ControlModifier, IDCANCEL},       // Ctrl+C counts as Escape
+        {MB_YESNO, Qt::Key_Escape, {}, kStaysOpen},
+        {MB_YESNO | MB_ICONQUESTION, Qt::Key_C, Qt::ControlModifier, kStaysOpen},
+        {MB_ABORTRETRYIGNORE, Qt::Key_Escape, {}, kStaysOpen},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "type " << c.type << " key " << c.key);
         CustomMessageBoxDlg box(c.type, 0, nullptr);
-        bool focused = false;
+        int focused = 0;
+        bool stayedOpen = false;
         WhenModal([&](QWidget* dialog) {
-            focused = dialog->focusWidget() == Button(dialog, c.answer);
-            Press(dialog, Qt::Key_Return);
+            focused = FocusedId(dialog);
+            Press(dialog, c.key, c.modifiers);
+            if ((stayedOpen = dialog->isVisible()))
+                Click(dialog, VisibleButtonIds(dialog).back());
         });
-        EXPECT_EQ(box.exec(), c.answer) << "type " << c.type;
-        EXPECT_TRUE(focused) << "the default button has the focus, type " << c.type;
+        const int answer = box.exec();
+        EXPECT_EQ(stayedOpen ? kStaysOpen : answer, c.answer);
+        if (c.key == Qt::Key_Return) {
+            EXPECT_EQ(focused, c.answer) << "the default button has the focus";
+        }
     }
-
-    EXPECT_EQ(AnswerWithKey(MB_OK, Qt::Key_Escape), IDCANCEL);
-    EXPECT_EQ(AnswerWithKey(MB_YESNOCANCEL, Qt::Key_Escape), IDCANCEL);
-    EXPECT_EQ(AnswerWithKey(MB_OK, Qt::Key_C, Qt::ControlModifier), IDCANCEL);
-    // Yes/No: neither Escape nor Ctrl+C answers; the box waits for a button.
-    EXPECT_EQ(AnswerWithKey(MB_YESNO, Qt::Key_Escape), -1);
-    EXPECT_EQ(AnswerWithKey(MB_YESNO | MB_ICONQUESTION, Qt::Key_C, Qt::ControlModifier), -1);
 }
 
 TEST_F(MessageDialogTest, IconFollowsTheIconBits)
 {
-    const struct
-    {
-        unsigned int type;
-        QStyle::StandardPixmap icon;
-    } cases[] = {
+    const std::pair<unsigned int, QStyle::StandardPixmap> cases[] = {
         {MB_ICONHAND, QStyle::SP_MessageBoxCritical},
         {MB_ICONQUESTION, QStyle::SP_MessageBoxQuestion},
         {MB_ICONASTERISK, QStyle::SP_MessageBoxInformation},
         {MB_ICONEXCLAMATION, QStyle::SP_MessageBoxWarning},
         {MB_OK, QStyle::SP_MessageBoxWarning},   // no icon bits: the exclamation mark
     };
-    for (const auto& c : cases) {
-        CustomMessageBoxDlg box(c.type | MB_OKCANCEL, 0, nullptr);
+    for (const auto& [type, kind] : cases) {
+        CustomMessageBoxDlg box(type | MB_OKCANCEL, 0, nullptr);
         box.show();
-        ASSERT_FALSE(IconOf(&box).isNull());
-        EXPECT_EQ(IconOf(&box), StandardIcon(&box, c.icon)) << "type " << c.type;
+        const QImage icon = box.findChild<QLabel*>(QStringLiteral("icon"))->pixmap().toImage();
+        const int size = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
+        ASSERT_FALSE(icon.isNull());
+        EXPECT_EQ(icon, box.style()->standardIcon(kind, nullptr, &box).pixmap(size, size).toImage()) << type;
     }
 }
 
@@ -183,31 +141,22 @@ TEST_F(MessageDialogTest, LongTextIsWrappedAt140CharactersAndTheBoxFitsIt)
     box.SetText(text.c_str());
     box.show();
     auto* label = Control<QLabel>(&box, CustomMessageBoxDlg::kTextCtrlId);
-    ASSERT_NE(label, nullptr);
     const std::string shown = label->text().toStdString();
     const std::vector<std::string> lines = Lines(shown);
     ASSERT_GE(lines.size(), 6u);
     for (const std::string& line : lines)
         EXPECT_LE(line.size(), 140u) << line;
-    // Lines are filled: each broken line would not take the next word as well.
-    EXPECT_GT(lines.front().size(), 120u);
+    EXPECT_GT(lines.front().size(), 120u) << "lines are filled";
     EXPECT_EQ(lines.back(), "A second paragraph stays a paragraph of its own.");
-    EXPECT_EQ(Letters(shown), Letters(text));
     // The text is not cut off: the label is at least as large as the text's bounds.
     const QRect bounds = LimitLineLength::GetBoundsRect(label->fontMetrics(), shown);
     EXPECT_GE(label->width(), bounds.width());
     EXPECT_GE(label->height(), bounds.height());
-    EXPECT_GE(box.width(), bounds.width());
 }
 
-TEST(LimitLineLength, ByCharactersBreaksAtBlanksAndCutsOnlyOverlongWords)
+TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
 {
-    const struct
-    {
-        std::string text;
-        unsigned int limit;
-        std::string broken;
-    } cases[] = {
+    const struct { std::string text; unsigned int limit; std::string broken; } cases[] = {
         {std::string(140, 'x'), 140, std::string(140, 'x')},
         {std::string(141, 'x'), 140, std::string(140, 'x') + "\nx"},
         {"alpha beta   gamma delta", 10, "alpha beta\ngamma\ndelta"},
@@ -222,10 +171,7 @@ TEST(LimitLineLength, ByCharactersBreaksAtBlanksAndCutsOnlyOverlongWords)
         LimitLineLength::ByCharacters(text, c.limit);
         EXPECT_EQ(text, c.broken) << c.text;
     }
-}
 
-TEST(LimitLineLength, ByPixelsKeepsEveryLineWithinTheWidth)
-{
     korva::test::Application();
     const QFontMetrics metrics(QApplication::font());
     std::string text = "The stop was requested while the model was being fitted to the calibration data";
@@ -244,11 +190,9 @@ TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
     WhenModal([&](QWidget* dialog) { title = dialog->windowTitle(); Click(dialog, IDCANCEL); });
     EXPECT_EQ(TsMessageBox("Export", "The file exists.", MB_OKCANCEL), IDCANCEL);
     EXPECT_EQ(title, QStringLiteral("Export"));
-
-    // Without a title the box is titled with the application's name.
     WhenModal([&](QWidget* dialog) { title = dialog->windowTitle(); Click(dialog, IDOK); });
     EXPECT_EQ(TsMessageBox("Saved."), IDOK);
-    EXPECT_EQ(title, QStringLiteral("Dialogs"));
+    EXPECT_EQ(title, QStringLiteral("Dialogs")) << "without a title, the application's name";
 
     // By string id: an id without text keeps the standard caption.
     WhenModal([&](QWidget* dialog) {
@@ -257,7 +201,7 @@ TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
         Click(dialog, IDYES);
     });
     EXPECT_EQ(TsMessageBox(13199u, MB_YESNOCANCEL, 13346u, 99999u), IDYES);
-    EXPECT_EQ(yes, QString::fromUtf8(LanguageString::Get(13346)));
+    EXPECT_EQ(yes, Caption(13346));
     EXPECT_EQ(no, QStringLiteral("&No"));
 
     // Captions replace only Yes and No, and only in the forms that have them.
@@ -268,10 +212,8 @@ TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
 
 TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
 {
-    bool checked = true;
-    bool checkedAtStart = false;
+    bool checked = true, checkedAtStart = false;
     QString caption;
-    // Toggles the box and answers with `button`.
     const auto toggleAnd = [&](int button) {
         WhenModal([&, button](QWidget* dialog) {
             auto* box = Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId);
@@ -285,7 +227,7 @@ TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
     EXPECT_EQ(CheckBoxMessageBox("The import skipped 3 rows.", checked, MB_OKCANCEL), IDOK);
     EXPECT_TRUE(checkedAtStart) << "the state comes from the caller";
     EXPECT_FALSE(checked);
-    EXPECT_EQ(caption, QString::fromUtf8(LanguageString::Get(13199)));
+    EXPECT_EQ(caption, Caption(13199));
 
     toggleAnd(IDCANCEL);
     EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_OKCANCEL, "&Remember"), IDCANCEL);
@@ -323,4 +265,82 @@ TEST_F(MessageDialogTest, ScrollMessageBoxShowsTheWholeTextWithTheTypesButtons)
     });
     EXPECT_EQ(TsScrollMessageBox(13199u, MB_YESNO), IDYES);
     EXPECT_TRUE(stayedOpen);
+}
+
+TEST_F(MessageDialogTest, DetailsButtonOpensAndClosesTheDetailsBelowTheButtons)
+{
+    std::vector<bool> detailsShown;
+    bool belowButtons = false, grew = false;
+    QString text, details, caption;
+    WhenModal([&](QWidget* box) {
+        auto* detailsControl = Control<QPlainTextEdit>(box, DetailsDialogClass::kDetailsCtrlId);
+        text = Control<QLabel>(box, DetailsDialogClass::kTextCtrlId)->text();
+        details = detailsControl->toPlainText();
+        caption = Button(box, DetailsDialogClass::kDetailsButtonCtrlId)->text();
+        const int heightBefore = box->height();
+        for (int i = 0; i < 2; ++i) {
+            detailsShown.push_back(detailsControl->isVisible());
+            Click(box, DetailsDialogClass::kDetailsButtonCtrlId);
+            if (i == 0) {
+                grew = box->height() > heightBefore;
+                box->layout()->activate();
+                belowButtons = detailsControl->y() > Button(box, IDOK)->mapTo(box, QPoint()).y();
+            }
+        }
+        detailsShown.push_back(detailsControl->isVisible());
+        Click(box, IDOK);
+    });
+    DetailsDialog("2 of 5 files could not be opened.", "a.csv: locked\nb.csv: missing", "Open", MB_ICONERROR);
+    EXPECT_EQ(detailsShown, (std::vector<bool>{false, true, false}));
+    EXPECT_TRUE(grew);
+    EXPECT_TRUE(belowButtons);
+    EXPECT_EQ(text, QStringLiteral("2 of 5 files could not be opened."));
+    EXPECT_EQ(details, QStringLiteral("a.csv: locked\nb.csv: missing"));
+    EXPECT_EQ(caption, Caption(13181));
+
+    // Opened from the start when asked; without details there is no details button.
+    bool openAtStart = false;
+    WhenModal([&](QWidget* box) {
+        openAtStart = Control<QPlainTextEdit>(box, DetailsDialogClass::kDetailsCtrlId)->isVisible();
+        Press(box, Qt::Key_Return);
+    });
+    DetailsDialog(nullptr, "Text", "Details", "Title", MB_ICONASTERISK, true);
+    EXPECT_TRUE(openAtStart);
+    bool buttonShown = true, checkBox = true;
+    WhenModal([&](QWidget* box) {
+        buttonShown = Button(box, DetailsDialogClass::kDetailsButtonCtrlId)->isVisible();
+        checkBox = box->findChild<QCheckBox*>() != nullptr;
+        Press(box, Qt::Key_Escape);
+    });
+    DetailsDialog("Nothing more to say.", "Title", MB_ICONASTERISK, true);
+    EXPECT_FALSE(buttonShown);
+    EXPECT_FALSE(checkBox) << "a check box only with a key";
+}
+
+TEST_F(MessageDialogTest, MutedDetailsDialogsCollectInsteadOfShowing)
+{
+    MuteDetailsDialog* mute = MuteDetailsDialog::Instance();
+    EXPECT_FALSE(mute->IsMuted()) << "starts unmuted";
+    mute->Mute(true);
+    {
+        DialogSpy spy;
+        DetailsDialog("Three samples were skipped.", "s1\ns2\ns3", "Import", MB_ICONEXCLAMATION);
+        DetailsDialog("Done.", "Export");
+        DetailsDialogDontShowAgain("Skipped", "Skipped again.", "s4", "Import");
+        EXPECT_EQ(spy.Count(), 0);
+    }
+    ASSERT_EQ(mute->GetMessages().size(), 3u);
+    EXPECT_EQ(mute->GetMessages()[0].text, "Three samples were skipped.");
+    EXPECT_EQ(mute->GetMessages()[0].details, "s1\ns2\ns3");
+    EXPECT_EQ(mute->GetMessages()[0].nType, static_cast<unsigned int>(MB_ICONEXCLAMATION));
+    EXPECT_EQ(mute->GetMessages()[1].details, "");
+    EXPECT_EQ(Stored("Skipped"), "") << "muted, nobody checked anything";
+
+    // Unmuted, the dialogs show again and nothing more is collected.
+    mute->Mute(false);
+    mute->Clear();
+    DialogSpy spy;
+    DetailsDialog("Done.", "Export");
+    EXPECT_EQ(spy.Count(), 1);
+    EXPECT_TRUE(mute->GetMessages().empty());
 }

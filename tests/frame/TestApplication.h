@@ -1,12 +1,17 @@
 #pragma once
 // One guarded QApplication for the whole test program: made on first use, kept
 // to process end (Qt allows only one per process). Widget tests run offscreen.
+// With it the helpers that find a dialog's controls by "ctrlId" and answer it.
 
 #include <KORVAutlwin/frame/GuardedApplication.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -49,6 +54,38 @@ inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::millise
         }
     });
     timer->start(20);
+}
+
+/// The control of `dialog` whose "ctrlId" is `id`, or null.
+template <class Widget = QWidget>
+Widget* Control(QWidget* dialog, int id)
+{
+    for (Widget* widget : dialog->findChildren<Widget*>())
+        if (widget->property("ctrlId").toInt() == id)
+            return widget;
+    return nullptr;
+}
+
+inline QAbstractButton* Button(QWidget* dialog, int id)
+{
+    return Control<QAbstractButton>(dialog, id);
+}
+
+/// A key press as the user makes it: it goes to the widget with the focus.
+inline void Press(QWidget* dialog, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, key, modifiers);
+}
+
+/// A mouse click on the control `id`; without one the test fails and the dialog closes.
+inline void Click(QWidget* dialog, int id)
+{
+    if (QWidget* control = Control(dialog, id)) {
+        QTest::mouseClick(control, Qt::LeftButton);
+    } else {
+        ADD_FAILURE() << "no control " << id;
+        dialog->close();
+    }
 }
 
 /// While it lives, this thread's allocations are not reported as leaks: Qt

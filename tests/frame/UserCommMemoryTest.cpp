@@ -1,16 +1,11 @@
 // Collecting informs under headers, and the scopes that remember "to all"
 // answers and hand what they collected to the channel before them.
 
-#include "MessageDialogTestSupport.h"
+#include "MdiFrameTestSupport.h"
 
 #include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/MemoryUserComm.h>
 #include <KORVAutlwin/frame/MuteInformUserComm.h>
-#include <KORVAutlwin/frame/YesNoCancelAll.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 using namespace korva::test;
 
@@ -31,7 +26,6 @@ protected:
         EXPECT_EQ(UserComm::SetUserComm(mBefore), &mOuter) << "a scope was left installed";
         MessageDialogTest::TearDown();
     }
-
     // Answers the next dialog with `key` and notes its class.
     void AnswerNext(Qt::Key key)
     {
@@ -39,6 +33,11 @@ protected:
             mLastDialog = dialog->metaObject()->className();
             Press(dialog, key);
         });
+    }
+    static void Inform(std::initializer_list<const char*> texts)
+    {
+        for (const char* text : texts)
+            UserComm::GetUserComm()->InformUser(text, "ignored", 0);
     }
 
     MuteInformUserComm mOuter;
@@ -51,50 +50,38 @@ protected:
 TEST_F(UserCommMemoryTest, RepeatedInformUnderOneHeaderIsStoredOnce)
 {
     MuteInformUserComm mute;
-    mute.SetHeader("Import of batch 117:\n");
+    mute.SetHeader("Batch 117:\n");
     mute.InformUser("Row 7 is empty.", "ignored", 0);
     mute.InformUser("Row 9 is empty.", nullptr, 0);
     mute.InformUser("Row 7 is empty.", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "Import of batch 117:\nRow 7 is empty.\nRow 9 is empty.\n");
-
     // The same inform under a new header is stored again, under that header.
-    mute.SetHeader("Import of batch 118:\n");
+    mute.SetHeader("Batch 118:\n");
     mute.InformUser("Row 7 is empty.", nullptr, 0);
     mute.InformUser("Row 7 is empty.", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "Import of batch 117:\nRow 7 is empty.\nRow 9 is empty.\n"
-                                               "Import of batch 118:\nRow 7 is empty.\n");
+    EXPECT_STREQ(mute.GetInformUserMessages(),
+                 "Batch 117:\nRow 7 is empty.\nRow 9 is empty.\nBatch 118:\nRow 7 is empty.\n");
     EXPECT_EQ(mute.GetUsage(), 0) << "collecting does not address the user";
+
+    // A header set again is not repeated; back to a header that stands earlier
+    // in the list, lines after it, also those under later headers, count as there.
+    MuteInformUserComm again;
+    for (const auto& [header, line] : {std::pair{"A\n", "x"}, {"A\n", "y"}, {"B\n", "z"}, {"B\n", "x"}, {"A\n", "z"},
+                                       {"A\n", "w"}}) {
+        again.SetHeader(header);
+        again.InformUser(line, nullptr, 0);
+    }
+    EXPECT_STREQ(again.GetInformUserMessages(), "A\nx\ny\nB\nz\nx\nw\n");
 }
 
-TEST_F(UserCommMemoryTest, HeaderSetAgainIsNotRepeatedAndItsFirstPlaceCounts)
+TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
 {
     MuteInformUserComm mute;
-    mute.SetHeader("A\n");
-    mute.InformUser("x", nullptr, 0);
-    mute.SetHeader("A\n");
-    mute.InformUser("y", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "A\nx\ny\n");
-
-    // Back to a header that stands earlier in the list: lines after it, also
-    // those under later headers, count as already there.
-    mute.SetHeader("B\n");
-    mute.InformUser("z", nullptr, 0);
-    mute.InformUser("x", nullptr, 0);
-    mute.SetHeader("A\n");
-    mute.InformUser("z", nullptr, 0);
-    mute.InformUser("w", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "A\nx\ny\nB\nz\nx\nw\n");
-}
-
-TEST_F(UserCommMemoryTest, PrefixEmptyAndAddString)
-{
-    MuteInformUserComm mute;
-    // Without a header the empty header goes in, invisibly.
+    // Without a header the empty header goes in, invisibly; a null text is an empty line.
     mute.SetPrefix("  - ");
     mute.InformUser("first", nullptr, 0);
     mute.SetPrefix(nullptr);
-    mute.InformUser("first", nullptr, 0);  // another line without the prefix
-    mute.InformUser(nullptr, nullptr, 0);  // a null text is an empty line
+    mute.InformUser("first", nullptr, 0);
+    mute.InformUser(nullptr, nullptr, 0);
     EXPECT_STREQ(mute.GetInformUserMessages(), "  - first\nfirst\n\n");
 
     // Empty keeps the header flag: the header does not come back by itself, and
@@ -105,15 +92,13 @@ TEST_F(UserCommMemoryTest, PrefixEmptyAndAddString)
     EXPECT_STREQ(mute.GetInformUserMessages(), "");
     mute.InformUser("b", nullptr, 0);
     mute.InformUser("b", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\n");
     mute.SetHeader("Header\n");
     mute.InformUser("b", nullptr, 0);
     EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\n");
 
     // AddString skips equal strings anywhere in the list.
-    mute.AddString("b\n");
-    mute.AddString("Header\n");
-    mute.AddString("c");
+    for (const char* text : {"b\n", "Header\n", "c"})
+        mute.AddString(text);
     EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\nc");
 
     // The copy takes everything, the header flag included.
@@ -126,9 +111,8 @@ TEST_F(UserCommMemoryTest, PrefixEmptyAndAddString)
 TEST_F(UserCommMemoryTest, SilencedInformIsNotCollected)
 {
     {
-        RegistrySection key(HKEY_CURRENT_USER, "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser", KEY_ALL_ACCESS, true);
-        ASSERT_TRUE(key.WriteInt("5", 0));
-        ASSERT_TRUE(key.WriteInt("6", 1));
+        RegistrySection key = korva::OpenInformSilenceKey();
+        ASSERT_TRUE(key.WriteInt("5", 0) && key.WriteInt("6", 1));
     }
     MuteInformUserComm mute;
     mute.SetHeader("H\n");
@@ -139,46 +123,32 @@ TEST_F(UserCommMemoryTest, SilencedInformIsNotCollected)
     EXPECT_STREQ(mute.GetInformUserMessages(), "H\nshown\nnew id\n");
 }
 
-TEST_F(UserCommMemoryTest, ScopeCollectsAndHandsOnAtItsEnd)
+TEST_F(UserCommMemoryTest, ScopesCollectAndHandOnAtTheirEndInReverseOrder)
 {
     {
-        MemoryUserComm scope;
-        EXPECT_EQ(UserComm::GetUserComm(), &scope);
-        EXPECT_EQ(scope.GetLastAnsver(), -1);
-        scope.SetHeader("Favourites:\n");
-        UserComm::GetUserComm()->InformUser("Wheat is missing.", "Open", 0);
-        UserComm::GetUserComm()->InformUser("Barley is missing.", "Open", 0);
-        UserComm::GetUserComm()->InformUser("Wheat is missing.", "Open", 0);
+        MemoryUserComm outerScope;
+        EXPECT_EQ(outerScope.GetLastAnsver(), -1);
+        outerScope.SetHeader("Favourites:\n");
+        {
+            MemoryUserComm innerScope;
+            EXPECT_EQ(UserComm::GetUserComm(), &innerScope);
+            Inform({"inner fact"});
+        }
+        EXPECT_EQ(UserComm::GetUserComm(), &outerScope);
+        Inform({"Wheat is missing.", "Barley is missing.", "Wheat is missing."});
         // The collection stays private to the scope.
-        EXPECT_STREQ(static_cast<MuteInformUserComm&>(scope).GetInformUserMessages(), "");
+        EXPECT_STREQ(static_cast<MuteInformUserComm&>(outerScope).GetInformUserMessages(), "");
         EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
     }
     EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
     // One inform with everything; the collecting channel adds its line feed.
-    EXPECT_STREQ(mOuter.GetInformUserMessages(), "Favourites:\nWheat is missing.\nBarley is missing.\n\n");
+    EXPECT_STREQ(mOuter.GetInformUserMessages(),
+                 "Favourites:\ninner fact\n\nWheat is missing.\nBarley is missing.\n\n");
 
     // A scope with nothing collected informs nobody, not even with an empty text.
     mOuter.Empty();
     { MemoryUserComm scope; }
     EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
-}
-
-TEST_F(UserCommMemoryTest, NestedScopesEndInReverseOrder)
-{
-    {
-        MemoryUserComm outerScope;
-        outerScope.SetHeader("outer\n");
-        {
-            MemoryUserComm innerScope;
-            EXPECT_EQ(UserComm::GetUserComm(), &innerScope);
-            UserComm::GetUserComm()->InformUser("inner fact", nullptr, 0);
-        }
-        EXPECT_EQ(UserComm::GetUserComm(), &outerScope);
-        UserComm::GetUserComm()->InformUser("outer fact", nullptr, 0);
-        EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
-    }
-    EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
-    EXPECT_STREQ(mOuter.GetInformUserMessages(), "outer\ninner fact\n\nouter fact\n\n");
 }
 
 TEST_F(UserCommMemoryTest, CopyDoesNotInstallButReinstallsAtItsEnd)
@@ -189,7 +159,6 @@ TEST_F(UserCommMemoryTest, CopyDoesNotInstallButReinstallsAtItsEnd)
         {
             MemoryUserComm copy(scope);
             EXPECT_EQ(UserComm::GetUserComm(), &scope);
-            EXPECT_EQ(copy.GetLastAnsver(), -1);
         }
         // The copy's end put the channel before the scope back and handed the fact on.
         EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
@@ -201,60 +170,42 @@ TEST_F(UserCommMemoryTest, CopyDoesNotInstallButReinstallsAtItsEnd)
     EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
 }
 
-TEST_F(UserCommMemoryTest, YesToAllAnswersEveryFollowingQuestion)
+TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)
 {
-    MemoryUserComm scope;
-    AnswerNext(Qt::Key_Return);  // the default: yes to all
-    EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", "Export", 2), 1);
-    EXPECT_EQ(mLastDialog, "YesNoCancelAll");
-    EXPECT_EQ(scope.GetLastAnsver(), 2);
-    {
-        DialogSpy spy;
-        EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace b.csv?", "", "Export", 3), 1);
-        EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate?", "", nullptr, 5), 1);
-        EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 5), 1);
-        EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 3), 1);
-        EXPECT_EQ(spy.Count(), 0);
+    const struct { int toAll; int answer; } cases[] = {{2, 1}, {4, 3}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.toAll);
+        MemoryUserComm scope;
+        // Cancel is returned as it is, and the next question asks again.
+        AnswerNext(Qt::Key_Escape);
+        EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate model 1?", "", nullptr, 1), 5);
+        EXPECT_EQ(scope.GetLastAnsver(), 5);
+        AnswerNext(Qt::Key_Return);   // the default: the "to all" answer
+        EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", "Export", c.toAll), c.answer);
+        EXPECT_EQ(mLastDialog, "YesNoCancelAll");
+        {
+            DialogSpy spy;
+            EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace b.csv?", "", "Export", 5), c.answer);
+            EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate?", "", nullptr, 5), c.answer);
+            EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 5), c.answer);
+            EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 4 - c.answer), c.answer);   // against the default
+            EXPECT_EQ(spy.Count(), 0);
+        }
+        EXPECT_EQ(scope.GetLastAnsver(), c.toAll);
+
+        // The question with details is not remembered: it asks, and leaves the "to all" alone.
+        AnswerNext(Qt::Key_Return);
+        EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
+        EXPECT_EQ(mLastDialog, "YesNoDialog");
+        EXPECT_EQ(scope.GetLastAnsver(), c.toAll);
+        EXPECT_EQ(scope.GetUsage(), 3);
     }
-    EXPECT_EQ(scope.GetLastAnsver(), 2);
-
-    // The question with details is not remembered: it asks, and leaves the "to all" alone.
-    AnswerNext(Qt::Key_Return);
-    EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
-    EXPECT_EQ(mLastDialog, "YesNoDialog");
-    EXPECT_EQ(scope.GetLastAnsver(), 2);
-    EXPECT_EQ(scope.GetUsage(), 2);
-}
-
-TEST_F(UserCommMemoryTest, NoToAllAnswersNoAndCancelAsksAgain)
-{
+    // The plain yes/no question asks through the message box while nothing is remembered.
     MemoryUserComm scope;
-    // Cancel is returned as it is, and the next question asks again.
-    AnswerNext(Qt::Key_Escape);
-    EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate model 1?", "", nullptr, 1), 5);
-    EXPECT_EQ(scope.GetLastAnsver(), 5);
-    AnswerNext(Qt::Key_Return);  // default No
+    AnswerNext(Qt::Key_Return);
     EXPECT_EQ(scope.AskUserYesNo("Delete the sample?", nullptr, 3), 3);
     EXPECT_EQ(mLastDialog, "CustomMessageBoxDlg");
     EXPECT_EQ(scope.GetLastAnsver(), 3);
-
-    AnswerNext(Qt::Key_Return);  // the default: no to all
-    EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", nullptr, 4), 3);
-    EXPECT_EQ(scope.GetLastAnsver(), 4);
-    {
-        DialogSpy spy;
-        EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 1), 3);
-        EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 1), 3);
-        EXPECT_EQ(spy.Count(), 0);
-    }
-    EXPECT_EQ(scope.GetUsage(), 3);
-
-    // A new scope starts without the answer.
-    MemoryUserComm next;
-    EXPECT_EQ(next.GetLastAnsver(), -1);
-    AnswerNext(Qt::Key_Return);
-    EXPECT_EQ(next.AskUserYesCancel("Go on?", "", nullptr, 1), 1);
-    EXPECT_EQ(next.GetLastAnsver(), 1);
 }
 
 TEST_F(UserCommMemoryTest, EachNestedScopeRemembersItsOwnAnswer)
@@ -291,7 +242,7 @@ TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
     {
         MemoryUserComm scope;
         scope.SetHeader("Export:\n");
-        UserComm::GetUserComm()->InformUser("3 files written.", "Export", 0);
+        Inform({"3 files written."});
     }
     EXPECT_EQ(shownText, "Export:\n3 files written.\n");
     EXPECT_EQ(shownType, static_cast<unsigned int>(MB_ICONASTERISK));

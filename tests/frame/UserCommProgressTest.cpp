@@ -5,15 +5,6 @@
 
 #include <KORVAutlwin/frame/MemoryUserComm.h>
 #include <KORVAutlwin/frame/StandardUserComm.h>
-#include <KORVAutlwin/platform/Registry.h>
-
-#include <QTest>
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
-#include <vector>
 
 using korva::test::BreakMessage;
 
@@ -40,17 +31,6 @@ protected:
         ProgressFrameFixture::TearDown();
     }
 
-    // Runs `call`, answering its dialog with Return; what the break window got
-    // while the dialog was up, and in all.
-    void Run(const std::function<void()>& call, std::vector<BreakMessage>& whileShown)
-    {
-        korva::test::WhenModal([this, &whileShown](QWidget* dialog) {
-            whileShown = mWindow.messages;
-            QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, Qt::Key_Return);
-        });
-        call();
-    }
-
     korva::test::RecordingBreakWindow mWindow;
     std::unique_ptr<Progress> mProgress;
     StandardUserComm mChannel;
@@ -60,9 +40,7 @@ protected:
 
 TEST_F(UserCommProgressTest, EveryDialogIsBracketedByHideAndShow)
 {
-    std::string longText;
-    for (int line = 0; line < 40; ++line)
-        longText += "line\n";
+    const std::string longText(40, '\n');
     const std::vector<std::function<void()>> calls = {
         [&] { mChannel.AskUserYesNo("Stop the import?", nullptr, 1); },
         [&] { mChannel.AskUserYesNo(longText.c_str(), nullptr, 1); },
@@ -79,7 +57,11 @@ TEST_F(UserCommProgressTest, EveryDialogIsBracketedByHideAndShow)
     for (std::size_t i = 0; i < calls.size(); ++i) {
         mWindow.messages.clear();
         std::vector<BreakMessage> whileShown;
-        Run(calls[i], whileShown);
+        korva::test::WhenModal([&](QWidget* dialog) {
+            whileShown = mWindow.messages;
+            korva::test::Press(dialog, Qt::Key_Return);
+        });
+        calls[i]();
         EXPECT_EQ(whileShown, std::vector<BreakMessage>{kHide}) << "call " << i;
         EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow})) << "call " << i;
     }
@@ -94,10 +76,8 @@ TEST_F(UserCommProgressTest, WhatShowsNothingLeavesTheProgressAlone)
     EXPECT_TRUE(mWindow.messages.empty());
 
     // A silenced inform still passes the bracket: the key is read behind it.
-    {
-        RegistrySection key = korva::OpenInformSilenceKey();
-        ASSERT_TRUE(korva::SilenceInform(key, 12));
-    }
+    RegistrySection key = korva::OpenInformSilenceKey();
+    ASSERT_TRUE(korva::SilenceInform(key, 12));
     mChannel.InformUser("Silenced.", nullptr, 12);
     EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow}));
 }

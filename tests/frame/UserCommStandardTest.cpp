@@ -2,25 +2,17 @@
 // default buttons and answers, usage counting, the message box helper, the
 // silenced informs in the registry, and the hour glass.
 
-#include "MessageDialogTestSupport.h"
+#include "MdiFrameTestSupport.h"
 
 #include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/FatalErrorDialog.h>
-#include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/StandardUserComm.h>
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 #include <KORVAutlwin/frame/YesNoDialog.h>
 
 #include <QCheckBox>
-#include <QCursor>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QPlainTextEdit>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 using namespace korva::test;
 
@@ -29,9 +21,9 @@ namespace {
 // `count` lines "Line 1" ... without a final line feed.
 std::string LinesOf(int count)
 {
-    std::string text;
-    for (int line = 1; line <= count; ++line)
-        text += (line > 1 ? "\n" : "") + std::string("Line ") + std::to_string(line);
+    std::string text = "Line 1";
+    for (int line = 2; line <= count; ++line)
+        text += "\nLine " + std::to_string(line);
     return text;
 }
 
@@ -44,41 +36,40 @@ struct Shown
     bool endNotice = false;      // of the scrolling dialog: the line that the application must end
     std::string title;
     std::string text;            // message box text, details of the question dialogs, scrolling text
-    std::vector<int> buttons;    // the visible buttons, left to right
+    Ids buttons;                 // the visible buttons, left to right
 };
 
-// Records the next modal dialog into `shown`, then lets `answer` answer it.
-void RecordAndAnswer(Shown& shown, std::function<void(QWidget*)> answer)
+std::string Details(QWidget* dialog, int id)
 {
-    WhenModal([&shown, answer](QWidget* dialog) {
+    return Control<QPlainTextEdit>(dialog, id)->toPlainText().toStdString();
+}
+
+// Records the next modal dialog into `shown`, then answers it with `key`, or with `answer`.
+void RecordAndAnswer(Shown& shown, Qt::Key key, std::function<void(QWidget*)> answer = nullptr)
+{
+    shown = Shown();
+    WhenModal([&shown, key, answer](QWidget* dialog) {
         shown.title = dialog->windowTitle().toStdString();
         shown.buttons = VisibleButtonIds(dialog);
         if (auto* box = qobject_cast<CustomMessageBoxDlg*>(dialog)) {
-            shown.kind = Shown::eMessageBox;
-            shown.type = box->GetType();
-            shown.text = box->GetText();
-            shown.checkBox = Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId) != nullptr;
+            shown = {Shown::eMessageBox, box->GetType(), Control(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId) != nullptr,
+                     false, shown.title, box->GetText(), shown.buttons};
         } else if (qobject_cast<YesNoDialog*>(dialog)) {
             shown.kind = Shown::eYesNoDialog;
-            shown.text = Control<QPlainTextEdit>(dialog, YesNoDialog::kDetailsCtrlId)->toPlainText().toStdString();
+            shown.text = Details(dialog, YesNoDialog::kDetailsCtrlId);
         } else if (qobject_cast<YesNoCancelAll*>(dialog)) {
             shown.kind = Shown::eToAllDialog;
-            shown.text = Control<QPlainTextEdit>(dialog, YesNoCancelAll::kDetailsCtrlId)->toPlainText().toStdString();
+            shown.text = Details(dialog, YesNoCancelAll::kDetailsCtrlId);
         } else if (qobject_cast<FatalErrorDialog*>(dialog)) {
             shown.kind = Shown::eScrollDialog;
-            shown.text = Control<QPlainTextEdit>(dialog, 10001)->toPlainText().toStdString();
-            shown.endNotice = !Control<QLabel>(dialog, 10000)->isHidden();
+            shown.text = Details(dialog, 10001);
+            shown.endNotice = !Control(dialog, 10000)->isHidden();
         }
-        answer(dialog);
+        answer ? answer(dialog) : Press(dialog, key);
     });
 }
 
-auto PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    return [key, modifiers](QWidget* dialog) { Press(dialog, key, modifiers); };
-}
-
-// The application object that counts how the channel disables its modeless windows.
+// The application object that records how the channel disables its modeless windows.
 class RecordingApp : public WinApp
 {
 public:
@@ -97,102 +88,62 @@ protected:
     void SetUp() override
     {
         MessageDialogTest::SetUp();
-        auto app = std::make_unique<RecordingApp>();
-        mRecordingApp = app.get();
-        mApp = std::move(app);
+        mApp.reset();
+        mApp = std::make_unique<RecordingApp>();
     }
+    RecordingApp& App() { return static_cast<RecordingApp&>(*mApp); }
+    static std::string Silence(const char* id) { return TsGetRegKey(HKEY_CURRENT_USER, kSilenceKey, id, ""); }
 
-    static std::string Silence(const char* id)
-    {
-        return TsGetRegKey(HKEY_CURRENT_USER, "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser", id, "");
-    }
-
+    static constexpr const char* kSilenceKey = "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser";
     StandardUserComm mChannel;
-    RecordingApp* mRecordingApp = nullptr;
 };
 
 } // namespace
 
 TEST(UserCommLineMeasure, CountsLineFeedsBehindTheFirstCharacter)
 {
-    EXPECT_EQ(korva::MeasureLines(nullptr), 2);
-    EXPECT_EQ(korva::MeasureLines(""), 2);
-    EXPECT_EQ(korva::MeasureLines("one line"), 2);
-    EXPECT_EQ(korva::MeasureLines("one line\n"), 3);
-    EXPECT_EQ(korva::MeasureLines("a\nb\nc"), 4);
     // A line feed as the first character is not counted; the next one is.
-    EXPECT_EQ(korva::MeasureLines("\n"), 2);
-    EXPECT_EQ(korva::MeasureLines("\n\n"), 3);
-    EXPECT_EQ(korva::MeasureLines("\r\n\r\n"), 4);
-    EXPECT_EQ(korva::MeasureLines(LinesOf(30).c_str()), 31);
-    EXPECT_EQ(korva::MeasureLines(LinesOf(19).c_str()), 20);
+    const std::pair<std::string, int> cases[] = {{"", 2}, {"one line", 2}, {"one line\n", 3}, {"a\nb\nc", 4},
+                                                 {"\n", 2}, {"\n\n", 3}, {"\r\n\r\n", 4}, {LinesOf(30), 31}};
+    for (const auto& [text, measure] : cases)
+        EXPECT_EQ(korva::MeasureLines(text.c_str()), measure) << text;
+    EXPECT_EQ(korva::MeasureLines(nullptr), 2);
 }
 
-TEST_F(UserCommStandardTest, ShortYesNoQuestionIsAMessageBoxWithItsDefault)
+TEST_F(UserCommStandardTest, YesNoQuestionsTakeTheBoxOrTheScrollingDialog)
 {
+    const std::string thirty = LinesOf(30), twentyNine = LinesOf(29);
+    const char* const details = "Sample 17\nSample 18";
     // Default yes: Return answers yes; any other default makes No the default button.
-    const struct
-    {
-        int defaultAnswer;
-        unsigned int type;
-        int answer;
-    } cases[] = {{1, 0x34, 1}, {0, 0x134, 3}, {3, 0x134, 3}, {2, 0x134, 3}};
+    const struct { const char* question; const char* details; int defaultAnswer; Qt::Key key; int answer;
+                   Shown::EKind kind; unsigned int type; } cases[] = {
+        {"Delete the sample?", nullptr, 1, Qt::Key_Return, 1, Shown::eMessageBox, 0x34},
+        {"Delete the sample?", nullptr, 0, Qt::Key_Return, 3, Shown::eMessageBox, 0x134},
+        {"Delete the sample?", nullptr, 2, Qt::Key_Return, 3, Shown::eMessageBox, 0x134},
+        {twentyNine.c_str(), nullptr, 3, Qt::Key_Return, 3, Shown::eMessageBox, 0x134},
+        // Above 29 lines the question becomes the details of the scrolling dialog, and counts twice.
+        {thirty.c_str(), nullptr, 1, Qt::Key_Return, 1, Shown::eYesNoDialog, 0},
+        {"Leave them out?", details, 1, Qt::Key_Return, 1, Shown::eYesNoDialog, 0},
+        {"Leave them out?", details, 3, Qt::Key_Return, 3, Shown::eYesNoDialog, 0},
+        {"Leave them out?", details, 0, Qt::Key_Return, 3, Shown::eYesNoDialog, 0},
+        {"Leave them out?", details, 1, Qt::Key_Escape, 3, Shown::eYesNoDialog, 0},
+    };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << korva::MeasureLines(c.question) << " lines, default " << c.defaultAnswer);
         Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-        EXPECT_EQ(mChannel.AskUserYesNo("Delete the sample?", "Samples", c.defaultAnswer), c.answer)
-            << "default " << c.defaultAnswer;
-        EXPECT_EQ(shown.kind, Shown::eMessageBox);
+        RecordAndAnswer(shown, c.key);
+        EXPECT_EQ(c.details ? mChannel.AskUserYesNo(c.question, c.details, "Samples", c.defaultAnswer)
+                            : mChannel.AskUserYesNo(c.question, "Samples", c.defaultAnswer),
+                  c.answer);
+        EXPECT_EQ(shown.kind, c.kind);
         EXPECT_EQ(shown.type, c.type);
-        EXPECT_EQ(shown.text, "Delete the sample?");
+        EXPECT_EQ(shown.text, c.details ? c.details : c.question);
         EXPECT_EQ(shown.title, "Samples");
-        EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO}));
+        if (c.kind == Shown::eMessageBox) {
+            EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO}));
+        }
     }
-    // Yes against the default No, through the button's mnemonic.
-    Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Y, Qt::AltModifier));
-    EXPECT_EQ(mChannel.AskUserYesNo("Delete the sample?", nullptr, 3), 1);
-    EXPECT_EQ(shown.title, "Dialogs") << "a null title is the application's name";
-    EXPECT_EQ(mChannel.GetUsage(), 5);
-}
-
-TEST_F(UserCommStandardTest, QuestionOfThirtyLinesGoesToTheScrollingDialogAndCountsTwice)
-{
-    const std::string longQuestion = LinesOf(30);
-    Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-    EXPECT_EQ(mChannel.AskUserYesNo(longQuestion.c_str(), "Import", 1), 1);
-    EXPECT_EQ(shown.kind, Shown::eYesNoDialog);
-    EXPECT_EQ(shown.text, longQuestion) << "the question becomes the details";
-    EXPECT_EQ(shown.title, "Import");
-    EXPECT_EQ(mChannel.GetUsage(), 2);
-
-    mChannel.ResetUsage();
-    const std::string shorter = LinesOf(29);
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-    EXPECT_EQ(mChannel.AskUserYesNo(shorter.c_str(), "Import", 3), 3);
-    EXPECT_EQ(shown.kind, Shown::eMessageBox);
-    EXPECT_EQ(shown.text, shorter);
-    EXPECT_EQ(mChannel.GetUsage(), 1);
-}
-
-TEST_F(UserCommStandardTest, YesNoWithDetailsAnswersYesOnlyForYes)
-{
-    const struct
-    {
-        int defaultAnswer;
-        Qt::Key key;
-        int answer;
-    } cases[] = {{1, Qt::Key_Return, 1}, {3, Qt::Key_Return, 3}, {0, Qt::Key_Return, 3}, {1, Qt::Key_Escape, 3}};
-    for (const auto& c : cases) {
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(c.key));
-        EXPECT_EQ(mChannel.AskUserYesNo("Leave them out?", "Sample 17\nSample 18", nullptr, c.defaultAnswer), c.answer);
-        EXPECT_EQ(shown.kind, Shown::eYesNoDialog);
-        EXPECT_EQ(shown.text, "Sample 17\nSample 18");
-        EXPECT_EQ(shown.title, "Dialogs");
-    }
-    EXPECT_EQ(mChannel.GetUsage(), 4);
+    EXPECT_EQ(mChannel.GetUsage(), 10);
 }
 
 TEST_F(UserCommStandardTest, MultiButtonQuestionsShowTheirButtonsAndAnswerByTheDefault)
@@ -201,115 +152,71 @@ TEST_F(UserCommStandardTest, MultiButtonQuestionsShowTheirButtonsAndAnswerByTheD
     const int yes = YesNoCancelAll::kYesCtrlId, yesToAll = YesNoCancelAll::kYesToAllCtrlId,
               no = YesNoCancelAll::kNoCtrlId, noToAll = YesNoCancelAll::kNoToAllCtrlId,
               cancel = YesNoCancelAll::kCancelCtrlId;
-    const struct
-    {
-        Ask ask;
-        Ids buttons;
-        std::vector<int> answers;  // the answer codes whose button is shown
-    } forms[] = {
-        {&StandardUserComm::AskUserYesYesToAllNoNoToAllCancel, {yes, yesToAll, no, noToAll, cancel}, {1, 2, 3, 4, 5}},
-        {&StandardUserComm::AskUserYesYesToAllCancel, {yes, yesToAll, cancel}, {1, 2, 5}},
-        {&StandardUserComm::AskUserYesCancel, {yes, cancel}, {1, 5}},
+    const struct { Ask ask; Ids buttons; int defaultAnswer; } forms[] = {
+        {&StandardUserComm::AskUserYesYesToAllNoNoToAllCancel, {yes, yesToAll, no, noToAll, cancel}, 4},
+        {&StandardUserComm::AskUserYesYesToAllCancel, {yes, yesToAll, cancel}, 2},
+        {&StandardUserComm::AskUserYesCancel, {yes, cancel}, 5},
     };
-    int asked = 0;
     for (const auto& form : forms) {
         // Return presses the default button, which the default answer chose.
-        for (int answer : form.answers) {
-            Shown shown;
-            RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-            EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "results.csv\nchanged today", "Export", answer), answer);
-            EXPECT_EQ(shown.kind, Shown::eToAllDialog);
-            EXPECT_EQ(shown.buttons, form.buttons);
-            EXPECT_EQ(shown.title, "Export");
-            ++asked;
-        }
-        // Escape is cancel, whatever the default.
         Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Escape));
+        RecordAndAnswer(shown, Qt::Key_Return);
+        EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "results.csv\nchanged today", "Export", form.defaultAnswer),
+                  form.defaultAnswer);
+        EXPECT_EQ(shown.kind, Shown::eToAllDialog);
+        EXPECT_EQ(shown.buttons, form.buttons);
+        EXPECT_EQ(shown.text, "results.csv\nchanged today");
+        EXPECT_EQ(shown.title, "Export");
+        // Escape is cancel, whatever the default; a null title is the application's name.
+        RecordAndAnswer(shown, Qt::Key_Escape);
         EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "", nullptr, 1), 5);
         EXPECT_EQ(shown.title, "Dialogs");
-        ++asked;
     }
-    EXPECT_EQ(mChannel.GetUsage(), asked);
+    EXPECT_EQ(mChannel.GetUsage(), 6);
 }
 
 TEST_F(UserCommStandardTest, LongFatalErrorsAndInformsGoToTheScrollingDialog)
 {
-    const std::string nineteen = LinesOf(19);
-    const std::string eighteen = LinesOf(18);
-    const struct
-    {
-        bool inform;
-        const std::string& text;
-        Shown::EKind kind;
-        unsigned int type;
-        bool endNotice;
-    } cases[] = {
+    const std::string nineteen = LinesOf(19), eighteen = LinesOf(18);
+    const struct { bool inform; const std::string& text; Shown::EKind kind; unsigned int type; bool endNotice; } cases[] = {
         {true, nineteen, Shown::eScrollDialog, 0, false},
         {true, eighteen, Shown::eMessageBox, MB_ICONASTERISK, false},
         {false, nineteen, Shown::eScrollDialog, 0, true},
         {false, eighteen, Shown::eMessageBox, MB_ICONHAND, false},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << (c.inform ? "inform " : "fatal ") << korva::MeasureLines(c.text.c_str()));
         Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Return));
+        RecordAndAnswer(shown, Qt::Key_Return);
         if (c.inform)
             mChannel.InformUser(c.text.c_str(), "Report", 0);
         else
             mChannel.FatalError(c.text.c_str(), "Report");
-        EXPECT_EQ(shown.kind, c.kind) << (c.inform ? "inform " : "fatal ") << korva::MeasureLines(c.text.c_str());
+        EXPECT_EQ(shown.kind, c.kind);
         EXPECT_EQ(shown.text, c.text);
         EXPECT_EQ(shown.title, "Report");
-        if (c.kind == Shown::eMessageBox) {
-            EXPECT_EQ(shown.type, c.type);
-            EXPECT_FALSE(shown.checkBox);
-        } else {
-            EXPECT_EQ(shown.endNotice, c.endNotice);
-        }
+        EXPECT_EQ(shown.type, c.type);
+        EXPECT_EQ(shown.endNotice, c.endNotice);
+        EXPECT_FALSE(shown.checkBox);
     }
-    EXPECT_EQ(mChannel.GetUsage(), 4);
-}
 
-TEST_F(UserCommStandardTest, NullAndEmptyTextsShowNothingButCount)
-{
+    // Null and empty texts show nothing but count; not even the silence key is touched.
     DialogSpy spy;
     mChannel.FatalError(nullptr, "Report");
     mChannel.FatalError("", "Report");
     mChannel.InformUser(nullptr, "Report", 0);
-    mChannel.InformUser("", "Report", 0);
-    // Not even the silence key is touched for an empty text.
     mChannel.InformUser("", "Report", 7);
     EXPECT_EQ(spy.Count(), 0);
-    EXPECT_EQ(mChannel.GetUsage(), 5);
+    EXPECT_EQ(mChannel.GetUsage(), 8);
     std::vector<std::string> children;
-    EXPECT_FALSE(TsGetRegSubKeys(HKEY_CURRENT_USER, "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser", children));
+    EXPECT_FALSE(TsGetRegSubKeys(HKEY_CURRENT_USER, kSilenceKey, children));
     mChannel.ResetUsage();
     EXPECT_EQ(mChannel.GetUsage(), 0);
 }
 
-TEST_F(UserCommStandardTest, CopyTakesTheUsageCount)
-{
-    DialogSpy spy;
-    mChannel.InformUser(nullptr, nullptr, 0);
-    mChannel.InformUser(nullptr, nullptr, 0);
-    StandardUserComm copy(mChannel);
-    EXPECT_EQ(copy.GetUsage(), 2);
-    copy.FatalError("", nullptr);
-    EXPECT_EQ(copy.GetUsage(), 3);
-    EXPECT_EQ(mChannel.GetUsage(), 2);
-    mChannel = copy;
-    EXPECT_EQ(mChannel.GetUsage(), 3);
-}
-
 TEST_F(UserCommStandardTest, MessageBoxHelperAddsTheExclamationOnlyWhereItBelongs)
 {
-    const struct
-    {
-        unsigned int type;
-        unsigned int shown;
-        Qt::Key key;
-        int answer;
-    } cases[] = {
+    const struct { unsigned int type; unsigned int shown; Qt::Key key; int answer; } cases[] = {
         {MB_OK, MB_OK | MB_ICONEXCLAMATION, Qt::Key_Escape, IDOK},  // a box with only OK always answers OK
         {MB_OKCANCEL, MB_OKCANCEL | MB_ICONEXCLAMATION, Qt::Key_Escape, IDCANCEL},
         {MB_YESNOCANCEL, MB_YESNOCANCEL | MB_ICONEXCLAMATION, Qt::Key_Return, IDYES},
@@ -320,11 +227,11 @@ TEST_F(UserCommStandardTest, MessageBoxHelperAddsTheExclamationOnlyWhereItBelong
         {MB_YESNO | MB_ICONQUESTION, MB_YESNO | MB_ICONQUESTION, Qt::Key_Return, IDYES},
     };
     for (const auto& c : cases) {
-        mRecordingApp->calls.clear();
+        App().calls.clear();
         std::vector<bool> callsWhileShown;
         Shown shown;
-        RecordAndAnswer(shown, [&](QWidget* dialog) {
-            callsWhileShown = mRecordingApp->calls;
+        RecordAndAnswer(shown, c.key, [&](QWidget* dialog) {
+            callsWhileShown = App().calls;
             Press(dialog, c.key);
         });
         EXPECT_EQ(korva::UserCommMessageBox("The file is locked.", nullptr, c.type), c.answer) << c.type;
@@ -332,20 +239,20 @@ TEST_F(UserCommStandardTest, MessageBoxHelperAddsTheExclamationOnlyWhereItBelong
         EXPECT_EQ(shown.title, "Dialogs");
         // Modeless windows are disabled for exactly the time the box is up.
         EXPECT_EQ(callsWhileShown, std::vector<bool>{false});
-        EXPECT_EQ(mRecordingApp->calls, (std::vector<bool>{false, true}));
+        EXPECT_EQ(App().calls, (std::vector<bool>{false, true}));
     }
     // Only a null title falls back to the application's name.
     Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
+    RecordAndAnswer(shown, Qt::Key_Return);
     korva::UserCommMessageBox("text", "", MB_OK);
     EXPECT_EQ(shown.title, "");
 }
 
 TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
 {
-    // Not checked: shown, nothing stored.
+    // Not checked: shown in a plain box with a check box, nothing stored.
     Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
+    RecordAndAnswer(shown, Qt::Key_Return);
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
     EXPECT_EQ(shown.kind, Shown::eMessageBox);
     EXPECT_TRUE(shown.checkBox);
@@ -354,66 +261,38 @@ TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
     EXPECT_EQ(shown.title, "Dialogs") << "the title is not used with a silence id";
     EXPECT_EQ(Silence("42"), "");
 
-    // Checked: shown once more, then silenced for good.
-    RecordAndAnswer(shown, [](QWidget* dialog) {
-        QTest::mouseClick(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId), Qt::LeftButton);
-        Press(dialog, Qt::Key_Return);
-    });
+    // Checked: shown once more, then silenced for good, long texts as well. Checked
+    // and closed with the window's close, the box has no Cancel: nothing is taken.
+    const auto checkAnd = [](std::function<void(QWidget*)> end) {
+        return [end](QWidget* dialog) {
+            Click(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId);
+            end(dialog);
+        };
+    };
+    RecordAndAnswer(shown, Qt::Key_Return, checkAnd([](QWidget* dialog) { Press(dialog, Qt::Key_Return); }));
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
+    RecordAndAnswer(shown, Qt::Key_Return, checkAnd([](QWidget* dialog) { dialog->close(); }));
+    mChannel.InformUser("Another one.", nullptr, 43);
     EXPECT_EQ(Silence("42"), "0");
-
+    EXPECT_EQ(Silence("43"), "");
     {
         DialogSpy spy;
         mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-        // A long text with the silence id stays silent as well.
         mChannel.InformUser(LinesOf(25).c_str(), "Audit trail", 42);
         EXPECT_EQ(spy.Count(), 0);
     }
-    EXPECT_EQ(mChannel.GetUsage(), 4);
+    EXPECT_EQ(mChannel.GetUsage(), 5);
 
-    // Checked and cancelled with the window's close: the box has no Cancel, so
-    // the state is not taken.
-    RecordAndAnswer(shown, [](QWidget* dialog) {
-        QTest::mouseClick(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId), Qt::LeftButton);
-        dialog->close();
-    });
-    mChannel.InformUser("Another one.", nullptr, 43);
-    EXPECT_EQ(Silence("43"), "");
-}
-
-TEST_F(UserCommStandardTest, OnlyADwordZeroSilences)
-{
-    const std::string key = "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser";
-    {
-        RegistrySection section(HKEY_CURRENT_USER, key.c_str(), KEY_ALL_ACCESS, true);
-        ASSERT_TRUE(section.WriteInt("1", 1));
-        ASSERT_TRUE(section.WriteInt("2", -1));
-        ASSERT_TRUE(section.WriteKey("3", "0"));  // a text, not a number
-        ASSERT_TRUE(section.WriteInt("4", 0));
-    }
-    for (unsigned long id : {1ul, 2ul, 3ul, 5ul}) {
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-        mChannel.InformUser("Shown.", nullptr, id);
-        EXPECT_EQ(shown.kind, Shown::eMessageBox) << "id " << id;
-        EXPECT_TRUE(shown.checkBox) << "id " << id;
-    }
-    DialogSpy spy;
-    mChannel.InformUser("Silenced.", nullptr, 4);
-    EXPECT_EQ(spy.Count(), 0);
-    EXPECT_EQ(korva::GetInformSilenceKeyName(), key);
-}
-
-TEST_F(UserCommStandardTest, SilenceKeyIsCreatedWithReadAndWriteAccess)
-{
-    {
-        RegistrySection key = korva::OpenInformSilenceKey();
-        EXPECT_EQ(key.GetAccess(), 0x2001Fu);
-        EXPECT_EQ(key.GetPath(), "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser");
-        EXPECT_FALSE(korva::IsInformSilenced(key, 9));
-        EXPECT_TRUE(korva::SilenceInform(key, 9));
-        EXPECT_TRUE(korva::IsInformSilenced(key, 9));
-    }
+    // Only a DWORD 0 silences; the key is opened for reading and writing, and
+    // the value names keep the 32-bit form of the ids.
+    RegistrySection key = korva::OpenInformSilenceKey();
+    EXPECT_EQ(key.GetAccess(), 0x2001Fu);
+    EXPECT_EQ(korva::GetInformSilenceKeyName(), kSilenceKey);
+    ASSERT_TRUE(key.WriteInt("1", 1) && key.WriteInt("2", -1) && key.WriteKey("3", "0"));
+    for (unsigned long id : {1ul, 2ul, 3ul, 5ul})
+        EXPECT_FALSE(korva::IsInformSilenced(key, id)) << id;
+    EXPECT_TRUE(korva::SilenceInform(key, 9));
+    EXPECT_TRUE(korva::IsInformSilenced(key, 9));
     EXPECT_EQ(Silence("9"), "0");
     EXPECT_EQ(korva::GetInformSilenceValueName(4000000000ul), "4000000000");
 }
@@ -425,25 +304,18 @@ TEST_F(UserCommStandardTest, HourGlassStaysUntilTheMouseMoves)
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     ASSERT_EQ(QGuiApplication::overrideCursor(), nullptr);
-
-    mChannel.HourGlassOn();
-    mChannel.HourGlassOn();  // a second call does not stack a second cursor
-    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
-    mChannel.HourGlassOff();
-    QCoreApplication::processEvents();
-    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr) << "HourGlassOff leaves the cursor to the mouse";
-
-    QTest::mouseMove(&window, QPoint(50, 50));
-    QTest::mouseMove(&window, QPoint(60, 50));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
-
-    // And it can be switched on again after that.
-    mChannel.HourGlassOn();
-    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr);
-    QTest::mouseMove(&window, QPoint(70, 50));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    for (int x : {50, 70}) {
+        mChannel.HourGlassOn();
+        mChannel.HourGlassOn();  // a second call does not stack a second cursor
+        ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        mChannel.HourGlassOff();
+        QCoreApplication::processEvents();
+        EXPECT_NE(QGuiApplication::overrideCursor(), nullptr) << "HourGlassOff leaves the cursor to the mouse";
+        QTest::mouseMove(&window, QPoint(x, 50));
+        QTest::mouseMove(&window, QPoint(x + 10, 50));
+        QCoreApplication::processEvents();
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    }
     EXPECT_EQ(mChannel.GetUsage(), 0) << "the hour glass does not address the user";
 }
