@@ -17,37 +17,23 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/ResourceModule.h>
 
-#include <QAction>
 #include <QActionGroup>
-#include <QApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
-#include <QTest>
-#include <QTimer>
 
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <cstring>
-#include <functional>
-#include <memory>
-#include <string>
 
 namespace {
 
 constexpr unsigned int kContextMenu = 1;
 constexpr unsigned int kNoPopupMenu = 2;
 
-const char kContextMenuText[] = R"(<menu>
-  <popup text="Context">
-    <item id="500" text="First"/>
-    <item id="501" text="Second"/>
-    <item id="502" text="Nobody's"/>
-  </popup>
-</menu>)";
+const char kContextMenuText[] = R"(<menu><popup text="Context">
+    <item id="500" text="First"/><item id="501" text="Second"/><item id="502" text="Nobody's"/>
+    </popup></menu>)";
 const char kNoPopupMenuText[] = R"(<menu><item id="500" text="Flat"/></menu>)";
 const char kOwnEditMenuText[] = R"(<menu><popup text="Edit"><item id="57634" text="Kopieren"/></popup></menu>)";
 
@@ -63,25 +49,33 @@ const korva::ResourceModule& TestModule()
 }
 
 // Runs `action` on the popup menu as soon as one is up; closes any popup left
-// after `timeout`, so that a failing test cannot hang in the menu's loop.
-void WhenPopup(std::function<void(QMenu*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(5))
+// after five seconds, so that a failing test cannot hang in the menu's loop.
+void WhenPopup(std::function<void(QMenu*)> action)
 {
     auto* timer = new QTimer;
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     QObject::connect(timer, &QTimer::timeout, [timer, action, deadline] {
         auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (popup && popup->isVisible()) {
+        const bool late = std::chrono::steady_clock::now() > deadline;
+        if ((popup && popup->isVisible()) || late) {
             timer->stop();
             timer->deleteLater();
-            action(popup);
-        } else if (std::chrono::steady_clock::now() > deadline) {
-            timer->stop();
-            timer->deleteLater();
-            if (QWidget* open = QApplication::activePopupWidget())
+            if (!late)
+                action(popup);
+            else if (QWidget* open = QApplication::activePopupWidget())
                 open->close();
         }
     });
     timer->start(10);
+}
+
+// Presses the keys in the popup that comes up next.
+void PickWith(std::vector<Qt::Key> keys)
+{
+    WhenPopup([keys](QMenu* menu) {
+        for (Qt::Key key : keys)
+            QTest::keyClick(menu, key);
+    });
 }
 
 QAction* FindAction(QMenu* menu, unsigned int id)
@@ -92,27 +86,25 @@ QAction* FindAction(QMenu* menu, unsigned int id)
     return nullptr;
 }
 
+QMenu* Parse(const std::string& text)
+{
+    return MenuResource::Parse(text.data(), text.size(), 7);
+}
+
 class GuiMenuTest : public ::testing::Test
 {
 protected:
-    void SetUp() override { korva::test::Application(); }
+    GuiMenuTest() { korva::test::Application(); }
 };
 
-// A control that is a command target of its own.
-class TargetButton : public QPushButton, public CmdTarget
+TEST_F(GuiMenuTest, MenusComeFromTheCurrentModuleWithEnglishBehindIt)
 {
-public:
-    using QPushButton::QPushButton;
-};
-
-// --- Menu resources -------------------------------------------------------------
-
-TEST_F(GuiMenuTest, EnglishEditMenuIsReadWithItsIdsTextsAndSeparators)
-{
+    const korva::StringEntry strings[] = {{1, "only a string"}};
+    const korva::ResourceModule noMenus("NoMenus", strings, 1, nullptr, 0);
+    SetResourceInstance noMenusScope(&noMenus);
     std::unique_ptr<QMenu> menu(MenuResource::Load(30620));
     ASSERT_EQ(menu->actions().size(), 1);
     QMenu* edit = menu->actions().front()->menu();
-    ASSERT_NE(edit, nullptr);
     EXPECT_EQ(edit->title(), QStringLiteral("&Edit"));
     const QList<QAction*> items = edit->actions();
     ASSERT_EQ(items.size(), 8);
@@ -120,12 +112,6 @@ TEST_F(GuiMenuTest, EnglishEditMenuIsReadWithItsIdsTextsAndSeparators)
     EXPECT_EQ(korva::GetCommandId(items[3]), 57634u);
     EXPECT_EQ(items[3]->text(), QStringLiteral("&Copy\tCtrl+C"));
     EXPECT_FALSE(korva::RoutesItself(items[3]));
-}
-
-TEST_F(GuiMenuTest, CurrentModuleComesFirstAndEnglishStandsBehindIt)
-{
-    const korva::StringEntry strings[] = {{1, "only a string"}};
-    const korva::ResourceModule noMenus("NoMenus", strings, 1, nullptr, 0);
     {
         SetResourceInstance scope(&TestModule());
         std::unique_ptr<QMenu> own(MenuResource::Load(30620));
@@ -133,25 +119,18 @@ TEST_F(GuiMenuTest, CurrentModuleComesFirstAndEnglishStandsBehindIt)
         EXPECT_TRUE(MenuResource::Exists(kContextMenu));
     }
     EXPECT_FALSE(MenuResource::Exists(kContextMenu));
-    SetResourceInstance scope(&noMenus);
-    std::unique_ptr<QMenu> english(MenuResource::Load(30620));
-    EXPECT_EQ(english->actions().front()->menu()->actions().size(), 8);
     try {
         delete MenuResource::Load(424242);
         FAIL() << "a missing menu must throw";
     } catch (const Exception& e) {
         EXPECT_STREQ(e.Why(), "The menu resource 424242 does not exist.");
     }
-}
 
-TEST_F(GuiMenuTest, ItemAttributesGiveTheFirstLook)
-{
-    const std::string text = R"(<menu><popup text="P" enabled="false">
-        <item id="1" text="a" checked="true"/><item id="2" text="b" enabled="false"/><item id="3" text="c"/>
-        </popup></menu>)";
-    std::unique_ptr<QMenu> menu(MenuResource::Parse(text.data(), text.size(), 9));
-    EXPECT_FALSE(menu->actions().front()->isEnabled());
-    QMenu* popup = menu->actions().front()->menu();
+    // Item attributes give the first look.
+    std::unique_ptr<QMenu> looks(Parse(R"(<menu><popup text="P" enabled="false"><item id="1" text="a" checked="true"/>
+        <item id="2" text="b" enabled="false"/><item id="3" text="c"/></popup></menu>)"));
+    QMenu* popup = looks->actions().front()->menu();
+    EXPECT_FALSE(looks->actions().front()->isEnabled());
     EXPECT_TRUE(FindAction(popup, 1)->isChecked());
     EXPECT_FALSE(FindAction(popup, 2)->isEnabled());
     EXPECT_FALSE(FindAction(popup, 3)->isCheckable());
@@ -159,54 +138,38 @@ TEST_F(GuiMenuTest, ItemAttributesGiveTheFirstLook)
 
 TEST_F(GuiMenuTest, InvalidMenusAreRefusedWithWhereTheFaultIs)
 {
-    struct Case
-    {
-        const char* text;
-        const char* detail;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"<menu>\n<popup text=\"P\">\n<item text=\"no id\"/></popup></menu>", "an item has no valid command id (line 3,"},
         {"<menu>\n<popup text=\"P\">\n<item id=\"0\" text=\"zero\"/></popup></menu>", "an item has no valid command id (line 3,"},
         {"<menu>\n<button id=\"4\"/></menu>", "unknown element <button> (line 2,"},
         {"<menu>\n<popup text=\"P\">\n<item id=\"4\" text=\"x\">\n</menu>", "(line 4,"},
         {"<bar><item id=\"4\" text=\"x\"/></bar>", "the root element is not <menu>"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [text, detail] : cases) {
         try {
-            delete MenuResource::Parse(c.text, std::strlen(c.text), 7);
-            ADD_FAILURE() << "accepted: " << c.text;
+            delete Parse(text);
+            ADD_FAILURE() << "accepted: " << text;
         } catch (const Exception& e) {
             const std::string why = e.Why();
-            EXPECT_EQ(why.rfind("The menu resource 7 is not a valid menu: ", 0), 0u) << why;
-            EXPECT_NE(why.find(c.detail), std::string::npos) << why;
+            EXPECT_TRUE(why.starts_with("The menu resource 7 is not a valid menu: ")) << why;
+            EXPECT_NE(why.find(detail), std::string::npos) << why;
         }
     }
 }
 
-// --- EnableMenu -----------------------------------------------------------------
-
 TEST_F(GuiMenuTest, EnableMenuUpdatesEveryItemToAnyDepth)
 {
-    const std::string text = R"(<menu><popup text="Top">
-        <item id="100" text="Handled"/>
-        <separator/>
-        <item id="101" text="Unhandled"/>
-        <item id="102" text="Old name"/>
-        <item id="61536" text="System"/>
-        <popup text="Sub">
-          <item id="200" text="Sub first"/>
-          <item id="201" text="Radio"/>
-          <popup text="Deeper"><item id="300" text="Deep unhandled"/></popup>
-        </popup>
-        <popup text="Empty"/>
-      </popup></menu>)";
-    std::unique_ptr<QMenu> root(MenuResource::Parse(text.data(), text.size(), 1));
+    std::unique_ptr<QMenu> root(Parse(R"(<menu><popup text="Top">
+        <item id="100" text="Handled"/><separator/><item id="101" text="Unhandled"/>
+        <item id="102" text="Old name"/><item id="61536" text="System"/>
+        <popup text="Sub"><item id="200" text="Sub first"/><item id="201" text="Radio"/>
+          <popup text="Deeper"><item id="300" text="Deep unhandled"/></popup></popup>
+        <popup text="Empty"/></popup></menu>)"));
     QMenu* top = root->actions().front()->menu();
     QAction* subEntry = top->actions()[5];
     QMenu* sub = subEntry->menu();
     QAction* deeperEntry = sub->actions()[2];
     QMenu* deeper = deeperEntry->menu();
-    ASSERT_TRUE(sub && deeper);
 
     CmdTarget target;
     target.OnCommand(100, [] {});
@@ -223,39 +186,33 @@ TEST_F(GuiMenuTest, EnableMenuUpdatesEveryItemToAnyDepth)
     });
     target.OnCommand(201, [] {});
     target.OnUpdateCommand(201, [](CCmdUI* ui) { ui->SetRadio(true); });
-
     GUIUtilities::EnableMenu(&target, root.get());
 
-    EXPECT_TRUE(FindAction(top, 100)->isEnabled());
-    EXPECT_TRUE(FindAction(top, 100)->isChecked());
+    EXPECT_TRUE(FindAction(top, 100)->isEnabled() && FindAction(top, 100)->isChecked());
     EXPECT_FALSE(FindAction(top, 101)->isEnabled());
     EXPECT_EQ(FindAction(top, 102)->text(), QStringLiteral("New name"));
-    EXPECT_TRUE(FindAction(top, 61536)->isEnabled());   // system commands stay enabled
-
+    EXPECT_TRUE(FindAction(top, 61536)->isEnabled()) << "system commands stay enabled";
     // The sub-menu's entry takes the state of its first item, but not its text.
     EXPECT_EQ(firstItemUpdates, 2);
     EXPECT_FALSE(subEntry->isEnabled());
     EXPECT_EQ(subEntry->text(), QStringLiteral("Sub"));
     EXPECT_EQ(FindAction(sub, 200)->text(), QStringLiteral("Renamed first"));
-    EXPECT_TRUE(FindAction(sub, 201)->isChecked());
     // The radio mark comes from an exclusive group that ties it to no other item.
-    ASSERT_NE(FindAction(sub, 201)->actionGroup(), nullptr);
-    EXPECT_TRUE(FindAction(sub, 201)->actionGroup()->isExclusive());
-    EXPECT_EQ(FindAction(sub, 201)->actionGroup()->actions().size(), 1);
+    QAction* radio = FindAction(sub, 201);
+    EXPECT_TRUE(radio->isChecked());
+    ASSERT_NE(radio->actionGroup(), nullptr);
+    EXPECT_TRUE(radio->actionGroup()->isExclusive());
+    EXPECT_EQ(radio->actionGroup()->actions().size(), 1);
     // A sub-menu is never disabled for want of a handler; its items are.
-    EXPECT_TRUE(deeperEntry->isEnabled());
+    EXPECT_TRUE(deeperEntry->isEnabled() && top->actions()[6]->isEnabled());
     EXPECT_FALSE(FindAction(deeper, 300)->isEnabled());
-    EXPECT_TRUE(top->actions()[6]->isEnabled());
 
     // Handlers that change their mind are heard at the next update.
     target.OnUpdateCommand(200, [](CCmdUI* ui) { ui->Enable(true); });
     target.OnCommand(300, [] {});
     GUIUtilities::EnableMenu(&target, root.get());
-    EXPECT_TRUE(subEntry->isEnabled());
-    EXPECT_TRUE(FindAction(deeper, 300)->isEnabled());
+    EXPECT_TRUE(subEntry->isEnabled() && FindAction(deeper, 300)->isEnabled());
 }
-
-// --- TsMenu::TrackPopupMenu -----------------------------------------------------
 
 TEST_F(GuiMenuTest, TrackPopupMenuFlags)
 {
@@ -264,8 +221,8 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
     QMenu* popup = root->actions().front()->menu();
     CmdTarget owner;
     int ownerRuns = 0;
-    owner.OnCommand(500, [&] { ++ownerRuns; });
-    owner.OnCommand(501, [&] { ++ownerRuns; });
+    for (unsigned int id : {500u, 501u, 600u})
+        owner.OnCommand(id, [&] { ++ownerRuns; });
 
     // TPM_RETURNCMD only answers; TPM_NONOTIFY leaves the items as they are.
     bool unhandledEnabled = false;
@@ -275,7 +232,6 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
         QTest::keyClick(menu, Qt::Key_Return);
     });
     EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RETURNCMD | TPM_NONOTIFY, QPoint(200, 150), &owner), 500u);
-    EXPECT_EQ(ownerRuns, 0);
     EXPECT_TRUE(unhandledEnabled);
 
     // Bottom-right alignment puts the menu's lower right corner at the point.
@@ -286,7 +242,7 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
         QTest::keyClick(menu, Qt::Key_Escape);
     });
     EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RIGHTALIGN | TPM_BOTTOMALIGN, QPoint(400, 300), &owner), 0u);
-    EXPECT_EQ(geometry.topLeft() + QPoint(geometry.width(), geometry.height()), QPoint(400, 300));
+    EXPECT_EQ(geometry.bottomRight() + QPoint(1, 1), QPoint(400, 300));
     EXPECT_FALSE(unhandledEnabled);
     EXPECT_EQ(ownerRuns, 0);
 
@@ -294,50 +250,45 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
     WinApp app("MenuTest");
     int appRuns = 0;
     app.OnCommand(600, [&] { ++appRuns; });
-    owner.OnCommand(600, [&] { ++ownerRuns; });
     TsMenu own;
     own.addAction(korva::CreateCommandAction(600, QStringLiteral("Self"), &own));
-    WhenPopup([&](QMenu* menu) {
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
-    });
+    PickWith({Qt::Key_Down, Qt::Key_Return});
     EXPECT_EQ(own.TrackPopupMenu(TPM_RIGHTBUTTON, 100, 100, &owner), 600u);
     EXPECT_EQ(appRuns, 1);
     EXPECT_EQ(ownerRuns, 0);
 }
 
-// --- GUI::DisplayContextMenu ----------------------------------------------------
+// A control that is a command target of its own.
+class TargetButton : public QPushButton, public CmdTarget
+{
+public:
+    using QPushButton::QPushButton;
+};
 
 class ContextMenuTest : public GuiMenuTest
 {
 protected:
     void SetUp() override
     {
-        GuiMenuTest::SetUp();
-        mScope = std::make_unique<SetResourceInstance>(&TestModule());
-        mFrame = std::make_unique<TsFrameWnd>();
-        mFrame->setGeometry(60, 80, 400, 300);
-        auto* central = new QWidget(mFrame.get());
-        mFrame->setCentralWidget(central);
-        mControl = new TargetButton(QStringLiteral("Control"), central);
+        mFrame.setGeometry(60, 80, 400, 300);
+        auto* central = new QWidget(&mFrame);
+        mFrame.setCentralWidget(central);
+        mControl = new TargetButton(central);
         mControl->setGeometry(30, 40, 120, 30);
         mPlain = new QPushButton(QStringLiteral("Plain"), mControl);
-        mFrame->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(mFrame.get()));
+        mFrame.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&mFrame));
         for (unsigned int id : {500u, 501u}) {
-            mFrame->OnCommand(id, [this, id] { mRan += "frame " + std::to_string(id) + ";"; });
+            mFrame.OnCommand(id, [this, id] { mRan += "frame " + std::to_string(id) + ";"; });
             mControl->OnCommand(id, [this, id] { mRan += "control " + std::to_string(id) + ";"; });
         }
     }
-    void TearDown() override
-    {
-        mFrame.reset();
-        mScope.reset();
-    }
 
-    // Opens the context menu and picks its second item with the keyboard.
-    void PickSecond()
+    // Opens the context menu of `wnd` at `point`, picks its second item with the
+    // keyboard, and gives what ran.
+    std::string PickSecond(QWidget* wnd, QPoint point, bool findFrame, CmdTarget* target = nullptr)
     {
+        mRan.clear();
         WhenPopup([this](QMenu* menu) {
             mPopupPosition = menu->pos();
             mUnhandledEnabled = FindAction(menu, 502)->isEnabled();
@@ -346,10 +297,12 @@ protected:
             QTest::keyClick(menu, Qt::Key_Down);
             QTest::keyClick(menu, Qt::Key_Return);
         });
+        EXPECT_EQ(GUI::DisplayContextMenu(wnd, kContextMenu, point, findFrame, target), 501u);
+        return mRan;
     }
 
-    std::unique_ptr<SetResourceInstance> mScope;
-    std::unique_ptr<TsFrameWnd> mFrame;
+    SetResourceInstance mScope{&TestModule()};
+    TsFrameWnd mFrame;
     TargetButton* mControl = nullptr;
     QPushButton* mPlain = nullptr;
     std::string mRan;
@@ -358,65 +311,44 @@ protected:
     QString mFirstActive;
 };
 
-TEST_F(ContextMenuTest, KeyboardMenuOpensAtTheControlCornerAndRunsOnTheFrame)
+TEST_F(ContextMenuTest, TheMenuOpensAtThePointOrTheControlCornerAndRunsOnItsTarget)
 {
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 501u);
-    EXPECT_EQ(mPopupPosition, mControl->mapToGlobal(QPoint(0, 0)) + QPoint(5, 5));
+    // The keyboard's menu opens at the control's corner; with findFrame, the frame takes the command.
+    EXPECT_EQ(PickSecond(mControl, QPoint(-1, -1), true), "frame 501;");
+    EXPECT_EQ(mPopupPosition, mControl->mapToGlobal(QPoint(5, 5)));
     EXPECT_EQ(mFirstActive, QStringLiteral("First"));
-    EXPECT_FALSE(mUnhandledEnabled);   // brought up to date through the frame
-    EXPECT_EQ(mRan, "frame 501;");
-}
-
-TEST_F(ContextMenuTest, WithoutFindFrameTheWindowItselfTakesTheCommand)
-{
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(150, 160), false, nullptr), 501u);
+    EXPECT_FALSE(mUnhandledEnabled) << "brought up to date through the frame";
+    // Without it the window itself takes the command.
+    EXPECT_EQ(PickSecond(mControl, QPoint(150, 160), false), "control 501;");
     EXPECT_EQ(mPopupPosition, QPoint(150, 160));
-    EXPECT_EQ(mRan, "control 501;");
-
     // A plain widget stands for the nearest command target around it.
-    mRan.clear();
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mPlain, kContextMenu, QPoint(-1, -1), false, nullptr), 501u);
+    EXPECT_EQ(PickSecond(mPlain, QPoint(-1, -1), false), "control 501;");
     EXPECT_EQ(mPopupPosition, mPlain->mapToGlobal(QPoint(5, 5)));
-    EXPECT_EQ(mRan, "control 501;");
-}
-
-TEST_F(ContextMenuTest, AGivenTargetWinsAndCancellingRunsNothing)
-{
+    // A given target wins.
     CmdTarget given;
     given.OnCommand(501, [this] { mRan += "given 501;"; });
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, &given), 501u);
-    EXPECT_EQ(mRan, "given 501;");
+    EXPECT_EQ(PickSecond(mControl, QPoint(-1, -1), true, &given), "given 501;");
+}
 
+TEST_F(ContextMenuTest, CancellingRunsNothingAndACommandMayDestroyTheWindowItCameFrom)
+{
     mRan.clear();
-    WhenPopup([](QMenu* menu) { QTest::keyClick(menu, Qt::Key_Escape); });
+    PickWith({Qt::Key_Escape});
     EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 0u);
     EXPECT_EQ(mRan, "");
-
     try {
         GUI::DisplayContextMenu(mControl, kNoPopupMenu, QPoint(-1, -1), true, nullptr);
         FAIL() << "a menu without a sub-menu must throw";
     } catch (const Exception& e) {
         EXPECT_STREQ(e.Why(), "The menu resource 2 has no sub-menu to show.");
     }
-}
 
-TEST_F(ContextMenuTest, CommandMayDestroyTheWindowItCameFrom)
-{
     QPointer<TargetButton> control = mControl;
     mControl->OnCommand(500, [this] { delete mControl; });
-    WhenPopup([](QMenu* menu) {
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
-    });
+    PickWith({Qt::Key_Down, Qt::Key_Return});
     EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), false, nullptr), 500u);
     EXPECT_TRUE(control.isNull());
 }
-
-// --- AddToMenuBar ---------------------------------------------------------------
 
 TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
 {
@@ -430,14 +362,13 @@ TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
     window.setGeometry(60, 80, 400, 300);
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-
     QMenuBar* bar = window.menuBar();
     ASSERT_EQ(bar->actions().size(), 1);
     QAction* entry = bar->actions().front();
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(entry).center());
     auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_EQ(popup, entry->menu());
-    EXPECT_FALSE(FindAction(popup, 502)->isEnabled());   // updated as it opened
+    EXPECT_FALSE(FindAction(popup, 502)->isEnabled()) << "updated as it opened";
     for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
         QTest::keyClick(popup, key);
     EXPECT_EQ(ran, "501;");

@@ -9,15 +9,9 @@
 
 #include <KORVAutl/LanguageString.h>
 
-#include <QImage>
 #include <QLabel>
 #include <QProgressBar>
-#include <QTest>
 #include <QVBoxLayout>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace {
 
@@ -32,8 +26,8 @@ void Settle()
     QCoreApplication::processEvents();
 }
 
-// A status bar on a window of its own, shown, with the pane layout of a frame:
-// the message pane and one indicator.
+// A status bar at the foot of a window of its own, shown, with the pane layout
+// of a frame: the message pane and one indicator.
 template <class Bar>
 struct ShownBar
 {
@@ -42,6 +36,7 @@ struct ShownBar
 
     ShownBar()
     {
+        korva::test::Application();
         auto* layout = new QVBoxLayout(&window);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addStretch(1);
@@ -53,26 +48,7 @@ struct ShownBar
         window.show();
         Settle();
     }
-};
-
-// Both bars give GetPaneStyleOrZero to the scenarios below in the same way.
-class TestTsStatusBar : public TsStatusBar
-{
-public:
-    using TsStatusBar::TsStatusBar;
-    unsigned int GetPaneStyleOrZero(int index) const { return GetPaneStyle(index); }
-};
-
-class TestTsXTPStatusBar : public TsXTPStatusBar
-{
-public:
-    using TsXTPStatusBar::TsXTPStatusBar;
-    unsigned int GetPaneStyleOrZero(int index) const
-    {
-        unsigned int id = 0, style = 0;
-        int width = 0;
-        return GetPaneInfo(index, id, style, width) ? style : 0;
-    }
+    QPoint At(QWidget* hosted) const { return hosted->mapTo(bar, QPoint(0, 0)); }
 };
 
 // The scenarios both bars must pass, told through TsStatusAccess and the bar's
@@ -80,10 +56,8 @@ public:
 template <class Bar>
 class StatusBarTest : public ::testing::Test
 {
-protected:
-    void SetUp() override { korva::test::Application(); }
 };
-using Bars = ::testing::Types<TestTsStatusBar, TestTsXTPStatusBar>;
+using Bars = ::testing::Types<TsStatusBar, TsXTPStatusBar>;
 TYPED_TEST_SUITE(StatusBarTest, Bars);
 
 TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
@@ -91,37 +65,35 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
     ShownBar<TypeParam> shown;
     TypeParam& bar = *shown.bar;
     TsStatusAccess& access = bar;
-
     auto* gauge = new QProgressBar(&bar);
     auto* spin = new QLabel(QStringLiteral("spin"), &bar);
 
-    // The gauge goes behind the message pane.
+    // The gauge goes behind the message pane, inside its pane.
     ASSERT_TRUE(access.InsertWindow(gauge, 100, 1, kGaugePane));
     gauge->show();
     Settle();
     EXPECT_EQ(access.GetItemID(1), kGaugePane);
     EXPECT_EQ(access.GetItemID(2), kCapsPane);
-    const QRect gaugeInBar(gauge->mapTo(&bar, QPoint(0, 0)), gauge->size());
-    EXPECT_TRUE(bar.GetItemRect(1).adjusted(1, 1, -1, -1).contains(gaugeInBar)) << "the window lies inside its pane";
-    EXPECT_GE(gaugeInBar.width(), 100 - 4);
+    EXPECT_TRUE(bar.GetItemRect(1).adjusted(1, 1, -1, -1).contains(QRect(shown.At(gauge), gauge->size())));
+    EXPECT_GE(gauge->width(), 100 - 4);
 
     // The spinner goes in front of it: the gauge moves one pane on and to the right.
-    const int gaugeX = gauge->mapTo(&bar, QPoint(0, 0)).x();
+    const int gaugeX = shown.At(gauge).x();
     ASSERT_TRUE(access.InsertWindow(spin, 40, 1, kSpinPane));
     spin->show();
     Settle();
     EXPECT_EQ(bar.GetWindowIndex(spin), 1);
     EXPECT_EQ(bar.GetWindowIndex(gauge), 2);
     EXPECT_EQ(access.CommandToIndex(kCapsPane), 3);
-    EXPECT_GT(gauge->mapTo(&bar, QPoint(0, 0)).x(), std::max(gaugeX - 1, spin->mapTo(&bar, QPoint(0, 0)).x()));
-    EXPECT_TRUE(bar.GetItemRect(2).contains(gauge->mapTo(&bar, QPoint(0, 0))));
+    EXPECT_GT(shown.At(gauge).x(), std::max(gaugeX - 1, shown.At(spin).x()));
+    EXPECT_TRUE(bar.GetItemRect(2).contains(shown.At(gauge)));
 
     // The spinner leaves for good: the gauge moves back.
     access.RemoveWindow(spin, false, kSpinPane);
     Settle();
     EXPECT_EQ(access.GetCount(), 3);
     EXPECT_EQ(bar.GetWindowIndex(gauge), 1);
-    EXPECT_TRUE(bar.GetItemRect(1).contains(gauge->mapTo(&bar, QPoint(0, 0))));
+    EXPECT_TRUE(bar.GetItemRect(1).contains(shown.At(gauge)));
 
     // Hidden: the pane stays with width 0, the gauge is hidden.
     access.RemoveWindow(gauge, true, kGaugePane);
@@ -133,8 +105,6 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
 
     // Inserted again, it leaves its hidden pane behind instead of adding another.
     ASSERT_TRUE(access.InsertWindow(gauge, 100, 2, kGaugePane));
-    gauge->show();
-    Settle();
     EXPECT_EQ(access.GetCount(), 3);
     EXPECT_EQ(bar.GetWindowIndex(gauge), 2);
     EXPECT_EQ(access.GetItemID(1), kCapsPane);
@@ -143,18 +113,15 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
     access.RemoveWindow(nullptr, false, kCapsPane);
     EXPECT_EQ(access.GetCount(), 2);
     EXPECT_EQ(bar.GetWindowIndex(gauge), 1);
-
     EXPECT_FALSE(access.InsertWindow(nullptr, 10, 0, 5));
     EXPECT_EQ(access.SetPaneText(7, "out of range", 1), 0);
 }
 
 TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
 {
-    TypeParam fresh;
-    EXPECT_EQ(fresh.GetCount(), 1);
+    const TypeParam fresh;
+    EXPECT_EQ(fresh.GetCount(), 1) << "a new bar has the message pane only";
     EXPECT_EQ(fresh.GetItemID(0), 0u);
-    EXPECT_TRUE(fresh.GetPaneStyleOrZero(0) & SBPS_STRETCH);
-
     ShownBar<TypeParam> shown;
     TypeParam& bar = *shown.bar;
     const unsigned int panes[] = {0, 13316, 0};
@@ -165,6 +132,8 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     EXPECT_EQ(bar.CommandToIndex(0), 0);
     unsigned int id = 0, style = 0;
     int width = 0;
+    ASSERT_TRUE(bar.GetPaneInfo(0, id, style, width));
+    EXPECT_TRUE(style & SBPS_STRETCH);
     ASSERT_TRUE(bar.GetPaneInfo(1, id, style, width));
     EXPECT_GT(width, bar.fontMetrics().horizontalAdvance(QString::fromUtf8(LanguageString::Get(13316))));
 
@@ -174,35 +143,25 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     Settle();
     EXPECT_EQ(bar.GetItemRect(0).width(), before + 200);
     EXPECT_EQ(bar.GetItemRect(1).width(), width);
-
     EXPECT_EQ(bar.SetPaneText(0, "Ready", 1), 1);
     EXPECT_EQ(bar.GetPaneText(0), "Ready");
-}
 
-// What a bar paints inside a rectangle.
-QImage PaintedArea(QWidget& bar, const QRect& area)
-{
-    QCoreApplication::processEvents();
-    return bar.grab(area).toImage();
-}
-
-TYPED_TEST(StatusBarTest, TheTemporaryMessageShowsInTheMessagePane)
-{
-    ShownBar<TypeParam> shown;
-    TypeParam& bar = *shown.bar;
+    // The temporary message shows in the message pane.
     bar.SetPaneText(0, "", 1);
-    const QRect message = bar.GetItemRect(0);
-    const QImage empty = PaintedArea(bar, message);
+    const auto painted = [&] {
+        QCoreApplication::processEvents();
+        return bar.grab(bar.GetItemRect(0)).toImage();
+    };
+    const QImage empty = painted();
     bar.showMessage(QStringLiteral("Saving the project"));
-    EXPECT_NE(PaintedArea(bar, message), empty);
+    EXPECT_NE(painted(), empty);
     bar.clearMessage();
-    EXPECT_EQ(PaintedArea(bar, message), empty);
+    EXPECT_EQ(painted(), empty);
 }
 
 TEST(PlainStatusBarTest, PanesAreLaidOutLeftToRightWithHostedWindowsOnePixelInside)
 {
-    korva::test::Application();
-    ShownBar<TestTsStatusBar> shown;
+    ShownBar<TsStatusBar> shown;
     TsStatusBar& bar = *shown.bar;
     auto* gauge = new QProgressBar;
     ASSERT_TRUE(bar.InsertWindow(gauge, 100, 1, kGaugePane));
@@ -214,7 +173,6 @@ TEST(PlainStatusBarTest, PanesAreLaidOutLeftToRightWithHostedWindowsOnePixelInsi
     EXPECT_EQ(bar.GetItemRect(2).left(), bar.GetItemRect(1).right() + 1 + 2);
     EXPECT_EQ(bar.GetItemRect(0).left(), 2);
     EXPECT_EQ(bar.GetItemRect(2).right(), bar.width() - 1 - 2) << "the panes fill the bar";
-
     // Taken out for good, the window stays where it was: its owner decides.
     bar.RemoveWindow(gauge, false, kGaugePane);
     EXPECT_FALSE(gauge->isHidden());
@@ -222,8 +180,7 @@ TEST(PlainStatusBarTest, PanesAreLaidOutLeftToRightWithHostedWindowsOnePixelInsi
 
 TEST(ToolkitStatusBarTest, ControlsComeAndGoWithTheirIndicators)
 {
-    korva::test::Application();
-    ShownBar<TestTsXTPStatusBar> shown;
+    ShownBar<TsXTPStatusBar> shown;
     TsXTPStatusBar& bar = *shown.bar;
     EXPECT_EQ(bar.AddIndicator(kSpinPane, 1), 1);
     EXPECT_EQ(bar.AddIndicator(kGaugePane), 3);
