@@ -38,37 +38,70 @@ class MdiFramePositionTest : public MdiFrameFixture
 protected:
     void UseScreens(std::vector<QRect> screens) { TessmaMDIFrame::msWorkAreaSource = [screens] { return screens; }; }
     int Saved(const char* key) { return mApp->GetProfileInt("WindowPos", key, -1); }
-    // The geometry of a frame shown after a first placement of 640 x 480.
-    QRect ShownGeometry()
+    // The geometry of a frame shown after a first placement of 640 x 480; `end` may close it.
+    QRect ShownGeometry(const std::function<void(TessmaMDIFrame&)>& end = nullptr)
     {
         TessmaMDIFrame frame;
         frame.resize(640, 480);
         frame.show();
-        return frame.geometry();
+        const QRect shown = frame.geometry();
+        if (end)
+            end(frame);
+        return shown;
     }
 };
 
 } // namespace
 
-TEST_F(MdiFramePositionTest, PositionSavedOnAScreenThatIsGoneComesBackInsideTheNearestOne)
+TEST_F(MdiFramePositionTest, PositionComesBackInsideTheScreensAndMaximizedAsItWas)
 {
+    // Saved on a screen that is gone: the window keeps its size and stands fully on the nearest one.
     UseScreens({kLeftScreen, kRightScreen});
-    {
-        TessmaMDIFrame frame;
-        frame.show();
+    ShownGeometry([](TessmaMDIFrame& frame) {
         frame.setGeometry(2400, 300, 600, 400);
         frame.close();
-    }
+    });
     EXPECT_EQ((std::vector<int>{Saved("Status"), Saved("Left"), Saved("Top"), Saved("Right"), Saved("Bottom")}),
               (std::vector<int>{1, 2400, 300, 3000, 700}));
-    // The right screen is unplugged: the window keeps its size and stands fully on the left one.
     UseScreens({kLeftScreen});
     EXPECT_EQ(ShownGeometry(), QRect(kLeftScreen.right() + 1 - 600, 300, 600, 400));
+
+    // Maximized: the status is kept, and the normal geometry is what is saved.
+    ShownGeometry([](TessmaMDIFrame& frame) {
+        frame.setGeometry(100, 120, 700, 500);
+        frame.showMaximized();
+        frame.close();
+    });
+    EXPECT_EQ(Saved("Status"), 3);
+    ShownGeometry([](TessmaMDIFrame& frame) {
+        EXPECT_TRUE(frame.isMaximized());
+        EXPECT_EQ(frame.normalGeometry(), QRect(100, 120, 700, 500));
+    });
+
+    // The screen with the largest share of the window takes it, else the nearest one.
+    const std::pair<QRect, QRect> cases[] = {
+        {QRect(1800, 800, 600, 400), QRect(1920, 584, 600, 400)},       // mostly right, over its bottom edge
+        {QRect(9000, 100, 400, 300), QRect(3200 - 400, 100, 400, 300)},   // far to the right of everything
+        {QRect(2000, 50, 1500, 1200), QRect(1920, 0, 1500, 1200)},      // too large: the top-left corner is inside
+    };
+    for (const auto& [rect, fitted] : cases)
+        EXPECT_EQ(TessmaMDIFrame::FitIntoNearestWorkArea(rect, {kLeftScreen, kRightScreen}), fitted) << rect.x();
+    EXPECT_EQ(TessmaMDIFrame::FitIntoNearestWorkArea(QRect(5, 5, 10, 10), {}), QRect(5, 5, 10, 10));
 }
 
 TEST_F(MdiFramePositionTest, WithoutASectionOrWithOneValueMissingTheDefaultPlacementStays)
 {
     UseScreens({kLeftScreen});
+    // CleanupWindow ends a frame without the closing steps: no position is saved.
+    auto* ending = new TessmaMDIFrame;
+    QPointer<TessmaMDIFrame> alive(ending);
+    ending->setAttribute(Qt::WA_DeleteOnClose);
+    ending->show();
+    ending->CleanupWindow();
+    EXPECT_TRUE(ending->isHidden());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(alive.isNull());
+    EXPECT_EQ(Saved("Status"), -1);
     EXPECT_EQ(ShownGeometry().size(), QSize(640, 480));
     for (const auto& [key, value] : {std::pair{"Status", 1}, {"Top", 100}, {"Left", 50}, {"Bottom", 500}})
         mApp->WriteProfileInt("WindowPos", key, value);
@@ -77,91 +110,44 @@ TEST_F(MdiFramePositionTest, WithoutASectionOrWithOneValueMissingTheDefaultPlace
     EXPECT_EQ(ShownGeometry(), QRect(50, 100, 800, 400));
 }
 
-TEST_F(MdiFramePositionTest, MaximizedStatusIsKeptAndTheNormalGeometryIsWhatIsSaved)
-{
-    UseScreens({kLeftScreen});
-    {
-        TessmaMDIFrame frame;
-        frame.show();
-        frame.setGeometry(100, 120, 700, 500);
-        frame.showMaximized();
-        frame.close();
-    }
-    EXPECT_EQ(Saved("Status"), 3);
-    EXPECT_EQ(Saved("Right"), 800);
-    TessmaMDIFrame frame;
-    frame.show();
-    EXPECT_TRUE(frame.isMaximized());
-    EXPECT_EQ(frame.normalGeometry(), QRect(100, 120, 700, 500));
-
-    // CleanupWindow ends a frame without the closing steps: no position is saved.
-    mApp->WriteProfileString("WindowPos", nullptr, nullptr);
-    auto* ending = new TessmaMDIFrame;
-    ending->setAttribute(Qt::WA_DeleteOnClose);
-    QPointer<TessmaMDIFrame> alive(ending);
-    ending->show();
-    ending->CleanupWindow();
-    EXPECT_TRUE(ending->isHidden());
-    EXPECT_EQ(Saved("Status"), -1);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(alive.isNull());
-}
-
-TEST(MdiFrameWorkAreaTest, TheScreenWithTheLargestShareOrTheNearestOneTakesTheWindow)
-{
-    const std::vector<QRect> screens = {kLeftScreen, kRightScreen};
-    const std::pair<QRect, QRect> cases[] = {
-        {QRect(1800, 800, 600, 400), QRect(1920, 584, 600, 400)},     // mostly right, over its bottom edge
-        {QRect(9000, 100, 400, 300), QRect(3200 - 400, 100, 400, 300)},   // far to the right of everything
-        {QRect(2000, 50, 1500, 1200), QRect(1920, 0, 1500, 1200)},    // too large: the top-left corner is inside
-    };
-    for (const auto& [rect, fitted] : cases)
-        EXPECT_EQ(TessmaMDIFrame::FitIntoNearestWorkArea(rect, screens), fitted) << rect.x();
-    EXPECT_EQ(TessmaMDIFrame::FitIntoNearestWorkArea(QRect(5, 5, 10, 10), {}), QRect(5, 5, 10, 10));
-}
-
 TEST_F(MdiFrameFixture, BarStateNamingABarThatIsGoneDoesNotVerify)
 {
-    const auto addBars = [](TessmaMDIFrame& frame, std::vector<QString> toolBars, std::vector<QString> docks) {
+    const auto addBars = [](TessmaMDIFrame& frame, std::vector<QString> toolBars) {
         for (const QString& name : toolBars)
             frame.addToolBar(name)->setObjectName(name);
-        for (const QString& name : docks) {
-            auto* dock = new QDockWidget(name, &frame);
-            dock->setObjectName(name);
-            frame.addDockWidget(Qt::LeftDockWidgetArea, dock);
-        }
+        auto* dock = new QDockWidget(QStringLiteral("Navigator"), &frame);
+        dock->setObjectName(QStringLiteral("Navigator"));
+        frame.addDockWidget(Qt::LeftDockWidgetArea, dock);
     };
     {
         TessmaMDIFrame frame;
-        EXPECT_EQ(frame.VerifyBarState("Bars"), 1) << "no stored state names no bar";
-        addBars(frame, {"Standard", "Analysis"}, {"Navigator"});
+        addBars(frame, {"Standard", "Analysis"});
         frame.show();
         frame.findChild<QToolBar*>("Analysis")->hide();
         ASSERT_TRUE(frame.SaveBarState("Bars"));
     }
     EXPECT_EQ(mApp->GetProfileInt("Bars", "BarCount", 0), 3);
-    // A later version without the tool bar "Analysis", or without the dock.
-    for (const auto& [toolBars, docks] : {std::pair<std::vector<QString>, std::vector<QString>>{{"Standard"}, {"Navigator"}},
-                                          {{"Standard", "Analysis"}, {}}}) {
-        TessmaMDIFrame frame;
-        addBars(frame, toolBars, docks);
-        EXPECT_EQ(frame.VerifyBarState("Bars"), 0);
+    {
+        TessmaMDIFrame later;   // a later version without the tool bar "Analysis"
+        addBars(later, {"Standard"});
+        EXPECT_EQ(later.VerifyBarState("Bars"), 0);
     }
     // All bars there, and one more: the state applies.
     TessmaMDIFrame frame;
-    addBars(frame, {"Standard", "Analysis", "Charts"}, {"Navigator"});
+    addBars(frame, {"Standard", "Analysis", "Charts"});
     frame.show();
     EXPECT_EQ(frame.VerifyBarState("Bars"), 1);
     ASSERT_TRUE(frame.LoadBarState("Bars"));
     EXPECT_TRUE(frame.findChild<QToolBar*>("Analysis")->isHidden());
     EXPECT_FALSE(frame.findChild<QToolBar*>("Standard")->isHidden());
 
-    // Saving again forgets the names of the first state.
+    // Saving again forgets the names of the first state; nothing stored names no bar.
     frame.findChild<QToolBar*>("Analysis")->setObjectName(QString());
     ASSERT_TRUE(frame.SaveBarState("Bars"));
     TessmaMDIFrame other;
-    addBars(other, {"Standard", "Charts"}, {"Navigator"});
+    addBars(other, {"Standard", "Charts"});
     EXPECT_EQ(other.VerifyBarState("Bars"), 1);
+    EXPECT_EQ(other.VerifyBarState("Nothing stored"), 1);
     EXPECT_FALSE(other.LoadBarState("Nothing stored"));
 }
 
@@ -193,14 +179,13 @@ TEST_F(MdiFrameFixture, CommandsReachTheActiveChildFirstAndTheChildrenAreCounted
     mApp->SetMainWnd(&frame);
     EXPECT_EQ(GUIUtilities::GetMDIChildWnds(nullptr, false), 0) << "no child yet";
     QMdiSubWindow* view = frame.AddMDIChild(new CommandView(viewRuns));
-    QMdiSubWindow* plain = frame.AddMDIChild(new QLabel(QStringLiteral("plain")));
+    QMdiSubWindow* plain = frame.AddMDIChild(new QLabel);
     QMdiSubWindow* stubborn = frame.AddMDIChild(new StubbornView);
-    frame.MDIActivate(view);
-    EXPECT_TRUE(korva::RouteCommand(4711));
-    frame.MDIActivate(plain);
-    EXPECT_TRUE(korva::RouteCommand(4711));
-    EXPECT_EQ(viewRuns, 1);
-    EXPECT_EQ(frameRuns, 1);
+    for (QMdiSubWindow* active : {view, plain}) {
+        frame.MDIActivate(active);
+        EXPECT_TRUE(korva::RouteCommand(4711));
+    }
+    EXPECT_EQ(std::pair(viewRuns, frameRuns), std::pair(1, 1));
 
     // The active child is on top, and children are appended; hidden ones count only when asked.
     plain->hide();
@@ -223,12 +208,8 @@ TEST_F(MdiFrameFixture, CommandsReachTheActiveChildFirstAndTheChildrenAreCounted
     plain->show();
     frame.MDIActivate(stubborn);
     frame.CloseAllChildWindows();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_FALSE(stubborn->isHidden());
-    EXPECT_FALSE(view->isHidden());
-    stubborn->widget()->deleteLater();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    frame.AddMDIChild(new QLabel(QStringLiteral("four")));
+    EXPECT_FALSE(stubborn->isHidden() || view->isHidden());
+    delete stubborn->widget();
     frame.CloseAllChildWindows();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(frame.MDIGetActive(), nullptr);
@@ -244,23 +225,22 @@ TEST_F(MdiFrameFixture, CommandsReachTheActiveChildFirstAndTheChildrenAreCounted
     mApp->SetMainWnd(nullptr);
 }
 
-TEST_F(MdiFrameFixture, TheFramesDialogsAreClosedAndDisabledButNotThoseOfOthers)
+TEST_F(MdiFrameFixture, TheFramesDialogsAreClosedAndDisabledButNotThoseOfOthersAndItsMessageBar)
 {
     TessmaMDIFrame frame;
     frame.show();
     mApp->SetMainWnd(&frame);
-    QMdiSubWindow* child = frame.AddMDIChild(new QLabel(QStringLiteral("child")));
+    QMdiSubWindow* child = frame.AddMDIChild(new QLabel);
     QDialog ofFrame(&frame), ofChild(child->widget()), nested(&ofChild);
     QWidget stranger;
     QDialog ofStranger(&stranger);
-    const std::vector<QDialog*> dialogs{&ofFrame, &ofChild, &nested, &ofStranger};
     const auto states = [&](bool (QWidget::*state)() const) {
         std::vector<bool> result;
-        for (QDialog* dialog : dialogs)
+        for (QDialog* dialog : {&ofFrame, &ofChild, &nested, &ofStranger})
             result.push_back((dialog->*state)());
         return result;
     };
-    for (QDialog* dialog : dialogs)
+    for (QDialog* dialog : {&ofFrame, &ofChild, &nested, &ofStranger})
         dialog->show();
 
     // While a box of the application is up, the frame's dialogs are disabled.
@@ -269,22 +249,14 @@ TEST_F(MdiFrameFixture, TheFramesDialogsAreClosedAndDisabledButNotThoseOfOthers)
     EXPECT_EQ(mApp->DoMessageBox("Look", MB_OK, 0), IDOK);
     EXPECT_EQ(enabledDuringBox, (std::vector<bool>{false, false, false, true}));
     EXPECT_EQ(states(&QWidget::isEnabled), (std::vector<bool>{true, true, true, true}));
-
     EXPECT_TRUE(frame.CancelAllMyDialogs());
     EXPECT_EQ(states(&QWidget::isVisible), (std::vector<bool>{false, false, false, true}));
     EXPECT_EQ(ofFrame.result(), QDialog::Rejected);
     mApp->SetMainWnd(nullptr);
-}
 
-TEST_F(MdiFrameFixture, TheMessageBarIsATsStatusBarMadeOnceAndInstalled)
-{
-    TessmaMDIFrame frame;
-    auto* bar = dynamic_cast<TsStatusBar*>(frame.GetMessageBar());
-    ASSERT_NE(bar, nullptr);
-    EXPECT_EQ(frame.GetMessageBar(), bar);
-    EXPECT_EQ(frame.statusBar(), bar);
-    frame.SetMessageText("Computing");
-    EXPECT_EQ(bar->GetPaneText(bar->CommandToIndex(0)), "Computing");
+    // The message bar is a TsStatusBar, made once and installed; the title is the application's name.
+    EXPECT_NE(dynamic_cast<TsStatusBar*>(frame.GetMessageBar()), nullptr);
+    EXPECT_EQ(frame.statusBar(), frame.GetMessageBar());
     EXPECT_EQ(frame.windowTitle(), QStringLiteral("MdiFrameTest"));
 }
 
@@ -318,7 +290,7 @@ public:
 class MdiFrameMemoryTest : public MdiFrameFixture
 {
 protected:
-    // The free memory that the next readings of the watch give.
+    // The free memory that the next readings of the watch give (0.5 after them).
     void Readings(std::deque<double> values)
     {
         mReadings = std::move(values);
@@ -334,8 +306,7 @@ protected:
     {
         TessmaMDIFrame::SetWarnAboutMemory(true);
         TimerFrame frame;
-        if (collector)
-            frame.RegisterCanGarbageCollect(collector);
+        frame.RegisterCanGarbageCollect(collector);
         BoxAnswerer answerer;
         const std::size_t count = values.size();
         Readings(std::move(values));
@@ -345,8 +316,7 @@ protected:
     }
     static QString Text(unsigned int first, unsigned int second)
     {
-        return (QString::fromUtf8(LanguageString::Get(first)) + "MdiFrameTest" +
-                QString::fromUtf8(LanguageString::Get(second))).simplified();
+        return (LanguageString::Get(first) + QStringLiteral("MdiFrameTest") + LanguageString::Get(second)).simplified();
     }
 
     std::deque<double> mReadings;
@@ -372,9 +342,9 @@ TEST_F(MdiFrameMemoryTest, TheWarningReturnsOnlyAfterFreeMemoryHasClearlyRisen)
     EXPECT_TRUE(free > 0.0 && free <= 1.0) << "from /proc/meminfo: " << free;
 }
 
-TEST_F(MdiFrameMemoryTest, FreeMemoryNowAsksEveryRegisteredObjectOnce)
+TEST_F(MdiFrameMemoryTest, EveryCollectorIsAskedOnceAndASecondTimerDuringTheBoxOfTheFirstIsIgnored)
 {
-    TessmaMDIFrame frame;
+    TimerFrame frame;
     Collector a, b, leaving(&frame);
     for (Collector* collector : {&a, &leaving, &b, &b})
         frame.RegisterCanGarbageCollect(collector);
@@ -382,13 +352,7 @@ TEST_F(MdiFrameMemoryTest, FreeMemoryNowAsksEveryRegisteredObjectOnce)
     frame.UnregisterCanGarbageCollect(&a);
     frame.FreeMemoryNow();
     EXPECT_EQ((std::vector<int>{a.calls, b.calls, leaving.calls}), (std::vector<int>{1, 2, 1}));
-}
 
-TEST_F(MdiFrameMemoryTest, ASecondTimerDuringTheBoxOfTheFirstIsIgnored)
-{
-    TimerFrame frame;
-    Collector collector;
-    frame.RegisterCanGarbageCollect(&collector);
     TsStartWindow(QImage(), {"Splash"});
     Readings({0.01, 0.01, 0.01});
     BoxAnswerer answerer(Qt::Key_Return, [&frame] {
@@ -397,18 +361,17 @@ TEST_F(MdiFrameMemoryTest, ASecondTimerDuringTheBoxOfTheFirstIsIgnored)
     });
     frame.OnTimer(TessmaMDIFrame::eMemoryTimer);
     EXPECT_EQ(answerer.texts.size(), 1u);
-    EXPECT_EQ(collector.calls, 1);
+    EXPECT_EQ(b.calls, 3);
     EXPECT_EQ(mReadings.size(), 2u);
     EXPECT_NE(TsStartWindow::Instance(), nullptr) << "the splash timer inside the box ran";
-
     // Once the box is gone, timers run again.
     frame.OnTimer(TessmaMDIFrame::eSplashTimer);
     EXPECT_EQ(TsStartWindow::Instance(), nullptr);
     frame.OnTimer(TessmaMDIFrame::eMemoryTimer);
-    EXPECT_EQ(collector.calls, 2);
+    EXPECT_EQ(b.calls, 4);
 }
 
-TEST_F(MdiFrameMemoryTest, AFailingAllocationAsksTheUserAndFailsOnOk)
+TEST_F(MdiFrameMemoryTest, AFailingAllocationAsksTheUserAndFailsOnOkAndEndsTheProcessOnCancel)
 {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "AddressSanitizer ends the process on a failed allocation instead of calling the new handler";
@@ -417,17 +380,13 @@ TEST_F(MdiFrameMemoryTest, AFailingAllocationAsksTheUserAndFailsOnOk)
     {
         TessmaMDIFrame frame;
         ASSERT_EQ(std::get_new_handler(), &TessmaMDIFrame::NewHandler);
-        EXPECT_EQ(TessmaMDIFrame::GetFrameInstance(), &frame);
         Collector collector;
         frame.RegisterCanGarbageCollect(&collector);
         int readings = 0;
         TessmaMDIFrame::msFreeMemoryReader = [&readings] { return ++readings, 0.5; };
-
         BoxAnswerer answerer(Qt::Key_Return);
         // More than the address space: the allocation fails for certain.
-        void* volatile block = nullptr;
-        EXPECT_THROW(block = ::operator new(std::size_t(1) << 50), std::bad_alloc);
-        EXPECT_EQ(block, nullptr);
+        EXPECT_THROW(static_cast<void>(::operator new(std::size_t(1) << 50)), std::bad_alloc);
         EXPECT_EQ(answerer.texts, std::vector<QString>{Text(13289, 13290)});
         EXPECT_EQ(collector.calls, 1);
         // OK has the memory watch run soon.
@@ -436,11 +395,7 @@ TEST_F(MdiFrameMemoryTest, AFailingAllocationAsksTheUserAndFailsOnOk)
         EXPECT_EQ(readings, 1);
     }
     EXPECT_EQ(std::get_new_handler(), nullptr);
-    EXPECT_EQ(TessmaMDIFrame::GetFrameInstance(), nullptr);
-}
 
-TEST_F(MdiFrameMemoryTest, CancelInTheLowMemoryBoxEndsTheProcess)
-{
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
@@ -459,13 +414,9 @@ TEST_F(MdiFrameFixture, TheSplashGoesTwoSecondsAfterTheFrameIsMadeOrWithItsOwner
     ASSERT_NE(first, nullptr);
     EXPECT_TRUE(first->isVisible());
     EXPECT_EQ(first->pos(), at);
-    EXPECT_EQ(first->GetTexts().size(), 3u);
-    EXPECT_GE(first->width(), 420) << "the small about picture stands on a panel";
-
     // A second splash replaces the first.
     TsStartWindow(QImage(400, 260, QImage::Format_RGB32), {"Big"});
     EXPECT_TRUE(first.isNull());
-    EXPECT_EQ(TsStartWindow::Instance()->size(), QSize(400, 260)) << "a large picture is the window";
     QElapsedTimer clock;
     clock.start();
     {
@@ -476,10 +427,8 @@ TEST_F(MdiFrameFixture, TheSplashGoesTwoSecondsAfterTheFrameIsMadeOrWithItsOwner
         EXPECT_TRUE(QTest::qWaitFor([] { return TsStartWindow::Instance() == nullptr; }, 5000));
         EXPECT_GE(clock.elapsed(), TessmaMDIFrame::kSplashDelay - 50);
     }
-
     auto* owner = new QWidget;
     TsStartWindow(QImage(), {"Owned"}, nullptr, 0, owner);
-    EXPECT_NE(TsStartWindow::Instance(), nullptr);
     delete owner;
     EXPECT_EQ(TsStartWindow::Instance(), nullptr);
 }
