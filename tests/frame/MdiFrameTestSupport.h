@@ -5,19 +5,25 @@
 #include "../utl/TempDir.h"
 #include "TestApplication.h"
 
+#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/WinApp.h>
 #include <KORVAutlwin/platform/Registry.h>
 
+#include <KORVAutl/LanguageString.h>
+
+#include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPointer>
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -130,10 +136,62 @@ inline Ids VisibleButtonIds(QWidget* dialog)
     return ids;
 }
 
-/// The "ctrlId" of the control with the focus (0 for none).
-inline int FocusedId(QWidget* dialog)
+/// What a dialog shows: its class, title, buttons left to right, the control
+/// with the focus, the texts of the controls that are not hidden by "ctrlId",
+/// and the type of a message box.
+struct Shown
 {
-    return dialog->focusWidget() ? dialog->focusWidget()->property("ctrlId").toInt() : 0;
+    std::string kind;
+    std::string title;
+    Ids buttons;
+    int focused = 0;
+    std::map<int, std::string> texts;
+    unsigned int type = 0;
+};
+
+inline Shown Look(QWidget* dialog)
+{
+    QWidget* focus = dialog->focusWidget();
+    Shown shown{dialog->metaObject()->className(), dialog->windowTitle().toStdString(), VisibleButtonIds(dialog),
+                focus ? focus->property("ctrlId").toInt() : 0, {}, 0};
+    for (QWidget* control : dialog->findChildren<QWidget*>()) {
+        const int id = control->property("ctrlId").toInt();
+        if (id == 0 || control->isHidden())
+            continue;
+        if (auto* label = qobject_cast<QLabel*>(control))
+            shown.texts[id] = label->text().toStdString();
+        else if (auto* edit = qobject_cast<QPlainTextEdit*>(control))
+            shown.texts[id] = edit->toPlainText().toStdString();
+        else if (auto* button = qobject_cast<QAbstractButton*>(control))
+            shown.texts[id] = button->text().toStdString();
+    }
+    if (auto* box = qobject_cast<CustomMessageBoxDlg*>(dialog))
+        shown.type = box->GetType();
+    return shown;
+}
+
+/// Notes in `shown` what the next modal dialog shows, then answers it with `answer`.
+inline void Answer(Shown& shown, std::function<void(QWidget*)> answer)
+{
+    shown = Shown();
+    WhenModal([&shown, answer](QWidget* dialog) {
+        shown = Look(dialog);
+        answer(dialog);
+    });
+}
+
+/// An answer: the key pressed, or (for a non-zero `id`) a click on control `id` after ticking `check`.
+inline std::function<void(QWidget*)> Key(Qt::Key key)
+{
+    return [key](QWidget* dialog) { Press(dialog, key); };
+}
+inline std::function<void(QWidget*)> ClickOn(int id, int check = 0)
+{
+    return [id, check](QWidget* dialog) {
+        if (check)
+            Click(dialog, check);
+        Click(dialog, id);
+    };
 }
 
 /// Counts every dialog that is shown while it lives and closes it at once,

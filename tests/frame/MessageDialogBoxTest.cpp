@@ -1,21 +1,16 @@
-// The message box itself: buttons, default button, Escape, icon, wrapping,
+// The message box itself: buttons, icon, default button, Escape, wrapping,
 // check box, custom captions, help; the scrolling box; the line breaker; the
 // details dialog and the switch that mutes it.
 
 #include "MdiFrameTestSupport.h"
 
-#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/DetailsDialog.h>
 #include <KORVAutlwin/frame/LimitLineLength.h>
 #include <KORVAutlwin/frame/MuteDetailsDialog.h>
 #include <KORVAutlwin/frame/ScrollMessageBox.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
 
-#include <KORVAutl/LanguageString.h>
-
-#include <QCheckBox>
 #include <QLayout>
-#include <QPlainTextEdit>
 #include <QStyle>
 
 using namespace korva::test;
@@ -34,46 +29,42 @@ std::vector<std::string> Lines(const std::string& text)
     }
 }
 
-QString Caption(unsigned int id)
-{
-    return QString::fromUtf8(LanguageString::Get(id));
-}
-
 } // namespace
 
-TEST_F(MessageDialogTest, ButtonSetsFollowTheTypeAndHelpJoinsAtTheEnd)
+TEST_F(MessageDialogTest, ButtonsAndIconFollowTheTypeAndHelpJoinsAtTheEnd)
 {
-    const struct { unsigned int type; Ids buttons; } cases[] = {
-        {MB_OK, {IDOK}},
-        {MB_OKCANCEL, {IDOK, IDCANCEL}},
-        {MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}},
-        {MB_YESNO, {IDYES, IDNO}},
-        {MB_ABORTRETRYIGNORE, {IDABORT, IDRETRY, IDIGNORE}},
-        {MB_RETRYCANCEL, {IDRETRY, IDCANCEL}},
-        {MB_CANCELTRYCONTINUE, {IDCANCEL, IDTRYAGAIN, IDCONTINUE}},
+    const struct { unsigned int type; Ids buttons; QStyle::StandardPixmap icon; } cases[] = {
+        {MB_OK | MB_ICONHAND, {IDOK}, QStyle::SP_MessageBoxCritical},
+        {MB_OKCANCEL | MB_ICONQUESTION, {IDOK, IDCANCEL}, QStyle::SP_MessageBoxQuestion},
+        {MB_YESNOCANCEL | MB_ICONASTERISK, {IDYES, IDNO, IDCANCEL}, QStyle::SP_MessageBoxInformation},
+        {MB_YESNO | MB_ICONEXCLAMATION, {IDYES, IDNO}, QStyle::SP_MessageBoxWarning},
+        {MB_ABORTRETRYIGNORE, {IDABORT, IDRETRY, IDIGNORE}, QStyle::SP_MessageBoxWarning},   // no icon bits
+        {MB_RETRYCANCEL, {IDRETRY, IDCANCEL}, QStyle::SP_MessageBoxWarning},
+        {MB_CANCELTRYCONTINUE, {IDCANCEL, IDTRYAGAIN, IDCONTINUE}, QStyle::SP_MessageBoxWarning},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.type);
         CustomMessageBoxDlg box(c.type, 0, nullptr);
         box.show();
-        EXPECT_EQ(VisibleButtonIds(&box), c.buttons) << "type " << c.type;
+        EXPECT_EQ(VisibleButtonIds(&box), c.buttons);
         EXPECT_EQ(box.findChildren<QCheckBox*>().size(), 0) << "no check box unless asked for";
+        const int size = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
+        EXPECT_EQ(box.findChild<QLabel*>(QStringLiteral("icon"))->pixmap().toImage(),
+                  box.style()->standardIcon(c.icon, nullptr, &box).pixmap(size, size).toImage());
     }
 
     // Help joins at the end, shows the topic and leaves the box open.
     unsigned int topic = 0;
     TsDialog::SetHelpTopicHandler([&](unsigned int id) { topic = id; });
     CustomMessageBoxDlg box(MB_YESNOCANCEL, 4711, nullptr);
-    Ids shown;
-    bool openAfterHelp = false;
-    WhenModal([&](QWidget* dialog) {
-        shown = VisibleButtonIds(dialog);
+    Shown shown;
+    Answer(shown, [](QWidget* dialog) {
         Click(dialog, IDHELP);
-        openAfterHelp = dialog->isVisible();
-        Click(dialog, IDNO);
+        if (dialog->isVisible())
+            Click(dialog, IDNO);
     });
     EXPECT_EQ(box.exec(), IDNO);
-    EXPECT_EQ(shown, (Ids{IDYES, IDNO, IDCANCEL, IDHELP}));
-    EXPECT_TRUE(openAfterHelp);
+    EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO, IDCANCEL, IDHELP}));
     EXPECT_EQ(topic, 4711u);
     TsDialog::SetHelpTopicHandler(nullptr);
 }
@@ -96,10 +87,9 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessThe
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "type " << c.type << " key " << c.key);
         CustomMessageBoxDlg box(c.type, 0, nullptr);
-        int focused = 0;
+        Shown shown;
         bool stayedOpen = false;
-        WhenModal([&](QWidget* dialog) {
-            focused = FocusedId(dialog);
+        Answer(shown, [&](QWidget* dialog) {
             Press(dialog, c.key, c.modifiers);
             if ((stayedOpen = dialog->isVisible()))
                 Click(dialog, VisibleButtonIds(dialog).back());
@@ -107,27 +97,8 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessThe
         const int answer = box.exec();
         EXPECT_EQ(stayedOpen ? kStaysOpen : answer, c.answer);
         if (c.key == Qt::Key_Return) {
-            EXPECT_EQ(focused, c.answer) << "the default button has the focus";
+            EXPECT_EQ(shown.focused, c.answer) << "the default button has the focus";
         }
-    }
-}
-
-TEST_F(MessageDialogTest, IconFollowsTheIconBits)
-{
-    const std::pair<unsigned int, QStyle::StandardPixmap> cases[] = {
-        {MB_ICONHAND, QStyle::SP_MessageBoxCritical},
-        {MB_ICONQUESTION, QStyle::SP_MessageBoxQuestion},
-        {MB_ICONASTERISK, QStyle::SP_MessageBoxInformation},
-        {MB_ICONEXCLAMATION, QStyle::SP_MessageBoxWarning},
-        {MB_OK, QStyle::SP_MessageBoxWarning},   // no icon bits: the exclamation mark
-    };
-    for (const auto& [type, kind] : cases) {
-        CustomMessageBoxDlg box(type | MB_OKCANCEL, 0, nullptr);
-        box.show();
-        const QImage icon = box.findChild<QLabel*>(QStringLiteral("icon"))->pixmap().toImage();
-        const int size = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
-        ASSERT_FALSE(icon.isNull());
-        EXPECT_EQ(icon, box.style()->standardIcon(kind, nullptr, &box).pixmap(size, size).toImage()) << type;
     }
 }
 
@@ -150,8 +121,7 @@ TEST_F(MessageDialogTest, LongTextIsWrappedAt140CharactersAndTheBoxFitsIt)
     EXPECT_EQ(lines.back(), "A second paragraph stays a paragraph of its own.");
     // The text is not cut off: the label is at least as large as the text's bounds.
     const QRect bounds = LimitLineLength::GetBoundsRect(label->fontMetrics(), shown);
-    EXPECT_GE(label->width(), bounds.width());
-    EXPECT_GE(label->height(), bounds.height());
+    EXPECT_TRUE(label->width() >= bounds.width() && label->height() >= bounds.height());
 }
 
 TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
@@ -186,55 +156,41 @@ TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
 
 TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
 {
-    QString title, yes, no, ok;
-    WhenModal([&](QWidget* dialog) { title = dialog->windowTitle(); Click(dialog, IDCANCEL); });
+    Shown shown;
+    Answer(shown, ClickOn(IDCANCEL));
     EXPECT_EQ(TsMessageBox("Export", "The file exists.", MB_OKCANCEL), IDCANCEL);
-    EXPECT_EQ(title, QStringLiteral("Export"));
-    WhenModal([&](QWidget* dialog) { title = dialog->windowTitle(); Click(dialog, IDOK); });
+    EXPECT_EQ(shown.title, "Export");
+    Answer(shown, ClickOn(IDOK));
     EXPECT_EQ(TsMessageBox("Saved."), IDOK);
-    EXPECT_EQ(title, QStringLiteral("Dialogs")) << "without a title, the application's name";
+    EXPECT_EQ(shown.title, "Dialogs") << "without a title, the application's name";
 
     // By string id: an id without text keeps the standard caption.
-    WhenModal([&](QWidget* dialog) {
-        yes = Button(dialog, IDYES)->text();
-        no = Button(dialog, IDNO)->text();
-        Click(dialog, IDYES);
-    });
+    Answer(shown, ClickOn(IDYES));
     EXPECT_EQ(TsMessageBox(13199u, MB_YESNOCANCEL, 13346u, 99999u), IDYES);
-    EXPECT_EQ(yes, Caption(13346));
-    EXPECT_EQ(no, QStringLiteral("&No"));
-
+    EXPECT_EQ(shown.texts[IDYES], LanguageString::Get(13346));
+    EXPECT_EQ(shown.texts[IDNO], "&No");
     // Captions replace only Yes and No, and only in the forms that have them.
-    WhenModal([&](QWidget* dialog) { ok = Button(dialog, IDOK)->text(); Click(dialog, IDOK); });
+    Answer(shown, ClickOn(IDOK));
     TsMessageBox("Done.", MB_OKCANCEL, "&Save", "&Discard");
-    EXPECT_EQ(ok, QStringLiteral("OK"));
+    EXPECT_EQ(shown.texts[IDOK], "OK");
 }
 
 TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
 {
-    bool checked = true, checkedAtStart = false;
-    QString caption;
-    const auto toggleAnd = [&](int button) {
-        WhenModal([&, button](QWidget* dialog) {
-            auto* box = Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId);
-            caption = box->text();
-            checkedAtStart = box->isChecked();
-            QTest::mouseClick(box, Qt::LeftButton);
-            Click(dialog, button);
-        });
-    };
-    toggleAnd(IDOK);
+    constexpr int kCheck = CustomMessageBoxDlg::kCheckBoxCtrlId;
+    bool checked = true;
+    Shown shown;
+    Answer(shown, ClickOn(IDOK, kCheck));
     EXPECT_EQ(CheckBoxMessageBox("The import skipped 3 rows.", checked, MB_OKCANCEL), IDOK);
-    EXPECT_TRUE(checkedAtStart) << "the state comes from the caller";
-    EXPECT_FALSE(checked);
-    EXPECT_EQ(caption, Caption(13199));
+    EXPECT_FALSE(checked) << "the state came from the caller and was toggled";
+    EXPECT_EQ(shown.texts[kCheck], LanguageString::Get(13199));
 
-    toggleAnd(IDCANCEL);
+    Answer(shown, ClickOn(IDCANCEL, kCheck));
     EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_OKCANCEL, "&Remember"), IDCANCEL);
     EXPECT_FALSE(checked) << "Cancel leaves the state as it was";
-    EXPECT_EQ(caption, QStringLiteral("&Remember"));
+    EXPECT_EQ(shown.texts[kCheck], "&Remember");
 
-    toggleAnd(IDNO);
+    Answer(shown, ClickOn(IDNO, kCheck));
     EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_YESNO), IDNO);
     EXPECT_TRUE(checked) << "No is an answer like any other";
 }
@@ -244,19 +200,14 @@ TEST_F(MessageDialogTest, ScrollMessageBoxShowsTheWholeTextWithTheTypesButtons)
     std::string text;
     for (int i = 1; i <= 20; ++i)
         text += "Row " + std::to_string(i) + " could not be read.\n";
-    QString shown, title;
-    Ids buttons;
-    WhenModal([&](QWidget* dialog) {
-        shown = Control<QPlainTextEdit>(dialog, ScrollMessageBox::kTextCtrlId)->toPlainText();
-        title = dialog->windowTitle();
-        buttons = VisibleButtonIds(dialog);
-        Press(dialog, Qt::Key_Escape);
-    });
+    Shown shown;
+    Answer(shown, Key(Qt::Key_Escape));
     EXPECT_EQ(TsScrollMessageBox(text.c_str(), MB_YESNOCANCEL, "Import"), IDCANCEL);
-    EXPECT_EQ(shown.toStdString(), text);
-    EXPECT_EQ(title, QStringLiteral("Import"));
-    EXPECT_EQ(buttons, (Ids{IDYES, IDNO, IDCANCEL}));
+    EXPECT_EQ(shown.texts[ScrollMessageBox::kTextCtrlId], text);
+    EXPECT_EQ(shown.title, "Import");
+    EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO, IDCANCEL}));
 
+    // Where Escape gives no answer, Return presses the default button.
     bool stayedOpen = false;
     WhenModal([&](QWidget* dialog) {
         Press(dialog, Qt::Key_Escape);
@@ -269,52 +220,35 @@ TEST_F(MessageDialogTest, ScrollMessageBoxShowsTheWholeTextWithTheTypesButtons)
 
 TEST_F(MessageDialogTest, DetailsButtonOpensAndClosesTheDetailsBelowTheButtons)
 {
+    constexpr int kDetails = DetailsDialogClass::kDetailsCtrlId, kButton = DetailsDialogClass::kDetailsButtonCtrlId;
     std::vector<bool> detailsShown;
-    bool belowButtons = false, grew = false;
-    QString text, details, caption;
-    WhenModal([&](QWidget* box) {
-        auto* detailsControl = Control<QPlainTextEdit>(box, DetailsDialogClass::kDetailsCtrlId);
-        text = Control<QLabel>(box, DetailsDialogClass::kTextCtrlId)->text();
-        details = detailsControl->toPlainText();
-        caption = Button(box, DetailsDialogClass::kDetailsButtonCtrlId)->text();
-        const int heightBefore = box->height();
+    bool belowButtons = false;
+    Shown shown;
+    Answer(shown, [&](QWidget* box) {
         for (int i = 0; i < 2; ++i) {
-            detailsShown.push_back(detailsControl->isVisible());
-            Click(box, DetailsDialogClass::kDetailsButtonCtrlId);
-            if (i == 0) {
-                grew = box->height() > heightBefore;
-                box->layout()->activate();
-                belowButtons = detailsControl->y() > Button(box, IDOK)->mapTo(box, QPoint()).y();
-            }
+            detailsShown.push_back(Control(box, kDetails)->isVisible());
+            Click(box, kButton);
+            box->layout()->activate();
+            belowButtons = belowButtons || Control(box, kDetails)->y() > Button(box, IDOK)->mapTo(box, QPoint()).y();
         }
-        detailsShown.push_back(detailsControl->isVisible());
+        detailsShown.push_back(Control(box, kDetails)->isVisible());
         Click(box, IDOK);
     });
     DetailsDialog("2 of 5 files could not be opened.", "a.csv: locked\nb.csv: missing", "Open", MB_ICONERROR);
     EXPECT_EQ(detailsShown, (std::vector<bool>{false, true, false}));
-    EXPECT_TRUE(grew);
     EXPECT_TRUE(belowButtons);
-    EXPECT_EQ(text, QStringLiteral("2 of 5 files could not be opened."));
-    EXPECT_EQ(details, QStringLiteral("a.csv: locked\nb.csv: missing"));
-    EXPECT_EQ(caption, Caption(13181));
+    EXPECT_EQ(shown.texts[DetailsDialogClass::kTextCtrlId], "2 of 5 files could not be opened.");
+    EXPECT_EQ(shown.texts[kButton], LanguageString::Get(13181));
+    EXPECT_EQ(shown.title, "Open");
 
-    // Opened from the start when asked; without details there is no details button.
-    bool openAtStart = false;
-    WhenModal([&](QWidget* box) {
-        openAtStart = Control<QPlainTextEdit>(box, DetailsDialogClass::kDetailsCtrlId)->isVisible();
-        Press(box, Qt::Key_Return);
-    });
-    DetailsDialog(nullptr, "Text", "Details", "Title", MB_ICONASTERISK, true);
-    EXPECT_TRUE(openAtStart);
-    bool buttonShown = true, checkBox = true;
-    WhenModal([&](QWidget* box) {
-        buttonShown = Button(box, DetailsDialogClass::kDetailsButtonCtrlId)->isVisible();
-        checkBox = box->findChild<QCheckBox*>() != nullptr;
-        Press(box, Qt::Key_Escape);
-    });
+    // Opened from the start when asked; without details there is neither details button nor check box.
+    Answer(shown, Key(Qt::Key_Return));
+    DetailsDialog(nullptr, "Text", "a.csv: locked", "Title", MB_ICONASTERISK, true);
+    EXPECT_EQ(shown.texts[kDetails], "a.csv: locked");
+    Answer(shown, Key(Qt::Key_Escape));
     DetailsDialog("Nothing more to say.", "Title", MB_ICONASTERISK, true);
-    EXPECT_FALSE(buttonShown);
-    EXPECT_FALSE(checkBox) << "a check box only with a key";
+    EXPECT_EQ(shown.buttons, Ids{IDOK});
+    EXPECT_EQ(shown.texts.count(DetailsDialogClass::kCheckBoxCtrlId), 0u);
 }
 
 TEST_F(MessageDialogTest, MutedDetailsDialogsCollectInsteadOfShowing)
@@ -330,9 +264,9 @@ TEST_F(MessageDialogTest, MutedDetailsDialogsCollectInsteadOfShowing)
         EXPECT_EQ(spy.Count(), 0);
     }
     ASSERT_EQ(mute->GetMessages().size(), 3u);
-    EXPECT_EQ(mute->GetMessages()[0].text, "Three samples were skipped.");
-    EXPECT_EQ(mute->GetMessages()[0].details, "s1\ns2\ns3");
-    EXPECT_EQ(mute->GetMessages()[0].nType, static_cast<unsigned int>(MB_ICONEXCLAMATION));
+    const MuteDetailsDialog::Message& first = mute->GetMessages()[0];
+    EXPECT_EQ(std::tuple(first.text, first.details, first.title, first.nType),
+              std::tuple("Three samples were skipped.", "s1\ns2\ns3", "Import", unsigned(MB_ICONEXCLAMATION)));
     EXPECT_EQ(mute->GetMessages()[1].details, "");
     EXPECT_EQ(Stored("Skipped"), "") << "muted, nobody checked anything";
 

@@ -4,13 +4,9 @@
 #include "../utl/MemorySection.h"
 #include "MdiFrameTestSupport.h"
 
-#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/DetailsDialog.h>
 #include <KORVAutlwin/frame/InfoDialog.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
-
-#include <QCheckBox>
-#include <QPlainTextEdit>
 
 using namespace korva::test;
 
@@ -23,13 +19,9 @@ constexpr int kEscape = 0;
 // clicks `buttonId` (kEscape: presses Escape).
 void CheckAnd(int checkBoxId, int buttonId)
 {
-    WhenModal([=](QWidget* dialog) {
-        if (checkBoxId)
-            Click(dialog, checkBoxId);
-        if (buttonId == kEscape)
-            Press(dialog, Qt::Key_Escape);
-        else
-            Click(dialog, buttonId);
+    WhenModal(buttonId != kEscape ? ClickOn(buttonId, checkBoxId) : [checkBoxId](QWidget* dialog) {
+        Click(dialog, checkBoxId);
+        Press(dialog, Qt::Key_Escape);
     });
 }
 
@@ -56,13 +48,13 @@ TEST_F(MessageDialogTest, CheckedAnswerIsRememberedButNeverCancel)
     const char* key = "SaveBeforeClosing";
     const auto ask = [key] { return TsDontShowAgainMessageBox(key, "Save?", MB_YESNOCANCEL, "&Save", "&Discard"); };
     // Checked, then Cancel or Escape: nothing stored; unchecked, an answer is not stored either.
-    WhenModal([&](QWidget* dialog) {
-        EXPECT_EQ(Button(dialog, IDYES)->text(), QStringLiteral("&Save"));
+    Shown shown;
+    Answer(shown, [](QWidget* dialog) {
         EXPECT_FALSE(Control<QCheckBox>(dialog, kBoxCheck)->isChecked());
-        Click(dialog, kBoxCheck);
-        Click(dialog, IDCANCEL);
+        ClickOn(IDCANCEL, kBoxCheck)(dialog);
     });
     EXPECT_EQ(ask(), IDCANCEL);
+    EXPECT_EQ(shown.texts[IDYES], "&Save");
     CheckAnd(kBoxCheck, kEscape);
     EXPECT_EQ(ask(), IDCANCEL);
     CheckAnd(0, IDYES);
@@ -100,18 +92,13 @@ TEST_F(MessageDialogTest, InfoDialogShowsItsButtonsAndPlainTextAsItStands)
 {
     InfoDialog dialog("<b>not bold</b>\nsecond line", "Calibration", InfoDialog::ePlainText);
     dialog.SetButtons(InfoDialog::eYes | InfoDialog::eNo | InfoDialog::eCancel, InfoDialog::eNo);
-    Ids shownIds;
-    QString shown;
-    WhenModal([&](QWidget* box) {
-        shownIds = VisibleButtonIds(box);
-        shown = Control<QPlainTextEdit>(box, InfoDialog::kTextCtrlId)->toPlainText();
-        EXPECT_EQ(FocusedId(box), IDNO);
-        EXPECT_EQ(box->findChildren<QCheckBox*>().size(), 0) << "no check box without a key";
-        Press(box, Qt::Key_Return);
-    });
+    Shown shown;
+    Answer(shown, Key(Qt::Key_Return));
     EXPECT_EQ(dialog.DoModal(), IDNO);
-    EXPECT_EQ(shownIds, (Ids{IDYES, IDNO, IDCANCEL}));
-    EXPECT_EQ(shown, QStringLiteral("<b>not bold</b>\nsecond line"));
+    EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO, IDCANCEL}));
+    EXPECT_EQ(shown.focused, IDNO);
+    EXPECT_EQ(shown.texts[InfoDialog::kTextCtrlId], "<b>not bold</b>\nsecond line");
+    EXPECT_EQ(shown.texts.count(InfoDialog::kCheckBoxCtrlId), 0u) << "no check box without a key";
 }
 
 TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnchecked)

@@ -1,54 +1,16 @@
-// The question dialogs: the five-button "to all" question (its button sets are
-// checked through the user channel), the two three-button "to all" questions
-// and yes/no with details.
+// The question dialogs: the five-button "to all" question (its button sets,
+// defaults and the yes/no question with details are checked through the user
+// channel) and the two three-button "to all" questions.
 
 #include "MdiFrameTestSupport.h"
 
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
-#include <KORVAutlwin/frame/YesNoDialog.h>
 #include <KORVAutlwin/frame/YesNoToAll.h>
 #include <KORVAutlwin/frame/YesYesToAllCancelDialog.h>
 
-#include <KORVAutl/LanguageString.h>
-
-#include <QPlainTextEdit>
 #include <QPushButton>
 
 using namespace korva::test;
-
-namespace {
-
-// Question, details and title of a question dialog.
-QStringList Texts(QWidget* box, int questionId, int detailsId)
-{
-    return {Control<QLabel>(box, questionId)->text(), Control<QPlainTextEdit>(box, detailsId)->toPlainText(),
-            box->windowTitle()};
-}
-
-} // namespace
-
-TEST_F(MessageDialogTest, DefaultAnswerPicksTheButtonAndTheButtonMapsBackToTheAnswer)
-{
-    // For every answer code of the user channel: made the default, Return presses
-    // that button, and the button pressed maps back to the same code.
-    const int focusOf[] = {0, YesNoCancelAll::kYesCtrlId, YesNoCancelAll::kYesToAllCtrlId, YesNoCancelAll::kNoCtrlId,
-                           YesNoCancelAll::kNoToAllCtrlId, YesNoCancelAll::kCancelCtrlId};
-    for (int answer = 1; answer <= 5; ++answer) {
-        YesNoCancelAll dialog("Overwrite?", "details", "Export", YesNoCancelAll::ButtonOfAnswer(answer), nullptr);
-        WhenModal([&](QWidget* box) {
-            EXPECT_EQ(FocusedId(box), focusOf[answer]) << "answer " << answer;
-            Press(box, Qt::Key_Return);
-        });
-        const YesNoCancelAll::ButtonPressed pressed = dialog.DoModal();
-        EXPECT_EQ(YesNoCancelAll::AnswerOfButton(pressed), answer);
-        EXPECT_EQ(pressed, dialog.GetButtonPressed());
-    }
-    // The mapping's fallbacks, both ways.
-    for (int outside : {0, 6})
-        EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(outside), YesNoCancelAll::eNone);
-    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), 5);
-    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
-}
 
 TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
 {
@@ -65,112 +27,84 @@ TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
     EXPECT_TRUE(openAfterReturn);
 
     // After a run that ended with a button, the next run starts as cancel again.
-    WhenModal([&](QWidget* box) { Click(box, YesNoCancelAll::kNoToAllCtrlId); });
+    WhenModal(ClickOn(YesNoCancelAll::kNoToAllCtrlId));
     EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eNoToAll);
-    WhenModal([&](QWidget* box) { box->close(); });
+    WhenModal([](QWidget* box) { box->close(); });
     EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eCancel);
     EXPECT_EQ(dialog.GetButtonPressed(), YesNoCancelAll::eCancel);
+
+    // Answer codes outside 1 to 5 choose no button; anything but a button pressed is cancel (5).
+    for (int outside : {0, 6})
+        EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(outside), YesNoCancelAll::eNone);
+    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), 5);
+    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
 }
 
 TEST_F(MessageDialogTest, DoModalReplacesOnlyWhatItIsGiven)
 {
     YesNoCancelAll dialog("First question?", "line 1\nline 2", "First title", YesNoCancelAll::eNo, nullptr);
-    QStringList shown;
-    const auto capture = [&](QWidget* box) {
-        shown = Texts(box, YesNoCancelAll::kQuestionCtrlId, YesNoCancelAll::kDetailsCtrlId);
-        Press(box, Qt::Key_Return);
+    Shown shown;
+    const auto texts = [&] {
+        return std::vector<std::string>{shown.texts[YesNoCancelAll::kQuestionCtrlId],
+                                        shown.texts[YesNoCancelAll::kDetailsCtrlId], shown.title};
     };
     // Details are shown in two lines, with no stray carriage return.
-    WhenModal(capture);
+    Answer(shown, Key(Qt::Key_Return));
     EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eNo);
-    EXPECT_EQ(shown, (QStringList{"First question?", "line 1\nline 2", "First title"}));
-    WhenModal(capture);
+    EXPECT_EQ(texts(), (std::vector<std::string>{"First question?", "line 1\nline 2", "First title"}));
+    Answer(shown, Key(Qt::Key_Return));
     EXPECT_EQ(dialog.DoModal("Second question?", nullptr, nullptr, YesNoCancelAll::eNone), YesNoCancelAll::eNo)
         << "eNone keeps the constructor's default";
-    EXPECT_EQ(shown, (QStringList{"Second question?", "line 1\nline 2", "First title"}));
-    WhenModal(capture);
+    EXPECT_EQ(texts(), (std::vector<std::string>{"Second question?", "line 1\nline 2", "First title"}));
+    Answer(shown, Key(Qt::Key_Return));
     EXPECT_EQ(dialog.DoModal(nullptr, "other", "Second title", YesNoCancelAll::eYesToAll), YesNoCancelAll::eYesToAll);
-    EXPECT_EQ(shown, (QStringList{"Second question?", "other", "Second title"}));
+    EXPECT_EQ(texts(), (std::vector<std::string>{"Second question?", "other", "Second title"}));
 }
 
 TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
 {
     const struct { bool invert; int first, toAll, opposite; unsigned int captions; } senses[] = {
-        {false, YesNoToAll::eYes, YesNoToAll::eYesToAll, YesNoToAll::eNo, 13346},
-        {true, YesNoToAll::eNo, YesNoToAll::eNoToAll, YesNoToAll::eYes, 13343},
+        {false, YesNoToAll::eYes, YesNoToAll::eYesToAll, YesNoToAll::eNo, 13346},   // "Yes to &all", ...
+        {true, YesNoToAll::eNo, YesNoToAll::eNoToAll, YesNoToAll::eYes, 13343},     // "No to &all", ...
     };
-    EXPECT_STREQ(LanguageString::Get(13346), "Yes to &all");
-    EXPECT_STREQ(LanguageString::Get(13343), "No to &all");
     for (const auto& sense : senses) {
         SCOPED_TRACE(sense.invert ? "inverted" : "plain");
-        const std::pair<int, int> buttons[] = {{YesNoToAll::kFirstCtrlId, sense.first},
-                                               {YesNoToAll::kToAllCtrlId, sense.toAll},
-                                               {YesNoToAll::kOppositeCtrlId, sense.opposite}};
-        for (const auto& [ctrlId, result] : buttons) {
+        const std::pair<std::function<void(QWidget*)>, int> answers[] = {
+            {ClickOn(YesNoToAll::kFirstCtrlId), sense.first}, {ClickOn(YesNoToAll::kToAllCtrlId), sense.toAll},
+            {ClickOn(YesNoToAll::kOppositeCtrlId), sense.opposite}, {Key(Qt::Key_Return), sense.first},
+            {Key(Qt::Key_Escape), IDCANCEL}};
+        for (const auto& [answer, result] : answers) {
             YesNoToAll dialog(nullptr, sense.invert);
-            WhenModal([&, ctrlId = ctrlId](QWidget* box) {
-                QStringList captions;
-                for (int id : {YesNoToAll::kToAllCtrlId, YesNoToAll::kOppositeCtrlId, YesNoToAll::kFirstCtrlId})
-                    captions << Button(box, id)->text();
-                EXPECT_EQ(captions, (QStringList{LanguageString::Get(sense.captions),
-                                                 LanguageString::Get(sense.captions + 1),
-                                                 LanguageString::Get(sense.captions + 2)}));
-                EXPECT_EQ(Control<QLabel>(box, YesNoToAll::kTextCtrlId)->text(), QStringLiteral("Skip data.csv?"));
-                Click(box, ctrlId);
-            });
-            EXPECT_EQ(dialog.NewDoModal("Skip data.csv?", "Copy"), result) << "button " << ctrlId;
-        }
-        // Return answers with the first button; Escape with IDCANCEL.
-        for (const auto& [key, result] : {std::pair{Qt::Key_Return, sense.first}, {Qt::Key_Escape, IDCANCEL}}) {
-            YesNoToAll dialog(nullptr, sense.invert);
-            WhenModal([key = key](QWidget* box) { Press(box, key); });
-            EXPECT_EQ(dialog.NewDoModal("Skip?", nullptr), result);
+            Shown shown;
+            Answer(shown, answer);
+            EXPECT_EQ(dialog.NewDoModal("Skip data.csv?", "Copy"), result);
+            EXPECT_EQ(shown.texts[YesNoToAll::kTextCtrlId], "Skip data.csv?");
+            EXPECT_EQ(shown.title, "Copy");
+            EXPECT_EQ(shown.texts[YesNoToAll::kToAllCtrlId], LanguageString::Get(sense.captions));
+            EXPECT_EQ(shown.texts[YesNoToAll::kOppositeCtrlId], LanguageString::Get(sense.captions + 1));
+            EXPECT_EQ(shown.texts[YesNoToAll::kFirstCtrlId], LanguageString::Get(sense.captions + 2));
         }
     }
+    EXPECT_STREQ(LanguageString::Get(13343), "No to &all");
 }
 
 TEST_F(MessageDialogTest, YesYesToAllCancelAnswersAndCaption)
 {
-    const std::pair<int, int> cases[] = {{YesYesToAllCancelDialog::kYesCtrlId, YesYesToAllCancelDialog::eYes},
-                                         {YesYesToAllCancelDialog::kYesToAllCtrlId, YesYesToAllCancelDialog::eYesToAll},
-                                         {YesYesToAllCancelDialog::kCancelCtrlId, IDCANCEL}};
-    QString caption;
-    const auto answer = [&](int ctrlId) {
-        WhenModal([&caption, ctrlId](QWidget* box) {
-            caption = Button(box, YesYesToAllCancelDialog::kYesToAllCtrlId)->text();
-            if (ctrlId)
-                Click(box, ctrlId);
-            else
-                Press(box, Qt::Key_Escape);
-        });
-    };
-    for (const auto& [ctrlId, result] : cases) {
+    const std::pair<std::function<void(QWidget*)>, int> answers[] = {
+        {ClickOn(YesYesToAllCancelDialog::kYesCtrlId), YesYesToAllCancelDialog::eYes},
+        {ClickOn(YesYesToAllCancelDialog::kYesToAllCtrlId), YesYesToAllCancelDialog::eYesToAll},
+        {ClickOn(YesYesToAllCancelDialog::kCancelCtrlId), IDCANCEL}, {Key(Qt::Key_Escape), IDCANCEL}};
+    for (const auto& [answer, result] : answers) {
         YesYesToAllCancelDialog dialog;
-        answer(ctrlId);
+        Shown shown;
+        Answer(shown, answer);
         EXPECT_EQ(dialog.NewDoModal("Convert sample 1 of 40?", "Convert", "Convert &all"), result);
-        EXPECT_EQ(caption, QStringLiteral("Convert &all"));
+        EXPECT_EQ(shown.texts[YesYesToAllCancelDialog::kYesToAllCtrlId], "Convert &all");
     }
+    // Without a caption of its own, the standard one.
     YesYesToAllCancelDialog standard;
-    answer(0);
-    EXPECT_EQ(standard.NewDoModal("Convert?", nullptr, ""), IDCANCEL);
-    EXPECT_EQ(caption, QStringLiteral("Yes to &All"));
-}
-
-TEST_F(MessageDialogTest, YesNoDialogDefaultsToNoUnlessTheDefaultIsYes)
-{
-    for (const auto& [defaultAnswer, result] : {std::pair{1, IDOK}, {3, IDCANCEL}, {0, IDCANCEL}}) {
-        YesNoDialog dialog("Stop the computation?", "Model 4 of 9\nIteration 120", "Stop", defaultAnswer, nullptr);
-        QStringList shown;
-        WhenModal([&](QWidget* box) {
-            shown = Texts(box, YesNoDialog::kQuestionCtrlId, YesNoDialog::kDetailsCtrlId);
-            Press(box, Qt::Key_Return);
-        });
-        EXPECT_EQ(dialog.exec(), result) << "default " << defaultAnswer;
-        EXPECT_EQ(shown, (QStringList{"Stop the computation?", "Model 4 of 9\nIteration 120", "Stop"}));
-    }
-    YesNoDialog dialog("Stop?", "", nullptr, 1, nullptr);
-    WhenModal([&](QWidget* box) { Press(box, Qt::Key_Escape); });
-    EXPECT_EQ(dialog.exec(), IDCANCEL);
-    WhenModal([&](QWidget* box) { Click(box, YesNoDialog::kYesCtrlId); });
-    EXPECT_EQ(dialog.exec(), IDOK);
+    Shown shown;
+    Answer(shown, Key(Qt::Key_Return));
+    EXPECT_EQ(standard.NewDoModal("Convert?", nullptr, ""), YesYesToAllCancelDialog::eYes);
+    EXPECT_EQ(shown.texts[YesYesToAllCancelDialog::kYesToAllCtrlId], "Yes to &All");
 }

@@ -3,7 +3,6 @@
 
 #include "MdiFrameTestSupport.h"
 
-#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/MemoryUserComm.h>
 #include <KORVAutlwin/frame/MuteInformUserComm.h>
 
@@ -11,8 +10,8 @@ using namespace korva::test;
 
 namespace {
 
-// A fresh registry and application; the collecting channel stands as the
-// application's channel, so that what a scope hands on can be read from it.
+// The collecting channel stands as the application's channel, so that what a
+// scope hands on can be read from it.
 class UserCommMemoryTest : public MessageDialogTest
 {
 protected:
@@ -26,38 +25,28 @@ protected:
         EXPECT_EQ(UserComm::SetUserComm(mBefore), &mOuter) << "a scope was left installed";
         MessageDialogTest::TearDown();
     }
-    // Answers the next dialog with `key` and notes its class.
-    void AnswerNext(Qt::Key key)
-    {
-        WhenModal([this, key](QWidget* dialog) {
-            mLastDialog = dialog->metaObject()->className();
-            Press(dialog, key);
-        });
-    }
-    static void Inform(std::initializer_list<const char*> texts)
+    // Informs the current channel, or `channel`, of each text in turn.
+    static void Inform(std::initializer_list<const char*> texts, UserComm* channel = nullptr)
     {
         for (const char* text : texts)
-            UserComm::GetUserComm()->InformUser(text, "ignored", 0);
+            (channel ? channel : UserComm::GetUserComm())->InformUser(text, "ignored", 0);
     }
 
     MuteInformUserComm mOuter;
     UserComm* mBefore = nullptr;
-    std::string mLastDialog;
+    Shown mShown;
 };
 
 } // namespace
 
-TEST_F(UserCommMemoryTest, RepeatedInformUnderOneHeaderIsStoredOnce)
+TEST_F(UserCommMemoryTest, AnInformIsStoredOncePerHeaderAndAHeaderOnce)
 {
     MuteInformUserComm mute;
     mute.SetHeader("Batch 117:\n");
-    mute.InformUser("Row 7 is empty.", "ignored", 0);
-    mute.InformUser("Row 9 is empty.", nullptr, 0);
-    mute.InformUser("Row 7 is empty.", nullptr, 0);
+    Inform({"Row 7 is empty.", "Row 9 is empty.", "Row 7 is empty."}, &mute);
     // The same inform under a new header is stored again, under that header.
     mute.SetHeader("Batch 118:\n");
-    mute.InformUser("Row 7 is empty.", nullptr, 0);
-    mute.InformUser("Row 7 is empty.", nullptr, 0);
+    Inform({"Row 7 is empty.", "Row 7 is empty."}, &mute);
     EXPECT_STREQ(mute.GetInformUserMessages(),
                  "Batch 117:\nRow 7 is empty.\nRow 9 is empty.\nBatch 118:\nRow 7 is empty.\n");
     EXPECT_EQ(mute.GetUsage(), 0) << "collecting does not address the user";
@@ -71,6 +60,18 @@ TEST_F(UserCommMemoryTest, RepeatedInformUnderOneHeaderIsStoredOnce)
         again.InformUser(line, nullptr, 0);
     }
     EXPECT_STREQ(again.GetInformUserMessages(), "A\nx\ny\nB\nz\nx\nw\n");
+
+    // A silenced inform is not collected, not even its header.
+    {
+        RegistrySection key = korva::OpenInformSilenceKey();
+        ASSERT_TRUE(key.WriteInt("5", 0) && key.WriteInt("6", 1));
+    }
+    MuteInformUserComm silenced;
+    silenced.SetHeader("H\n");
+    silenced.InformUser("silenced", nullptr, 5);
+    EXPECT_STREQ(silenced.GetInformUserMessages(), "");
+    silenced.InformUser("shown", nullptr, 6);
+    EXPECT_STREQ(silenced.GetInformUserMessages(), "H\nshown\n");
 }
 
 TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
@@ -80,8 +81,7 @@ TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
     mute.SetPrefix("  - ");
     mute.InformUser("first", nullptr, 0);
     mute.SetPrefix(nullptr);
-    mute.InformUser("first", nullptr, 0);
-    mute.InformUser(nullptr, nullptr, 0);
+    Inform({"first", nullptr}, &mute);
     EXPECT_STREQ(mute.GetInformUserMessages(), "  - first\nfirst\n\n");
 
     // Empty keeps the header flag: the header does not come back by itself, and
@@ -90,12 +90,9 @@ TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
     mute.InformUser("a", nullptr, 0);
     mute.Empty();
     EXPECT_STREQ(mute.GetInformUserMessages(), "");
-    mute.InformUser("b", nullptr, 0);
-    mute.InformUser("b", nullptr, 0);
+    Inform({"b", "b"}, &mute);
     mute.SetHeader("Header\n");
     mute.InformUser("b", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\n");
-
     // AddString skips equal strings anywhere in the list.
     for (const char* text : {"b\n", "Header\n", "c"})
         mute.AddString(text);
@@ -106,21 +103,6 @@ TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
     copy.InformUser("d", nullptr, 0);
     EXPECT_STREQ(copy.GetInformUserMessages(), "b\nHeader\nb\ncd\n");
     EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\nc");
-}
-
-TEST_F(UserCommMemoryTest, SilencedInformIsNotCollected)
-{
-    {
-        RegistrySection key = korva::OpenInformSilenceKey();
-        ASSERT_TRUE(key.WriteInt("5", 0) && key.WriteInt("6", 1));
-    }
-    MuteInformUserComm mute;
-    mute.SetHeader("H\n");
-    mute.InformUser("silenced", nullptr, 5);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "") << "not even the header goes in";
-    mute.InformUser("shown", nullptr, 6);
-    mute.InformUser("new id", nullptr, 7);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "H\nshown\nnew id\n");
 }
 
 TEST_F(UserCommMemoryTest, ScopesCollectAndHandOnAtTheirEndInReverseOrder)
@@ -149,10 +131,9 @@ TEST_F(UserCommMemoryTest, ScopesCollectAndHandOnAtTheirEndInReverseOrder)
     mOuter.Empty();
     { MemoryUserComm scope; }
     EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
-}
 
-TEST_F(UserCommMemoryTest, CopyDoesNotInstallButReinstallsAtItsEnd)
-{
+    // A copy does not install itself, but its end reinstalls the channel before
+    // and hands on what it holds; the same text again is not stored twice.
     {
         MemoryUserComm scope;
         scope.InformUser("fact", nullptr, 0);
@@ -160,64 +141,52 @@ TEST_F(UserCommMemoryTest, CopyDoesNotInstallButReinstallsAtItsEnd)
             MemoryUserComm copy(scope);
             EXPECT_EQ(UserComm::GetUserComm(), &scope);
         }
-        // The copy's end put the channel before the scope back and handed the fact on.
         EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
         EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
         UserComm::SetUserComm(&scope);
     }
-    // The scope's own end hands the same text on, which is not stored twice.
     EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
     EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
 }
 
 TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)
 {
-    const struct { int toAll; int answer; } cases[] = {{2, 1}, {4, 3}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.toAll);
+    for (const auto& [toAll, answer] : {std::pair{2, 1}, {4, 3}}) {
+        SCOPED_TRACE(toAll);
         MemoryUserComm scope;
         // Cancel is returned as it is, and the next question asks again.
-        AnswerNext(Qt::Key_Escape);
+        Answer(mShown, Key(Qt::Key_Escape));
         EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate model 1?", "", nullptr, 1), 5);
         EXPECT_EQ(scope.GetLastAnsver(), 5);
-        AnswerNext(Qt::Key_Return);   // the default: the "to all" answer
-        EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", "Export", c.toAll), c.answer);
-        EXPECT_EQ(mLastDialog, "YesNoCancelAll");
+        Answer(mShown, Key(Qt::Key_Return));   // the default: the "to all" answer
+        EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", "Export", toAll), answer);
+        EXPECT_EQ(mShown.kind, "YesNoCancelAll");
         {
             DialogSpy spy;
-            EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace b.csv?", "", "Export", 5), c.answer);
-            EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate?", "", nullptr, 5), c.answer);
-            EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 5), c.answer);
-            EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 4 - c.answer), c.answer);   // against the default
+            EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace b.csv?", "", "Export", 5), answer);
+            EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate?", "", nullptr, 5), answer);
+            EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 5), answer);
+            EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 4 - answer), answer);   // against the default
             EXPECT_EQ(spy.Count(), 0);
         }
-        EXPECT_EQ(scope.GetLastAnsver(), c.toAll);
-
         // The question with details is not remembered: it asks, and leaves the "to all" alone.
-        AnswerNext(Qt::Key_Return);
+        Answer(mShown, Key(Qt::Key_Return));
         EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
-        EXPECT_EQ(mLastDialog, "YesNoDialog");
-        EXPECT_EQ(scope.GetLastAnsver(), c.toAll);
+        EXPECT_EQ(mShown.kind, "YesNoDialog");
+        EXPECT_EQ(scope.GetLastAnsver(), toAll);
         EXPECT_EQ(scope.GetUsage(), 3);
     }
-    // The plain yes/no question asks through the message box while nothing is remembered.
-    MemoryUserComm scope;
-    AnswerNext(Qt::Key_Return);
-    EXPECT_EQ(scope.AskUserYesNo("Delete the sample?", nullptr, 3), 3);
-    EXPECT_EQ(mLastDialog, "CustomMessageBoxDlg");
-    EXPECT_EQ(scope.GetLastAnsver(), 3);
-}
 
-TEST_F(UserCommMemoryTest, EachNestedScopeRemembersItsOwnAnswer)
-{
+    // Each nested scope remembers its own answer; the plain yes/no question asks through the box.
     MemoryUserComm outerScope;
-    AnswerNext(Qt::Key_Return);
+    Answer(mShown, Key(Qt::Key_Return));
     EXPECT_EQ(outerScope.AskUserYesYesToAllCancel("Copy all?", "", nullptr, 2), 1);
     {
         MemoryUserComm innerScope;
-        AnswerNext(Qt::Key_Return);
-        EXPECT_EQ(UserComm::GetUserComm()->AskUserYesCancel("Copy this one?", "", nullptr, 5), 5);
-        EXPECT_EQ(innerScope.GetLastAnsver(), 5);
+        Answer(mShown, Key(Qt::Key_Return));
+        EXPECT_EQ(UserComm::GetUserComm()->AskUserYesNo("Delete the sample?", nullptr, 3), 3);
+        EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
+        EXPECT_EQ(innerScope.GetLastAnsver(), 3);
         EXPECT_EQ(outerScope.GetLastAnsver(), 2);
     }
     DialogSpy spy;
@@ -229,24 +198,15 @@ TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
 {
     StandardUserComm standard;
     UserComm::SetUserComm(&standard);
-    std::string shownText, shownTitle;
-    unsigned int shownType = 0;
-    WhenModal([&](QWidget* dialog) {
-        if (auto* box = qobject_cast<CustomMessageBoxDlg*>(dialog)) {
-            shownText = box->GetText();
-            shownType = box->GetType();
-        }
-        shownTitle = dialog->windowTitle().toStdString();
-        Press(dialog, Qt::Key_Return);
-    });
+    Answer(mShown, Key(Qt::Key_Return));
     {
         MemoryUserComm scope;
         scope.SetHeader("Export:\n");
         Inform({"3 files written."});
     }
-    EXPECT_EQ(shownText, "Export:\n3 files written.\n");
-    EXPECT_EQ(shownType, static_cast<unsigned int>(MB_ICONASTERISK));
-    EXPECT_EQ(shownTitle, "Dialogs") << "the application's name";
+    EXPECT_EQ(mShown.texts[CustomMessageBoxDlg::kTextCtrlId], "Export:\n3 files written.\n");
+    EXPECT_EQ(mShown.type, static_cast<unsigned int>(MB_ICONASTERISK));
+    EXPECT_EQ(mShown.title, "Dialogs") << "the application's name";
     EXPECT_EQ(standard.GetUsage(), 1);
     UserComm::SetUserComm(&mOuter);
 }

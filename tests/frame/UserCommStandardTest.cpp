@@ -4,19 +4,19 @@
 
 #include "MdiFrameTestSupport.h"
 
-#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
-#include <KORVAutlwin/frame/FatalErrorDialog.h>
 #include <KORVAutlwin/frame/StandardUserComm.h>
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 #include <KORVAutlwin/frame/YesNoDialog.h>
 
-#include <QCheckBox>
 #include <QGuiApplication>
-#include <QPlainTextEdit>
 
 using namespace korva::test;
 
 namespace {
+
+constexpr int kBoxText = CustomMessageBoxDlg::kTextCtrlId;
+constexpr int kBoxCheck = CustomMessageBoxDlg::kCheckBoxCtrlId;
+constexpr int kScrollText = 10001, kEndNotice = 10000;   // of the scrolling dialog
 
 // `count` lines "Line 1" ... without a final line feed.
 std::string LinesOf(int count)
@@ -25,48 +25,6 @@ std::string LinesOf(int count)
     for (int line = 2; line <= count; ++line)
         text += "\nLine " + std::to_string(line);
     return text;
-}
-
-// What a call put in front of the user.
-struct Shown
-{
-    enum EKind { eNothing, eMessageBox, eYesNoDialog, eToAllDialog, eScrollDialog } kind = eNothing;
-    unsigned int type = 0;       // of a message box
-    bool checkBox = false;       // of a message box
-    bool endNotice = false;      // of the scrolling dialog: the line that the application must end
-    std::string title;
-    std::string text;            // message box text, details of the question dialogs, scrolling text
-    Ids buttons;                 // the visible buttons, left to right
-};
-
-std::string Details(QWidget* dialog, int id)
-{
-    return Control<QPlainTextEdit>(dialog, id)->toPlainText().toStdString();
-}
-
-// Records the next modal dialog into `shown`, then answers it with `key`, or with `answer`.
-void RecordAndAnswer(Shown& shown, Qt::Key key, std::function<void(QWidget*)> answer = nullptr)
-{
-    shown = Shown();
-    WhenModal([&shown, key, answer](QWidget* dialog) {
-        shown.title = dialog->windowTitle().toStdString();
-        shown.buttons = VisibleButtonIds(dialog);
-        if (auto* box = qobject_cast<CustomMessageBoxDlg*>(dialog)) {
-            shown = {Shown::eMessageBox, box->GetType(), Control(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId) != nullptr,
-                     false, shown.title, box->GetText(), shown.buttons};
-        } else if (qobject_cast<YesNoDialog*>(dialog)) {
-            shown.kind = Shown::eYesNoDialog;
-            shown.text = Details(dialog, YesNoDialog::kDetailsCtrlId);
-        } else if (qobject_cast<YesNoCancelAll*>(dialog)) {
-            shown.kind = Shown::eToAllDialog;
-            shown.text = Details(dialog, YesNoCancelAll::kDetailsCtrlId);
-        } else if (qobject_cast<FatalErrorDialog*>(dialog)) {
-            shown.kind = Shown::eScrollDialog;
-            shown.text = Details(dialog, 10001);
-            shown.endNotice = !Control(dialog, 10000)->isHidden();
-        }
-        answer ? answer(dialog) : Press(dialog, key);
-    });
 }
 
 // The application object that records how the channel disables its modeless windows.
@@ -96,6 +54,7 @@ protected:
 
     static constexpr const char* kSilenceKey = "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser";
     StandardUserComm mChannel;
+    Shown mShown;
 };
 
 } // namespace
@@ -116,31 +75,34 @@ TEST_F(UserCommStandardTest, YesNoQuestionsTakeTheBoxOrTheScrollingDialog)
     const char* const details = "Sample 17\nSample 18";
     // Default yes: Return answers yes; any other default makes No the default button.
     const struct { const char* question; const char* details; int defaultAnswer; Qt::Key key; int answer;
-                   Shown::EKind kind; unsigned int type; } cases[] = {
-        {"Delete the sample?", nullptr, 1, Qt::Key_Return, 1, Shown::eMessageBox, 0x34},
-        {"Delete the sample?", nullptr, 0, Qt::Key_Return, 3, Shown::eMessageBox, 0x134},
-        {"Delete the sample?", nullptr, 2, Qt::Key_Return, 3, Shown::eMessageBox, 0x134},
-        {twentyNine.c_str(), nullptr, 3, Qt::Key_Return, 3, Shown::eMessageBox, 0x134},
+                   unsigned int type; } cases[] = {
+        {"Delete the sample?", nullptr, 1, Qt::Key_Return, 1, 0x34},
+        {"Delete the sample?", nullptr, 0, Qt::Key_Return, 3, 0x134},
+        {"Delete the sample?", nullptr, 2, Qt::Key_Return, 3, 0x134},
+        {twentyNine.c_str(), nullptr, 3, Qt::Key_Return, 3, 0x134},
         // Above 29 lines the question becomes the details of the scrolling dialog, and counts twice.
-        {thirty.c_str(), nullptr, 1, Qt::Key_Return, 1, Shown::eYesNoDialog, 0},
-        {"Leave them out?", details, 1, Qt::Key_Return, 1, Shown::eYesNoDialog, 0},
-        {"Leave them out?", details, 3, Qt::Key_Return, 3, Shown::eYesNoDialog, 0},
-        {"Leave them out?", details, 0, Qt::Key_Return, 3, Shown::eYesNoDialog, 0},
-        {"Leave them out?", details, 1, Qt::Key_Escape, 3, Shown::eYesNoDialog, 0},
+        {thirty.c_str(), nullptr, 1, Qt::Key_Return, 1, 0},
+        {"Leave them out?", details, 1, Qt::Key_Return, 1, 0},
+        {"Leave them out?", details, 3, Qt::Key_Return, 3, 0},
+        {"Leave them out?", details, 0, Qt::Key_Return, 3, 0},
+        {"Leave them out?", details, 1, Qt::Key_Escape, 3, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << korva::MeasureLines(c.question) << " lines, default " << c.defaultAnswer);
-        Shown shown;
-        RecordAndAnswer(shown, c.key);
+        Answer(mShown, Key(c.key));
         EXPECT_EQ(c.details ? mChannel.AskUserYesNo(c.question, c.details, "Samples", c.defaultAnswer)
                             : mChannel.AskUserYesNo(c.question, "Samples", c.defaultAnswer),
                   c.answer);
-        EXPECT_EQ(shown.kind, c.kind);
-        EXPECT_EQ(shown.type, c.type);
-        EXPECT_EQ(shown.text, c.details ? c.details : c.question);
-        EXPECT_EQ(shown.title, "Samples");
-        if (c.kind == Shown::eMessageBox) {
-            EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO}));
+        EXPECT_EQ(mShown.type, c.type);
+        EXPECT_EQ(mShown.title, "Samples");
+        if (c.type) {
+            EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
+            EXPECT_EQ(mShown.texts[kBoxText], c.question);
+            EXPECT_EQ(mShown.buttons, (Ids{IDYES, IDNO}));
+        } else {
+            EXPECT_EQ(mShown.kind, "YesNoDialog");
+            EXPECT_EQ(mShown.texts[YesNoDialog::kDetailsCtrlId], c.details ? c.details : c.question);
+            EXPECT_EQ(mShown.texts[YesNoDialog::kQuestionCtrlId], c.details ? c.question : "");
         }
     }
     EXPECT_EQ(mChannel.GetUsage(), 10);
@@ -152,25 +114,25 @@ TEST_F(UserCommStandardTest, MultiButtonQuestionsShowTheirButtonsAndAnswerByTheD
     const int yes = YesNoCancelAll::kYesCtrlId, yesToAll = YesNoCancelAll::kYesToAllCtrlId,
               no = YesNoCancelAll::kNoCtrlId, noToAll = YesNoCancelAll::kNoToAllCtrlId,
               cancel = YesNoCancelAll::kCancelCtrlId;
+    // Every answer code is the default of one form; the others come through the scopes that remember them.
     const struct { Ask ask; Ids buttons; int defaultAnswer; } forms[] = {
-        {&StandardUserComm::AskUserYesYesToAllNoNoToAllCancel, {yes, yesToAll, no, noToAll, cancel}, 4},
-        {&StandardUserComm::AskUserYesYesToAllCancel, {yes, yesToAll, cancel}, 2},
+        {&StandardUserComm::AskUserYesYesToAllNoNoToAllCancel, {yes, yesToAll, no, noToAll, cancel}, 3},
+        {&StandardUserComm::AskUserYesYesToAllCancel, {yes, yesToAll, cancel}, 1},
         {&StandardUserComm::AskUserYesCancel, {yes, cancel}, 5},
     };
     for (const auto& form : forms) {
         // Return presses the default button, which the default answer chose.
-        Shown shown;
-        RecordAndAnswer(shown, Qt::Key_Return);
+        Answer(mShown, Key(Qt::Key_Return));
         EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "results.csv\nchanged today", "Export", form.defaultAnswer),
                   form.defaultAnswer);
-        EXPECT_EQ(shown.kind, Shown::eToAllDialog);
-        EXPECT_EQ(shown.buttons, form.buttons);
-        EXPECT_EQ(shown.text, "results.csv\nchanged today");
-        EXPECT_EQ(shown.title, "Export");
+        EXPECT_EQ(mShown.kind, "YesNoCancelAll");
+        EXPECT_EQ(mShown.buttons, form.buttons);
+        EXPECT_EQ(mShown.texts[YesNoCancelAll::kDetailsCtrlId], "results.csv\nchanged today");
+        EXPECT_EQ(mShown.title, "Export");
         // Escape is cancel, whatever the default; a null title is the application's name.
-        RecordAndAnswer(shown, Qt::Key_Escape);
+        Answer(mShown, Key(Qt::Key_Escape));
         EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "", nullptr, 1), 5);
-        EXPECT_EQ(shown.title, "Dialogs");
+        EXPECT_EQ(mShown.title, "Dialogs");
     }
     EXPECT_EQ(mChannel.GetUsage(), 6);
 }
@@ -178,26 +140,22 @@ TEST_F(UserCommStandardTest, MultiButtonQuestionsShowTheirButtonsAndAnswerByTheD
 TEST_F(UserCommStandardTest, LongFatalErrorsAndInformsGoToTheScrollingDialog)
 {
     const std::string nineteen = LinesOf(19), eighteen = LinesOf(18);
-    const struct { bool inform; const std::string& text; Shown::EKind kind; unsigned int type; bool endNotice; } cases[] = {
-        {true, nineteen, Shown::eScrollDialog, 0, false},
-        {true, eighteen, Shown::eMessageBox, MB_ICONASTERISK, false},
-        {false, nineteen, Shown::eScrollDialog, 0, true},
-        {false, eighteen, Shown::eMessageBox, MB_ICONHAND, false},
+    const struct { bool inform; const std::string& text; unsigned int type; bool endNotice; } cases[] = {
+        {true, nineteen, 0, false},
+        {true, eighteen, MB_ICONASTERISK, false},
+        {false, nineteen, 0, true},
+        {false, eighteen, MB_ICONHAND, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << (c.inform ? "inform " : "fatal ") << korva::MeasureLines(c.text.c_str()));
-        Shown shown;
-        RecordAndAnswer(shown, Qt::Key_Return);
-        if (c.inform)
-            mChannel.InformUser(c.text.c_str(), "Report", 0);
-        else
-            mChannel.FatalError(c.text.c_str(), "Report");
-        EXPECT_EQ(shown.kind, c.kind);
-        EXPECT_EQ(shown.text, c.text);
-        EXPECT_EQ(shown.title, "Report");
-        EXPECT_EQ(shown.type, c.type);
-        EXPECT_EQ(shown.endNotice, c.endNotice);
-        EXPECT_FALSE(shown.checkBox);
+        Answer(mShown, Key(Qt::Key_Return));
+        c.inform ? mChannel.InformUser(c.text.c_str(), "Report", 0) : mChannel.FatalError(c.text.c_str(), "Report");
+        EXPECT_EQ(mShown.kind, c.type ? "CustomMessageBoxDlg" : "FatalErrorDialog");
+        EXPECT_EQ(mShown.texts[c.type ? kBoxText : kScrollText], c.text);
+        EXPECT_EQ(mShown.title, "Report");
+        EXPECT_EQ(mShown.type, c.type);
+        EXPECT_EQ(mShown.texts.count(kEndNotice), c.endNotice ? 1u : 0u);
+        EXPECT_EQ(mShown.texts.count(kBoxCheck), 0u);
     }
 
     // Null and empty texts show nothing but count; not even the silence key is touched.
@@ -229,49 +187,42 @@ TEST_F(UserCommStandardTest, MessageBoxHelperAddsTheExclamationOnlyWhereItBelong
     for (const auto& c : cases) {
         App().calls.clear();
         std::vector<bool> callsWhileShown;
-        Shown shown;
-        RecordAndAnswer(shown, c.key, [&](QWidget* dialog) {
+        Answer(mShown, [&](QWidget* dialog) {
             callsWhileShown = App().calls;
             Press(dialog, c.key);
         });
         EXPECT_EQ(korva::UserCommMessageBox("The file is locked.", nullptr, c.type), c.answer) << c.type;
-        EXPECT_EQ(shown.type, c.shown) << c.type;
-        EXPECT_EQ(shown.title, "Dialogs");
+        EXPECT_EQ(mShown.type, c.shown) << c.type;
+        EXPECT_EQ(mShown.title, "Dialogs");
         // Modeless windows are disabled for exactly the time the box is up.
         EXPECT_EQ(callsWhileShown, std::vector<bool>{false});
         EXPECT_EQ(App().calls, (std::vector<bool>{false, true}));
     }
     // Only a null title falls back to the application's name.
-    Shown shown;
-    RecordAndAnswer(shown, Qt::Key_Return);
+    Answer(mShown, Key(Qt::Key_Return));
     korva::UserCommMessageBox("text", "", MB_OK);
-    EXPECT_EQ(shown.title, "");
+    EXPECT_EQ(mShown.title, "");
 }
 
 TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
 {
-    // Not checked: shown in a plain box with a check box, nothing stored.
-    Shown shown;
-    RecordAndAnswer(shown, Qt::Key_Return);
+    // Not checked: shown in a plain box with a check box, without the title; nothing stored.
+    Answer(mShown, Key(Qt::Key_Return));
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-    EXPECT_EQ(shown.kind, Shown::eMessageBox);
-    EXPECT_TRUE(shown.checkBox);
-    EXPECT_EQ(shown.type, 0u);
-    EXPECT_EQ(shown.text, "The audit trail was saved.");
-    EXPECT_EQ(shown.title, "Dialogs") << "the title is not used with a silence id";
+    EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
+    EXPECT_EQ(mShown.texts.count(kBoxCheck), 1u);
+    EXPECT_EQ(mShown.type, 0u);
+    EXPECT_EQ(mShown.title, "Dialogs");
     EXPECT_EQ(Silence("42"), "");
 
-    // Checked: shown once more, then silenced for good, long texts as well. Checked
-    // and closed with the window's close, the box has no Cancel: nothing is taken.
-    const auto checkAnd = [](std::function<void(QWidget*)> end) {
-        return [end](QWidget* dialog) {
-            Click(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId);
-            end(dialog);
-        };
-    };
-    RecordAndAnswer(shown, Qt::Key_Return, checkAnd([](QWidget* dialog) { Press(dialog, Qt::Key_Return); }));
+    // Checked: silenced for good, long texts as well. Checked and closed with the
+    // window's close, the box has no Cancel: nothing is taken.
+    Answer(mShown, ClickOn(IDOK, kBoxCheck));
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-    RecordAndAnswer(shown, Qt::Key_Return, checkAnd([](QWidget* dialog) { dialog->close(); }));
+    Answer(mShown, [](QWidget* dialog) {
+        Click(dialog, kBoxCheck);
+        dialog->close();
+    });
     mChannel.InformUser("Another one.", nullptr, 43);
     EXPECT_EQ(Silence("42"), "0");
     EXPECT_EQ(Silence("43"), "");
