@@ -153,15 +153,9 @@ TEST_F(AppTest, MutedInfoMessagesSuppressExactlyTheOkOnlyBoxes)
     EXPECT_TRUE(shown);
 }
 
-TEST_F(AppTest, MainWindowAndAboutCommand)
+TEST_F(AppTest, TheAboutCommandIsTheApplicationsOwnAndNamesIt)
 {
-    EXPECT_EQ(TsGetMainWnd(), nullptr);
     TsApp app("Analyst");
-    QWidget window;
-    app.SetMainWnd(&window);
-    EXPECT_EQ(TsGetMainWnd(), &window);
-
-    // The About command is the application's own and names the application.
     struct TextCatcher : CCmdUI
     {
         using CCmdUI::CCmdUI;

@@ -8,15 +8,6 @@
 #include <KORVAutlwin/frame/TsFrameWnd.h>
 #include <KORVAutlwin/frame/WinApp.h>
 
-#include <QCheckBox>
-#include <QDialog>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QToolBar>
-
 namespace {
 
 class CommandTest : public ::testing::Test

@@ -1,5 +1,5 @@
 // TsDialog's safety net: which exceptions its dispatch catches and shows in the
-// internal error dialog; its help command, idle updates and dialog units.
+// internal error dialog; its help command and idle updates.
 
 #include "TestApplication.h"
 
@@ -8,12 +8,6 @@
 #include <KORVAutlwin/frame/TsFrameWnd.h>
 
 #include <KORVAutl/Exception.h>
-
-#include <QEventLoop>
-#include <QMouseEvent>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QVBoxLayout>
 
 #include <stdexcept>
 
@@ -156,21 +150,4 @@ TEST(DialogGuardTest, HelpCommandFollowsTheTopicAndIdleUpdatesReachControls)
     dialog.OnKickIdle();
     EXPECT_FALSE(help->isEnabled());
     TsDialog::SetHelpTopicHandler(nullptr);
-}
-
-TEST(DialogGuardTest, DialogUnitsScaleWithTheFont)
-{
-    Application();
-    TsDialog dialog;
-    QFont font = dialog.font();
-    font.setPixelSize(12);
-    dialog.setFont(font);
-    const int x1000 = dialog.FromDlgX(1000);
-    EXPECT_GT(dialog.FromDlgX(4), 0);
-    // Scaling through 1000 units keeps proportions that mapping each value alone would round away.
-    EXPECT_NEAR(dialog.FromDlgX(3) * 1000.0 / 3, x1000, 1000.0 / 3);
-    EXPECT_EQ(dialog.FromDlgY(8), dialog.FromDlgY(1000) * 8 / 1000);
-    font.setPixelSize(24);
-    dialog.setFont(font);
-    EXPECT_GT(dialog.FromDlgX(1000), x1000 * 3 / 2);
 }

@@ -12,12 +12,6 @@
 #include <KORVAutl/TsString.h>
 #include <KORVAutl/TsSystemInfo.h>
 
-#include <QCheckBox>
-#include <QDialogButtonBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QWizard>
-
 namespace {
 
 using namespace korva::test;

@@ -17,13 +17,6 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/ResourceModule.h>
 
-#include <QActionGroup>
-#include <QMainWindow>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPointer>
-#include <QPushButton>
-
 #include <cstring>
 
 namespace {
@@ -48,34 +41,19 @@ const korva::ResourceModule& TestModule()
     return module;
 }
 
-// Runs `action` on the popup menu as soon as one is up; closes any popup left
-// after five seconds, so that a failing test cannot hang in the menu's loop.
-void WhenPopup(std::function<void(QMenu*)> action)
-{
-    auto* timer = new QTimer;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    QObject::connect(timer, &QTimer::timeout, [timer, action, deadline] {
-        auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        const bool late = std::chrono::steady_clock::now() > deadline;
-        if ((popup && popup->isVisible()) || late) {
-            timer->stop();
-            timer->deleteLater();
-            if (!late)
-                action(popup);
-            else if (QWidget* open = QApplication::activePopupWidget())
-                open->close();
-        }
-    });
-    timer->start(10);
-}
-
 // Presses the keys in the popup that comes up next.
 void PickWith(std::vector<Qt::Key> keys)
 {
-    WhenPopup([keys](QMenu* menu) {
+    korva::test::WhenModal([keys](QWidget* menu) {
         for (Qt::Key key : keys)
             QTest::keyClick(menu, key);
     });
+}
+
+// Runs `action` on the popup menu that comes up next.
+void WhenPopup(std::function<void(QMenu*)> action)
+{
+    korva::test::WhenModal([action](QWidget* menu) { action(qobject_cast<QMenu*>(menu)); });
 }
 
 QAction* FindAction(QMenu* menu, unsigned int id)

@@ -13,14 +13,6 @@
 
 #include <KORVAutl/LanguageString.h>
 
-#include <QCloseEvent>
-#include <QDockWidget>
-#include <QElapsedTimer>
-#include <QMdiArea>
-#include <QMdiSubWindow>
-#include <QMenu>
-#include <QToolBar>
-
 #include <cmath>
 #include <deque>
 #include <new>

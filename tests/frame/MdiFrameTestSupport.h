@@ -14,13 +14,6 @@
 
 #include <KORVAutl/LanguageString.h>
 
-#include <QCheckBox>
-#include <QDialog>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPointer>
-
 #include <algorithm>
 #include <filesystem>
 #include <map>

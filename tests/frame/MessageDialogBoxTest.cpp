@@ -10,9 +10,6 @@
 #include <KORVAutlwin/frame/ScrollMessageBox.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
 
-#include <QLayout>
-#include <QStyle>
-
 using namespace korva::test;
 
 namespace {

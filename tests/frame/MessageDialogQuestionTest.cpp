@@ -8,8 +8,6 @@
 #include <KORVAutlwin/frame/YesNoToAll.h>
 #include <KORVAutlwin/frame/YesYesToAllCancelDialog.h>
 
-#include <QPushButton>
-
 using namespace korva::test;
 
 TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)

@@ -9,10 +9,6 @@
 
 #include <KORVAutl/LanguageString.h>
 
-#include <QLabel>
-#include <QProgressBar>
-#include <QVBoxLayout>
-
 namespace {
 
 constexpr unsigned int kSpinPane = 1036;
@@ -146,36 +142,6 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     EXPECT_EQ(bar.SetPaneText(0, "Ready", 1), 1);
     EXPECT_EQ(bar.GetPaneText(0), "Ready");
 
-    // The temporary message shows in the message pane.
-    bar.SetPaneText(0, "", 1);
-    const auto painted = [&] {
-        QCoreApplication::processEvents();
-        return bar.grab(bar.GetItemRect(0)).toImage();
-    };
-    const QImage empty = painted();
-    bar.showMessage(QStringLiteral("Saving the project"));
-    EXPECT_NE(painted(), empty);
-    bar.clearMessage();
-    EXPECT_EQ(painted(), empty);
-}
-
-TEST(PlainStatusBarTest, PanesAreLaidOutLeftToRightWithHostedWindowsOnePixelInside)
-{
-    ShownBar<TsStatusBar> shown;
-    TsStatusBar& bar = *shown.bar;
-    auto* gauge = new QProgressBar;
-    ASSERT_TRUE(bar.InsertWindow(gauge, 100, 1, kGaugePane));
-    EXPECT_TRUE(gauge->isHidden()) << "showing it is the caller's part";
-    gauge->show();
-    EXPECT_EQ(gauge->parentWidget(), &bar) << "a hosted window becomes the bar's child";
-    EXPECT_EQ(gauge->geometry(), bar.GetItemRect(1).adjusted(1, 1, -1, -1));
-    EXPECT_EQ(bar.GetItemRect(1).width(), 100);
-    EXPECT_EQ(bar.GetItemRect(2).left(), bar.GetItemRect(1).right() + 1 + 2);
-    EXPECT_EQ(bar.GetItemRect(0).left(), 2);
-    EXPECT_EQ(bar.GetItemRect(2).right(), bar.width() - 1 - 2) << "the panes fill the bar";
-    // Taken out for good, the window stays where it was: its owner decides.
-    bar.RemoveWindow(gauge, false, kGaugePane);
-    EXPECT_FALSE(gauge->isHidden());
 }
 
 TEST(ToolkitStatusBarTest, ControlsComeAndGoWithTheirIndicators)

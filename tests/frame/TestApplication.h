@@ -5,11 +5,8 @@
 
 #include <KORVAutlwin/frame/GuardedApplication.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QTest>
-#include <QTimer>
-#include <QWidget>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <gtest/gtest.h>
 
@@ -34,9 +31,10 @@ inline QApplication* Application()
     return new GuardedApplication(argc, argv);
 }
 
-/// Calls `action` with the active modal widget as soon as one is up that
-/// `accept` takes (any, without it), polling every 20 ms for at most `timeout`;
-/// for answering dialogs that a test opens.
+/// Calls `action` with the active modal widget (or popup menu) as soon as one
+/// is up that `accept` takes (any, without it), polling every 20 ms for at most
+/// `timeout`; for answering dialogs and menus that a test opens. A popup still
+/// open then is closed, so that a failing test cannot hang in a menu's loop.
 inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(10),
                       std::function<bool(QWidget*)> accept = nullptr)
 {
@@ -44,13 +42,16 @@ inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::millise
     auto deadline = std::chrono::steady_clock::now() + timeout;
     QObject::connect(timer, &QTimer::timeout, [timer, action, accept, deadline] {
         QWidget* modal = QApplication::activeModalWidget();
-        if (modal && (!accept || accept(modal))) {
+        if (!modal)
+            modal = QApplication::activePopupWidget();
+        const bool late = std::chrono::steady_clock::now() > deadline;
+        if ((modal && modal->isVisible() && (!accept || accept(modal))) || late) {
             timer->stop();
             timer->deleteLater();
-            action(modal);
-        } else if (std::chrono::steady_clock::now() > deadline) {
-            timer->stop();
-            timer->deleteLater();
+            if (!late)
+                action(modal);
+            else if (QWidget* popup = QApplication::activePopupWidget())
+                popup->close();
         }
     });
     timer->start(20);

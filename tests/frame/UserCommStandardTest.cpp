@@ -8,8 +8,6 @@
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 #include <KORVAutlwin/frame/YesNoDialog.h>
 
-#include <QGuiApplication>
-
 using namespace korva::test;
 
 namespace {
