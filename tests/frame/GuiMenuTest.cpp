@@ -1,6 +1,5 @@
 // Menu resources, the menu update through the command route, the popup menu of
-// the widget kit and context menus; popups are driven with real key and mouse
-// events on offscreen windows.
+// the widget kit and context menus, driven with real keys on offscreen windows.
 
 #include "TestApplication.h"
 
@@ -17,16 +16,15 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/ResourceModule.h>
 
-#include <cstring>
-
 namespace {
+
+using korva::test::WhenModal;
 
 constexpr unsigned int kContextMenu = 1;
 constexpr unsigned int kNoPopupMenu = 2;
 
 const char kContextMenuText[] = R"(<menu><popup text="Context">
-    <item id="500" text="First"/><item id="501" text="Second"/><item id="502" text="Nobody's"/>
-    </popup></menu>)";
+    <item id="500" text="First"/><item id="501" text="Second"/><item id="502" text="Nobody's"/></popup></menu>)";
 const char kNoPopupMenuText[] = R"(<menu><item id="500" text="Flat"/></menu>)";
 const char kOwnEditMenuText[] = R"(<menu><popup text="Edit"><item id="57634" text="Kopieren"/></popup></menu>)";
 
@@ -44,19 +42,13 @@ const korva::ResourceModule& TestModule()
 // Presses the keys in the popup that comes up next.
 void PickWith(std::vector<Qt::Key> keys)
 {
-    korva::test::WhenModal([keys](QWidget* menu) {
+    WhenModal([keys](QWidget* menu) {
         for (Qt::Key key : keys)
             QTest::keyClick(menu, key);
     });
 }
 
-// Runs `action` on the popup menu that comes up next.
-void WhenPopup(std::function<void(QMenu*)> action)
-{
-    korva::test::WhenModal([action](QWidget* menu) { action(qobject_cast<QMenu*>(menu)); });
-}
-
-QAction* FindAction(QMenu* menu, unsigned int id)
+QAction* FindAction(QWidget* menu, unsigned int id)
 {
     for (QAction* action : menu->actions())
         if (korva::GetCommandId(action) == id)
@@ -67,6 +59,16 @@ QAction* FindAction(QMenu* menu, unsigned int id)
 QMenu* Parse(const std::string& text)
 {
     return MenuResource::Parse(text.data(), text.size(), 7);
+}
+
+std::string Thrown(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const Exception& e) {
+        return e.Why();
+    }
+    return "(nothing thrown)";
 }
 
 class GuiMenuTest : public ::testing::Test
@@ -97,12 +99,7 @@ TEST_F(GuiMenuTest, MenusComeFromTheCurrentModuleWithEnglishBehindIt)
         EXPECT_TRUE(MenuResource::Exists(kContextMenu));
     }
     EXPECT_FALSE(MenuResource::Exists(kContextMenu));
-    try {
-        delete MenuResource::Load(424242);
-        FAIL() << "a missing menu must throw";
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.Why(), "The menu resource 424242 does not exist.");
-    }
+    EXPECT_EQ(Thrown([] { delete MenuResource::Load(424242); }), "The menu resource 424242 does not exist.");
 
     // Item attributes give the first look.
     std::unique_ptr<QMenu> looks(Parse(R"(<menu><popup text="P" enabled="false"><item id="1" text="a" checked="true"/>
@@ -112,26 +109,19 @@ TEST_F(GuiMenuTest, MenusComeFromTheCurrentModuleWithEnglishBehindIt)
     EXPECT_TRUE(FindAction(popup, 1)->isChecked());
     EXPECT_FALSE(FindAction(popup, 2)->isEnabled());
     EXPECT_FALSE(FindAction(popup, 3)->isCheckable());
-}
 
-TEST_F(GuiMenuTest, InvalidMenusAreRefusedWithWhereTheFaultIs)
-{
-    const std::pair<const char*, const char*> cases[] = {
+    // Invalid menus are refused with where the fault is.
+    const std::pair<const char*, const char*> invalid[] = {
         {"<menu>\n<popup text=\"P\">\n<item text=\"no id\"/></popup></menu>", "an item has no valid command id (line 3,"},
         {"<menu>\n<popup text=\"P\">\n<item id=\"0\" text=\"zero\"/></popup></menu>", "an item has no valid command id (line 3,"},
         {"<menu>\n<button id=\"4\"/></menu>", "unknown element <button> (line 2,"},
         {"<menu>\n<popup text=\"P\">\n<item id=\"4\" text=\"x\">\n</menu>", "(line 4,"},
         {"<bar><item id=\"4\" text=\"x\"/></bar>", "the root element is not <menu>"},
     };
-    for (const auto& [text, detail] : cases) {
-        try {
-            delete Parse(text);
-            ADD_FAILURE() << "accepted: " << text;
-        } catch (const Exception& e) {
-            const std::string why = e.Why();
-            EXPECT_TRUE(why.starts_with("The menu resource 7 is not a valid menu: ")) << why;
-            EXPECT_NE(why.find(detail), std::string::npos) << why;
-        }
+    for (const auto& [text, detail] : invalid) {
+        const std::string why = Thrown([text = text] { delete Parse(text); });
+        EXPECT_TRUE(why.starts_with("The menu resource 7 is not a valid menu: ")) << why;
+        EXPECT_NE(why.find(detail), std::string::npos) << why;
     }
 }
 
@@ -148,22 +138,18 @@ TEST_F(GuiMenuTest, EnableMenuUpdatesEveryItemToAnyDepth)
     QMenu* sub = subEntry->menu();
     QAction* deeperEntry = sub->actions()[2];
     QMenu* deeper = deeperEntry->menu();
-
     CmdTarget target;
-    target.OnCommand(100, [] {});
-    target.OnUpdateCommand(100, [](CCmdUI* ui) {
-        ui->Enable(true);
-        ui->SetCheck(1);
-    });
+    for (unsigned int id : {100u, 201u})
+        target.OnCommand(id, [] {});
+    target.OnUpdateCommand(100, [](CCmdUI* ui) { ui->SetCheck(1); });
     target.OnUpdateCommand(102, [](CCmdUI* ui) { ui->SetText("New name"); });
+    target.OnUpdateCommand(201, [](CCmdUI* ui) { ui->SetRadio(true); });
     int firstItemUpdates = 0;
     target.OnUpdateCommand(200, [&](CCmdUI* ui) {
         ++firstItemUpdates;
         ui->Enable(false);
         ui->SetText("Renamed first");
     });
-    target.OnCommand(201, [] {});
-    target.OnUpdateCommand(201, [](CCmdUI* ui) { ui->SetRadio(true); });
     GUIUtilities::EnableMenu(&target, root.get());
 
     EXPECT_TRUE(FindAction(top, 100)->isEnabled() && FindAction(top, 100)->isChecked());
@@ -204,7 +190,7 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
 
     // TPM_RETURNCMD only answers; TPM_NONOTIFY leaves the items as they are.
     bool unhandledEnabled = false;
-    WhenPopup([&](QMenu* menu) {
+    WhenModal([&](QWidget* menu) {
         unhandledEnabled = FindAction(menu, 502)->isEnabled();
         QTest::keyClick(menu, Qt::Key_Down);
         QTest::keyClick(menu, Qt::Key_Return);
@@ -214,7 +200,7 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
 
     // Bottom-right alignment puts the menu's lower right corner at the point.
     QRect geometry;
-    WhenPopup([&](QMenu* menu) {
+    WhenModal([&](QWidget* menu) {
         geometry = menu->geometry();
         unhandledEnabled = FindAction(menu, 502)->isEnabled();
         QTest::keyClick(menu, Qt::Key_Escape);
@@ -222,7 +208,6 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
     EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RIGHTALIGN | TPM_BOTTOMALIGN, QPoint(400, 300), &owner), 0u);
     EXPECT_EQ(geometry.bottomRight() + QPoint(1, 1), QPoint(400, 300));
     EXPECT_FALSE(unhandledEnabled);
-    EXPECT_EQ(ownerRuns, 0);
 
     // An action that routes itself is not routed a second time.
     WinApp app("MenuTest");
@@ -243,89 +228,64 @@ public:
     using QPushButton::QPushButton;
 };
 
-class ContextMenuTest : public GuiMenuTest
+TEST_F(GuiMenuTest, ContextMenusOpenAtThePointOrTheControlCornerAndRunOnTheirTarget)
 {
-protected:
-    void SetUp() override
-    {
-        mFrame.setGeometry(60, 80, 400, 300);
-        auto* central = new QWidget(&mFrame);
-        mFrame.setCentralWidget(central);
-        mControl = new TargetButton(central);
-        mControl->setGeometry(30, 40, 120, 30);
-        mPlain = new QPushButton(QStringLiteral("Plain"), mControl);
-        mFrame.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&mFrame));
-        for (unsigned int id : {500u, 501u}) {
-            mFrame.OnCommand(id, [this, id] { mRan += "frame " + std::to_string(id) + ";"; });
-            mControl->OnCommand(id, [this, id] { mRan += "control " + std::to_string(id) + ";"; });
-        }
+    SetResourceInstance scope(&TestModule());
+    TsFrameWnd frame;
+    frame.setGeometry(60, 80, 400, 300);
+    frame.setCentralWidget(new QWidget);
+    auto* control = new TargetButton(frame.centralWidget());
+    control->setGeometry(30, 40, 120, 30);
+    auto* plain = new QPushButton(control);
+    frame.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&frame));
+    std::string ran;
+    for (unsigned int id : {500u, 501u}) {
+        frame.OnCommand(id, [&ran, id] { ran += "frame " + std::to_string(id) + ";"; });
+        control->OnCommand(id, [&ran, id] { ran += "control " + std::to_string(id) + ";"; });
     }
-
-    // Opens the context menu of `wnd` at `point`, picks its second item with the
-    // keyboard, and gives what ran.
-    std::string PickSecond(QWidget* wnd, QPoint point, bool findFrame, CmdTarget* target = nullptr)
-    {
-        mRan.clear();
-        WhenPopup([this](QMenu* menu) {
-            mPopupPosition = menu->pos();
-            mUnhandledEnabled = FindAction(menu, 502)->isEnabled();
-            QTest::keyClick(menu, Qt::Key_Down);
-            mFirstActive = menu->activeAction() ? menu->activeAction()->text() : QString();
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Return);
+    // Opens the context menu of `wnd` at `at`, picks its second item with the keyboard; what ran.
+    QPoint position;
+    bool unhandledEnabled = true;
+    const auto pickSecond = [&](QWidget* wnd, QPoint at, bool findFrame, CmdTarget* target = nullptr) {
+        ran.clear();
+        WhenModal([&](QWidget* menu) {
+            position = menu->pos();
+            unhandledEnabled = FindAction(menu, 502)->isEnabled();
+            for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
+                QTest::keyClick(menu, key);
         });
-        EXPECT_EQ(GUI::DisplayContextMenu(wnd, kContextMenu, point, findFrame, target), 501u);
-        return mRan;
-    }
-
-    SetResourceInstance mScope{&TestModule()};
-    TsFrameWnd mFrame;
-    TargetButton* mControl = nullptr;
-    QPushButton* mPlain = nullptr;
-    std::string mRan;
-    QPoint mPopupPosition;
-    bool mUnhandledEnabled = true;
-    QString mFirstActive;
-};
-
-TEST_F(ContextMenuTest, TheMenuOpensAtThePointOrTheControlCornerAndRunsOnItsTarget)
-{
+        EXPECT_EQ(GUI::DisplayContextMenu(wnd, kContextMenu, at, findFrame, target), 501u);
+        return ran;
+    };
     // The keyboard's menu opens at the control's corner; with findFrame, the frame takes the command.
-    EXPECT_EQ(PickSecond(mControl, QPoint(-1, -1), true), "frame 501;");
-    EXPECT_EQ(mPopupPosition, mControl->mapToGlobal(QPoint(5, 5)));
-    EXPECT_EQ(mFirstActive, QStringLiteral("First"));
-    EXPECT_FALSE(mUnhandledEnabled) << "brought up to date through the frame";
+    EXPECT_EQ(pickSecond(control, QPoint(-1, -1), true), "frame 501;");
+    EXPECT_EQ(position, control->mapToGlobal(QPoint(5, 5)));
+    EXPECT_FALSE(unhandledEnabled) << "brought up to date through the frame";
     // Without it the window itself takes the command.
-    EXPECT_EQ(PickSecond(mControl, QPoint(150, 160), false), "control 501;");
-    EXPECT_EQ(mPopupPosition, QPoint(150, 160));
+    EXPECT_EQ(pickSecond(control, QPoint(150, 160), false), "control 501;");
+    EXPECT_EQ(position, QPoint(150, 160));
     // A plain widget stands for the nearest command target around it.
-    EXPECT_EQ(PickSecond(mPlain, QPoint(-1, -1), false), "control 501;");
-    EXPECT_EQ(mPopupPosition, mPlain->mapToGlobal(QPoint(5, 5)));
+    EXPECT_EQ(pickSecond(plain, QPoint(-1, -1), false), "control 501;");
     // A given target wins.
     CmdTarget given;
-    given.OnCommand(501, [this] { mRan += "given 501;"; });
-    EXPECT_EQ(PickSecond(mControl, QPoint(-1, -1), true, &given), "given 501;");
-}
+    given.OnCommand(501, [&ran] { ran += "given 501;"; });
+    EXPECT_EQ(pickSecond(control, QPoint(-1, -1), true, &given), "given 501;");
 
-TEST_F(ContextMenuTest, CancellingRunsNothingAndACommandMayDestroyTheWindowItCameFrom)
-{
-    mRan.clear();
+    // Cancelling runs nothing; a menu without a sub-menu cannot be shown.
+    ran.clear();
     PickWith({Qt::Key_Escape});
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 0u);
-    EXPECT_EQ(mRan, "");
-    try {
-        GUI::DisplayContextMenu(mControl, kNoPopupMenu, QPoint(-1, -1), true, nullptr);
-        FAIL() << "a menu without a sub-menu must throw";
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.Why(), "The menu resource 2 has no sub-menu to show.");
-    }
+    EXPECT_EQ(GUI::DisplayContextMenu(control, kContextMenu, QPoint(-1, -1), true, nullptr), 0u);
+    EXPECT_EQ(ran, "");
+    EXPECT_EQ(Thrown([&] { GUI::DisplayContextMenu(control, kNoPopupMenu, QPoint(-1, -1), true, nullptr); }),
+              "The menu resource 2 has no sub-menu to show.");
 
-    QPointer<TargetButton> control = mControl;
-    mControl->OnCommand(500, [this] { delete mControl; });
+    // A command may destroy the window it came from.
+    QPointer<TargetButton> alive = control;
+    control->OnCommand(500, [control] { delete control; });
     PickWith({Qt::Key_Down, Qt::Key_Return});
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), false, nullptr), 500u);
-    EXPECT_TRUE(control.isNull());
+    EXPECT_EQ(GUI::DisplayContextMenu(control, kContextMenu, QPoint(-1, -1), false, nullptr), 500u);
+    EXPECT_TRUE(alive.isNull());
 }
 
 TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
@@ -334,8 +294,8 @@ TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
     QMainWindow window;
     CmdTarget target;
     std::string ran;
-    target.OnCommand(501, [&] { ran += "501;"; });
-    target.OnCommand(500, [&] { ran += "500;"; });
+    for (unsigned int id : {500u, 501u})
+        target.OnCommand(id, [&ran, id] { ran += std::to_string(id) + ";"; });
     MenuResource::AddToMenuBar(kContextMenu, window.menuBar(), &target);
     window.setGeometry(60, 80, 400, 300);
     window.show();
@@ -344,7 +304,7 @@ TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
     ASSERT_EQ(bar->actions().size(), 1);
     QAction* entry = bar->actions().front();
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(entry).center());
-    auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    QWidget* popup = QApplication::activePopupWidget();
     ASSERT_EQ(popup, entry->menu());
     EXPECT_FALSE(FindAction(popup, 502)->isEnabled()) << "updated as it opened";
     for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
