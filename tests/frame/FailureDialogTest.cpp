@@ -1,11 +1,9 @@
-// The internal error dialog and the fatal error dialog, offscreen, answered
-// with real mouse and keyboard input. Finish ends the process, so those cases
-// run in the helper program as a child.
+// The internal error dialog, offscreen, answered with real mouse and keyboard
+// input. Finish ends the process, so those cases run in the helper program.
 
 #include "TestApplication.h"
 #include "frame/helpers/ChildProcess.h"
 
-#include <KORVAutlwin/frame/FatalErrorDialog.h>
 #include <KORVAutlwin/frame/InternalErrorDialog.h>
 
 #include <KORVAutl/LanguageString.h>
@@ -74,18 +72,6 @@ TEST(FailureDialogTest, FinishExitsAndWithRestartStartsTheProgramAgain)
                   restart);
         EXPECT_EQ(std::filesystem::exists(folder.File("restarted")), restart);
     }
-}
-
-TEST(FailureDialogTest, FatalErrorDialogShowsTheTextReadOnlyUnderTheProgramsName)
-{
-    Application();
-    FatalErrorDialog dialog("Line 1\nLine 2\n", nullptr, nullptr, false);
-    WhenModal([&](QWidget* modal) {
-        EXPECT_TRUE(Control<QPlainTextEdit>(modal, 10001)->isReadOnly());
-        QTest::mouseClick(modal->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
-    });
-    EXPECT_EQ(dialog.exec(), QDialog::Accepted);
-    EXPECT_EQ(dialog.windowTitle().toStdString(), TsSystemInfo::GetApplicationName());
 }
 
 } // namespace

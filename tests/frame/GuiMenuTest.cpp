@@ -14,6 +14,7 @@
 #include <KORVAutlwin/frame/WinApp.h>
 
 #include <KORVAutl/Exception.h>
+#include <KORVAutl/LanguageString.h>
 #include <KORVAutl/ResourceModule.h>
 
 namespace {
@@ -27,6 +28,7 @@ const char kContextMenuText[] = R"(<menu><popup text="Context">
     <item id="500" text="First"/><item id="501" text="Second"/><item id="502" text="Nobody's"/></popup></menu>)";
 const char kNoPopupMenuText[] = R"(<menu><item id="500" text="Flat"/></menu>)";
 const char kOwnEditMenuText[] = R"(<menu><popup text="Edit"><item id="57634" text="Kopieren"/></popup></menu>)";
+const char kPage[] = "<html><body><p>Hilfe</p></body></html>";
 
 const korva::ResourceModule& TestModule()
 {
@@ -34,8 +36,10 @@ const korva::ResourceModule& TestModule()
         {kContextMenu, "MENU", kContextMenuText, sizeof kContextMenuText - 1},
         {kNoPopupMenu, "MENU", kNoPopupMenuText, sizeof kNoPopupMenuText - 1},
         {30620, "MENU", kOwnEditMenuText, sizeof kOwnEditMenuText - 1},
+        {4100, "HTML", kPage, sizeof kPage - 1},
     };
-    static const korva::ResourceModule module("MenuTest", nullptr, 0, resources, std::size(resources));
+    static const korva::StringEntry strings[] = {{30602, "Die Menüressource %u gibt es nicht."}};
+    static const korva::ResourceModule module("MenuTest", strings, 1, resources, std::size(resources));
     return module;
 }
 
@@ -77,8 +81,9 @@ protected:
     GuiMenuTest() { korva::test::Application(); }
 };
 
-TEST_F(GuiMenuTest, MenusComeFromTheCurrentModuleWithEnglishBehindIt)
+TEST_F(GuiMenuTest, MenusTextsAndResourcesComeFromTheModuleOfTheScopeWithEnglishBehindIt)
 {
+    const std::string english = LanguageString::Get(30602);
     const korva::StringEntry strings[] = {{1, "only a string"}};
     const korva::ResourceModule noMenus("NoMenus", strings, 1, nullptr, 0);
     SetResourceInstance noMenusScope(&noMenus);
@@ -97,8 +102,18 @@ TEST_F(GuiMenuTest, MenusComeFromTheCurrentModuleWithEnglishBehindIt)
         std::unique_ptr<QMenu> own(MenuResource::Load(30620));
         EXPECT_EQ(own->actions().front()->menu()->actions().front()->text(), QStringLiteral("Kopieren"));
         EXPECT_TRUE(MenuResource::Exists(kContextMenu));
+        EXPECT_STREQ(LanguageString::Get(30602), "Die Menüressource %u gibt es nicht.");
+        EXPECT_EQ(GUIUtilities::ReadResource(4100), kPage);
+        EXPECT_EQ(GUIUtilities::ReadResource(4101), "");
+        {
+            SetResourceInstance back(nullptr);   // the English module, for an inner scope
+            EXPECT_EQ(LanguageString::Get(30602), english);
+            EXPECT_EQ(GUIUtilities::ReadResource(4100), "");
+        }
+        EXPECT_TRUE(MenuResource::Exists(kContextMenu));
     }
     EXPECT_FALSE(MenuResource::Exists(kContextMenu));
+    EXPECT_EQ(LanguageString::Get(30602), english);
     EXPECT_EQ(Thrown([] { delete MenuResource::Load(424242); }), "The menu resource 424242 does not exist.");
 
     // Item attributes give the first look.

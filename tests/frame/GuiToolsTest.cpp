@@ -1,17 +1,13 @@
-// The small tools of the frame: LibraryLoader on real libraries, the resource
-// module scope, HTML resources and the off-screen painting surface.
+// The small tools of the frame: LibraryLoader on real libraries and the
+// off-screen painting surface.
 
 #include "../utl/TempDir.h"
 #include "TestApplication.h"
 
 #include <KORVAutlwin/frame/CMemDC.h>
-#include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/LibraryLoader.h>
-#include <KORVAutlwin/frame/SetResourceInstance.h>
 
 #include <KORVAutl/Exception.h>
-#include <KORVAutl/LanguageString.h>
-#include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/TsString.h>
 
 #include <dlfcn.h>
@@ -67,39 +63,6 @@ TEST(LibraryLoaderTest, RealLibrariesLoadAndGiveTheirFunctions)
     EXPECT_TRUE(loader.Close()) << "nothing held: nothing to do";
     EXPECT_EQ(ThrownText([&] { loader.GetFunction("cos"); }),
               TsString::Format("No library is loaded to look up the function cos in: %s.", std::strerror(EBADF)));
-}
-
-constexpr unsigned int kSharedId = 30602;   // a text the English module has too
-constexpr unsigned int kPageId = 4100;
-const char kPage[] = "<html><body><p>Hilfe</p></body></html>";
-const char kGerman[] = "Die Menüressource %u gibt es nicht.";
-
-const korva::ResourceModule& GermanModule()
-{
-    static const korva::StringEntry strings[] = {{kSharedId, kGerman}};
-    static const korva::ResourceEntry resources[] = {{kPageId, "HTML", kPage, sizeof kPage - 1}};
-    static const korva::ResourceModule module("German", strings, 1, resources, 1);
-    return module;
-}
-
-TEST(SetResourceInstanceTest, TextsAndResourcesComeFromTheModuleOfTheScope)
-{
-    const std::string english = LanguageString::Get(kSharedId);
-    ASSERT_NE(english, kGerman);
-    const korva::ResourceModule* before = LanguageString::GetModule();
-    {
-        SetResourceInstance german(&GermanModule());
-        EXPECT_STREQ(LanguageString::Get(kSharedId), kGerman);
-        EXPECT_EQ(GUIUtilities::ReadResource(kPageId), kPage);
-        EXPECT_EQ(GUIUtilities::ReadResource(kPageId + 1), "");
-        {
-            SetResourceInstance back(nullptr);   // the English module, for an inner scope
-            EXPECT_EQ(LanguageString::Get(kSharedId), english);
-            EXPECT_EQ(GUIUtilities::ReadResource(kPageId), "");
-        }
-        EXPECT_STREQ(LanguageString::Get(kSharedId), kGerman);
-    }
-    EXPECT_EQ(LanguageString::GetModule(), before);
 }
 
 TEST(CMemDCTest, PictureReachesThePainterOnlyAtTheEndOverTheBackground)
