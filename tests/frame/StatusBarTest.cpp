@@ -1,6 +1,5 @@
-// The two status bars: panes with ids, texts and widths, and windows hosted in
-// panes that move along when panes come and go, through the interface that
-// long-running code uses.
+// The two status bars: panes with ids, texts and widths, and hosted windows
+// that move along when panes come and go, through the interface work code uses.
 
 #include "TestApplication.h"
 
@@ -27,12 +26,12 @@ void Settle()
 template <class Bar>
 struct ShownBar
 {
+    QApplication* application = korva::test::Application();
     QWidget window;
     Bar* bar = new Bar(&window);
 
     ShownBar()
     {
-        korva::test::Application();
         auto* layout = new QVBoxLayout(&window);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addStretch(1);
@@ -47,8 +46,6 @@ struct ShownBar
     QPoint At(QWidget* hosted) const { return hosted->mapTo(bar, QPoint(0, 0)); }
 };
 
-// The scenarios both bars must pass, told through TsStatusAccess and the bar's
-// own view of where hosted windows are.
 template <class Bar>
 class StatusBarTest : public ::testing::Test
 {
@@ -68,7 +65,6 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
     ASSERT_TRUE(access.InsertWindow(gauge, 100, 1, kGaugePane));
     gauge->show();
     Settle();
-    EXPECT_EQ(access.GetItemID(1), kGaugePane);
     EXPECT_EQ(access.GetItemID(2), kCapsPane);
     EXPECT_TRUE(bar.GetItemRect(1).adjusted(1, 1, -1, -1).contains(QRect(shown.At(gauge), gauge->size())));
     EXPECT_GE(gauge->width(), 100 - 4);
@@ -78,8 +74,7 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
     ASSERT_TRUE(access.InsertWindow(spin, 40, 1, kSpinPane));
     spin->show();
     Settle();
-    EXPECT_EQ(bar.GetWindowIndex(spin), 1);
-    EXPECT_EQ(bar.GetWindowIndex(gauge), 2);
+    EXPECT_EQ(std::pair(bar.GetWindowIndex(spin), bar.GetWindowIndex(gauge)), std::pair(1, 2));
     EXPECT_EQ(access.CommandToIndex(kCapsPane), 3);
     EXPECT_GT(shown.At(gauge).x(), std::max(gaugeX - 1, shown.At(spin).x()));
     EXPECT_TRUE(bar.GetItemRect(2).contains(shown.At(gauge)));
@@ -125,7 +120,6 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     Settle();
     EXPECT_EQ(bar.GetPaneText(1), LanguageString::Get(13316)) << "an indicator shows the string of its id";
     EXPECT_EQ(bar.CommandToIndex(13316), 1);
-    EXPECT_EQ(bar.CommandToIndex(0), 0);
     unsigned int id = 0, style = 0;
     int width = 0;
     ASSERT_TRUE(bar.GetPaneInfo(0, id, style, width));
@@ -141,7 +135,6 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     EXPECT_EQ(bar.GetItemRect(1).width(), width);
     EXPECT_EQ(bar.SetPaneText(0, "Ready", 1), 1);
     EXPECT_EQ(bar.GetPaneText(0), "Ready");
-
 }
 
 TEST(ToolkitStatusBarTest, ControlsComeAndGoWithTheirIndicators)
