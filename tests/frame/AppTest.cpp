@@ -1,5 +1,5 @@
 // The application object: where its files, folders and registry branch lie,
-// its settings with their defaults, the muted information boxes and About.
+// its settings with their defaults, and the muted information boxes.
 
 #include "MdiFrameTestSupport.h"
 
@@ -45,16 +45,13 @@ TEST_F(AppTest, SetRegistryLocationPlacesFilesFoldersAndRegistryBranch)
 
         // A new file records which application and version wrote it.
         std::string name, written;
-        ASSERT_TRUE(app.GetAppSettingsSection()->ReadKey("AppName", name));
-        ASSERT_TRUE(app.GetAppSettingsSection()->ReadKey("Version", written));
-        EXPECT_EQ(name, TsSystemInfo::GetApplicationName());
-        EXPECT_EQ(written, version);
+        EXPECT_TRUE(app.GetAppSettingsSection()->ReadKey("AppName", name) && name == TsSystemInfo::GetApplicationName());
+        EXPECT_TRUE(app.GetAppSettingsSection()->ReadKey("Version", written) && written == version);
         app.GetAppSettingsSection()->WriteInt("Answer", 42);
 
         // Profile values land in the registry branch of the application; no entry: the whole section goes.
         EXPECT_TRUE(app.WriteProfileInt("Window", "Width", 640));
-        EXPECT_EQ(TsGetRegKey(HKEY_CURRENT_USER, ("SOFTWARE\\Tessmark\\Analyst\\" + version + "\\Window").c_str(),
-                              "Width", ""),
+        EXPECT_EQ(TsGetRegKey(HKEY_CURRENT_USER, (std::string(GetRegistryBaseKeyName()) + "\\Window").c_str(), "Width", ""),
                   "640");
         EXPECT_EQ(app.GetProfileInt("Window", "Missing", 7), 7);
         EXPECT_TRUE(app.WriteProfileString("Window", nullptr, nullptr));
@@ -74,8 +71,7 @@ TEST_F(AppTest, SetRegistryLocationPlacesFilesFoldersAndRegistryBranch)
     TsApp again("Analyst");
     again.SetRegistryLocation();
     int answer = 0;
-    EXPECT_TRUE(again.GetAppSettingsSection()->ReadInt("Answer", answer));
-    EXPECT_EQ(answer, 42);
+    EXPECT_TRUE(again.GetAppSettingsSection()->ReadInt("Answer", answer) && answer == 42);
 }
 
 TEST_F(AppTest, DamagedSettingsFileThrowsAndStaysAsItWas)
@@ -151,24 +147,4 @@ TEST_F(AppTest, MutedInfoMessagesSuppressExactlyTheOkOnlyBoxes)
     });
     EXPECT_EQ(app.DoMessageBox("Saved.", MB_OK, 0), IDOK);
     EXPECT_TRUE(shown);
-}
-
-TEST_F(AppTest, TheAboutCommandIsTheApplicationsOwnAndNamesIt)
-{
-    TsApp app("Analyst");
-    struct TextCatcher : CCmdUI
-    {
-        using CCmdUI::CCmdUI;
-        std::string text;
-        void SetText(const char* value) override { text = value; }
-    } menuItem(ID_APP_ABOUT);
-    ASSERT_TRUE(app.OnCmdMsg(ID_APP_ABOUT, CmdTarget::eUpdate, &menuItem));
-    EXPECT_EQ(menuItem.text, "&About Analyst...");
-    QString title;
-    WhenModal([&](QWidget* about) {
-        title = about->windowTitle();
-        QTest::keyClick(about, Qt::Key_Escape);
-    });
-    EXPECT_TRUE(app.ExecuteCommand(ID_APP_ABOUT));
-    EXPECT_EQ(title, QStringLiteral("About Analyst"));
 }

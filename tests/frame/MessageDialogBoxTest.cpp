@@ -139,16 +139,6 @@ TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
         EXPECT_EQ(text, c.broken) << c.text;
     }
 
-    korva::test::Application();
-    const QFontMetrics metrics(QApplication::font());
-    std::string text = "The stop was requested while the model was being fitted to the calibration data";
-    const int width = metrics.horizontalAdvance(QStringLiteral("The stop was requested"));
-    LimitLineLength::ByPixels(text, metrics, width);
-    const std::vector<std::string> lines = Lines(text);
-    ASSERT_GT(lines.size(), 2u);
-    for (const std::string& line : lines)
-        EXPECT_LE(metrics.horizontalAdvance(QString::fromStdString(line)), width) << line;
-    EXPECT_EQ(lines.front(), "The stop was requested");
 }
 
 TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)

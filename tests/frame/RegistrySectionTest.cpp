@@ -232,26 +232,6 @@ TEST_F(RegistrySectionTest, WideTextIsUtf16AndTheWideWriteIsShort)
     EXPECT_TRUE(section.ReadKey("raw", narrow) && narrow == "raw");
 }
 
-TEST_F(RegistrySectionTest, CopiesShareTheHandleButCopyOpensANewOne)
-{
-    RegistrySection section(kUser, "Copies", kReadWrite, true);
-    Section copy(section.Copy());
-    auto* independent = static_cast<RegistrySection*>(copy.get());
-    EXPECT_NE(independent->GetCurrent(), section.GetCurrent());
-    ASSERT_TRUE(independent->WriteInt("v", 3));
-    int value = 0;
-    EXPECT_TRUE(section.ReadInt("v", value) && value == 3);
-    {
-        RegistrySection shared(section), assigned;
-        assigned = section;
-        EXPECT_EQ(shared.GetPath(), "Copies");
-        EXPECT_TRUE(shared.GetCurrent() == section.GetCurrent() && assigned.GetCurrent() == section.GetCurrent());
-    }
-    // The copies closed the shared handle; the original has lost its key.
-    EXPECT_FALSE(section.ReadInt("v", value));
-    EXPECT_TRUE(independent->ReadInt("v", value));
-}
-
 TEST_F(RegistrySectionTest, NamesAndIndexedChildren)
 {
     RegistrySection section(kUser, "Base", kReadWrite, true);

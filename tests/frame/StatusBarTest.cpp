@@ -137,29 +137,4 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     EXPECT_EQ(bar.GetPaneText(0), "Ready");
 }
 
-TEST(ToolkitStatusBarTest, ControlsComeAndGoWithTheirIndicators)
-{
-    ShownBar<TsXTPStatusBar> shown;
-    TsXTPStatusBar& bar = *shown.bar;
-    EXPECT_EQ(bar.AddIndicator(kSpinPane, 1), 1);
-    EXPECT_EQ(bar.AddIndicator(kGaugePane), 3);
-    bar.SetPaneInfo(3, kGaugePane, SBPS_NORMAL, 100);
-    auto* gauge = new QProgressBar;
-    EXPECT_FALSE(bar.AddControl(gauge, 4242));
-    ASSERT_TRUE(bar.AddControl(gauge, kGaugePane));
-    Settle();
-    EXPECT_TRUE(gauge->isVisible());
-    EXPECT_TRUE(bar.GetItemRect(3).contains(gauge->mapTo(&bar, QPoint(1, 1))));
-
-    // Removing the indicator gives the control back to the bar, hidden, not deleted.
-    QPointer<QProgressBar> alive(gauge);
-    EXPECT_TRUE(bar.RemoveIndicator(kGaugePane));
-    EXPECT_FALSE(bar.RemoveIndicator(kGaugePane));
-    ASSERT_FALSE(alive.isNull());
-    EXPECT_EQ(gauge->parentWidget(), &bar);
-    EXPECT_TRUE(gauge->isHidden());
-    EXPECT_EQ(bar.GetWindowIndex(gauge), -1);
-    EXPECT_EQ(bar.GetCount(), 3);
-}
-
 } // namespace
