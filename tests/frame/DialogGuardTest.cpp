@@ -1,5 +1,5 @@
 // TsDialog's safety net: which exceptions its dispatch catches and shows in the
-// internal error dialog; its help command and idle updates.
+// internal error dialog, and which it leaves to the frame's.
 
 #include "TestApplication.h"
 
@@ -119,35 +119,4 @@ TEST(DialogGuardTest, AnExceptionTheDialogLetsPassReachesTheFramesGuard)
     EXPECT_TRUE(dialogOpened);
     EXPECT_EQ(shown, 1);
     EXPECT_EQ(text, QStringLiteral("from inside the dialog"));
-}
-
-TEST(DialogGuardTest, HelpCommandFollowsTheTopicAndIdleUpdatesReachControls)
-{
-    Application();
-    TsDialog dialog(0u, nullptr, 0);
-    auto* help = new QPushButton(QStringLiteral("Help"), &dialog);
-    help->setProperty("ctrlId", IDHELP);
-    auto* apply = new QPushButton(QStringLiteral("Apply"), &dialog);
-    apply->setProperty("ctrlId", 1201);
-    bool canApply = false;
-    dialog.OnUpdateCommand(1201, [&](CCmdUI* cmdUI) { cmdUI->Enable(canApply); });
-    unsigned int shownTopic = 0;
-    TsDialog::SetHelpTopicHandler([&](unsigned int topic) { shownTopic = topic; });
-    dialog.show();
-    dialog.OnKickIdle();
-    EXPECT_FALSE(help->isEnabled() || apply->isEnabled()) << "no topic, no wish to apply";
-
-    // A loop that really waits goes idle, and idleness updates the controls.
-    dialog.SetHelpTopicID(4242);
-    canApply = true;
-    QEventLoop loop;
-    QTimer::singleShot(50, &loop, &QEventLoop::quit);
-    loop.exec();
-    EXPECT_TRUE(help->isEnabled() && apply->isEnabled());
-    QTest::keyClick(&dialog, Qt::Key_F1);
-    EXPECT_EQ(shownTopic, 4242u);
-    dialog.SetHelpTopicID(static_cast<unsigned int>(-1));
-    dialog.OnKickIdle();
-    EXPECT_FALSE(help->isEnabled());
-    TsDialog::SetHelpTopicHandler(nullptr);
 }

@@ -116,15 +116,6 @@ TEST_F(GuiMenuTest, MenusTextsAndResourcesComeFromTheModuleOfTheScopeWithEnglish
     EXPECT_EQ(LanguageString::Get(30602), english);
     EXPECT_EQ(Thrown([] { delete MenuResource::Load(424242); }), "The menu resource 424242 does not exist.");
 
-    // Item attributes give the first look.
-    std::unique_ptr<QMenu> looks(Parse(R"(<menu><popup text="P" enabled="false"><item id="1" text="a" checked="true"/>
-        <item id="2" text="b" enabled="false"/><item id="3" text="c"/></popup></menu>)"));
-    QMenu* popup = looks->actions().front()->menu();
-    EXPECT_FALSE(looks->actions().front()->isEnabled());
-    EXPECT_TRUE(FindAction(popup, 1)->isChecked());
-    EXPECT_FALSE(FindAction(popup, 2)->isEnabled());
-    EXPECT_FALSE(FindAction(popup, 3)->isCheckable());
-
     // Invalid menus are refused with where the fault is.
     const std::pair<const char*, const char*> invalid[] = {
         {"<menu>\n<popup text=\"P\">\n<item text=\"no id\"/></popup></menu>", "an item has no valid command id (line 3,"},

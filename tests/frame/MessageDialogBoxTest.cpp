@@ -7,7 +7,6 @@
 #include <KORVAutlwin/frame/DetailsDialog.h>
 #include <KORVAutlwin/frame/LimitLineLength.h>
 #include <KORVAutlwin/frame/MuteDetailsDialog.h>
-#include <KORVAutlwin/frame/ScrollMessageBox.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
 
 using namespace korva::test;
@@ -28,7 +27,7 @@ std::vector<std::string> Lines(const std::string& text)
 
 } // namespace
 
-TEST_F(MessageDialogTest, ButtonsAndIconFollowTheTypeAndHelpJoinsAtTheEnd)
+TEST_F(MessageDialogTest, ButtonsAndIconFollowTheType)
 {
     const struct { unsigned int type; Ids buttons; QStyle::StandardPixmap icon; } cases[] = {
         {MB_OK | MB_ICONHAND, {IDOK}, QStyle::SP_MessageBoxCritical},
@@ -50,20 +49,6 @@ TEST_F(MessageDialogTest, ButtonsAndIconFollowTheTypeAndHelpJoinsAtTheEnd)
                   box.style()->standardIcon(c.icon, nullptr, &box).pixmap(size, size).toImage());
     }
 
-    // Help joins at the end, shows the topic and leaves the box open.
-    unsigned int topic = 0;
-    TsDialog::SetHelpTopicHandler([&](unsigned int id) { topic = id; });
-    CustomMessageBoxDlg box(MB_YESNOCANCEL, 4711, nullptr);
-    Shown shown;
-    Answer(shown, [](QWidget* dialog) {
-        Click(dialog, IDHELP);
-        if (dialog->isVisible())
-            Click(dialog, IDNO);
-    });
-    EXPECT_EQ(box.exec(), IDNO);
-    EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO, IDCANCEL, IDHELP}));
-    EXPECT_EQ(topic, 4711u);
-    TsDialog::SetHelpTopicHandler(nullptr);
 }
 
 TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessTheBoxHasNoWayOut)
@@ -150,12 +135,6 @@ TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
     Answer(shown, ClickOn(IDOK));
     EXPECT_EQ(TsMessageBox("Saved."), IDOK);
     EXPECT_EQ(shown.title, "Dialogs") << "without a title, the application's name";
-
-    // By string id: an id without text keeps the standard caption.
-    Answer(shown, ClickOn(IDYES));
-    EXPECT_EQ(TsMessageBox(13199u, MB_YESNOCANCEL, 13346u, 99999u), IDYES);
-    EXPECT_EQ(shown.texts[IDYES], LanguageString::Get(13346));
-    EXPECT_EQ(shown.texts[IDNO], "&No");
     // Captions replace only Yes and No, and only in the forms that have them.
     Answer(shown, ClickOn(IDOK));
     TsMessageBox("Done.", MB_OKCANCEL, "&Save", "&Discard");
@@ -180,29 +159,6 @@ TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
     Answer(shown, ClickOn(IDNO, kCheck));
     EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_YESNO), IDNO);
     EXPECT_TRUE(checked) << "No is an answer like any other";
-}
-
-TEST_F(MessageDialogTest, ScrollMessageBoxShowsTheWholeTextWithTheTypesButtons)
-{
-    std::string text;
-    for (int i = 1; i <= 20; ++i)
-        text += "Row " + std::to_string(i) + " could not be read.\n";
-    Shown shown;
-    Answer(shown, Key(Qt::Key_Escape));
-    EXPECT_EQ(TsScrollMessageBox(text.c_str(), MB_YESNOCANCEL, "Import"), IDCANCEL);
-    EXPECT_EQ(shown.texts[ScrollMessageBox::kTextCtrlId], text);
-    EXPECT_EQ(shown.title, "Import");
-    EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO, IDCANCEL}));
-
-    // Where Escape gives no answer, Return presses the default button.
-    bool stayedOpen = false;
-    WhenModal([&](QWidget* dialog) {
-        Press(dialog, Qt::Key_Escape);
-        stayedOpen = dialog->isVisible();
-        Press(dialog, Qt::Key_Return);
-    });
-    EXPECT_EQ(TsScrollMessageBox(13199u, MB_YESNO), IDYES);
-    EXPECT_TRUE(stayedOpen);
 }
 
 TEST_F(MessageDialogTest, DetailsButtonOpensAndClosesTheDetailsBelowTheButtons)

@@ -68,15 +68,8 @@ TEST_F(MessageDialogTest, CheckedAnswerIsRememberedButNeverCancel)
     EXPECT_FALSE(ShowDontShowAgainMessage(key));
 }
 
-TEST_F(MessageDialogTest, RememberedAnswerWithoutApplicationOrInAGivenSection)
+TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
 {
-    // Without an application object: the registry branch of the program.
-    mApp.reset();
-    CheckAnd(kBoxCheck, IDOK);
-    EXPECT_EQ(TsDontShowAgainMessageBox("Exported", "The data were exported."), IDOK);
-    EXPECT_EQ(Stored("Exported"), "1");
-    EXPECT_FALSE(ShowDontShowAgainMessage("Exported"));
-
     MemorySection section;
     CheckAnd(kBoxCheck, IDNO);
     EXPECT_EQ(TsDontShowAgainMessageBox(&section, "Purge", "Purge the log?", MB_YESNO), IDNO);

@@ -6,7 +6,6 @@
 
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 #include <KORVAutlwin/frame/YesNoToAll.h>
-#include <KORVAutlwin/frame/YesYesToAllCancelDialog.h>
 
 using namespace korva::test;
 
@@ -38,27 +37,6 @@ TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
     EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
 }
 
-TEST_F(MessageDialogTest, DoModalReplacesOnlyWhatItIsGiven)
-{
-    YesNoCancelAll dialog("First question?", "line 1\nline 2", "First title", YesNoCancelAll::eNo, nullptr);
-    Shown shown;
-    const auto texts = [&] {
-        return std::vector<std::string>{shown.texts[YesNoCancelAll::kQuestionCtrlId],
-                                        shown.texts[YesNoCancelAll::kDetailsCtrlId], shown.title};
-    };
-    // Details are shown in two lines, with no stray carriage return.
-    Answer(shown, Key(Qt::Key_Return));
-    EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eNo);
-    EXPECT_EQ(texts(), (std::vector<std::string>{"First question?", "line 1\nline 2", "First title"}));
-    Answer(shown, Key(Qt::Key_Return));
-    EXPECT_EQ(dialog.DoModal("Second question?", nullptr, nullptr, YesNoCancelAll::eNone), YesNoCancelAll::eNo)
-        << "eNone keeps the constructor's default";
-    EXPECT_EQ(texts(), (std::vector<std::string>{"Second question?", "line 1\nline 2", "First title"}));
-    Answer(shown, Key(Qt::Key_Return));
-    EXPECT_EQ(dialog.DoModal(nullptr, "other", "Second title", YesNoCancelAll::eYesToAll), YesNoCancelAll::eYesToAll);
-    EXPECT_EQ(texts(), (std::vector<std::string>{"Second question?", "other", "Second title"}));
-}
-
 TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
 {
     const struct { bool invert; int first, toAll, opposite; unsigned int captions; } senses[] = {
@@ -84,25 +62,4 @@ TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
         }
     }
     EXPECT_STREQ(LanguageString::Get(13343), "No to &all");
-}
-
-TEST_F(MessageDialogTest, YesYesToAllCancelAnswersAndCaption)
-{
-    const std::pair<std::function<void(QWidget*)>, int> answers[] = {
-        {ClickOn(YesYesToAllCancelDialog::kYesCtrlId), YesYesToAllCancelDialog::eYes},
-        {ClickOn(YesYesToAllCancelDialog::kYesToAllCtrlId), YesYesToAllCancelDialog::eYesToAll},
-        {ClickOn(YesYesToAllCancelDialog::kCancelCtrlId), IDCANCEL}, {Key(Qt::Key_Escape), IDCANCEL}};
-    for (const auto& [answer, result] : answers) {
-        YesYesToAllCancelDialog dialog;
-        Shown shown;
-        Answer(shown, answer);
-        EXPECT_EQ(dialog.NewDoModal("Convert sample 1 of 40?", "Convert", "Convert &all"), result);
-        EXPECT_EQ(shown.texts[YesYesToAllCancelDialog::kYesToAllCtrlId], "Convert &all");
-    }
-    // Without a caption of its own, the standard one.
-    YesYesToAllCancelDialog standard;
-    Shown shown;
-    Answer(shown, Key(Qt::Key_Return));
-    EXPECT_EQ(standard.NewDoModal("Convert?", nullptr, ""), YesYesToAllCancelDialog::eYes);
-    EXPECT_EQ(shown.texts[YesYesToAllCancelDialog::kYesToAllCtrlId], "Yes to &All");
 }

@@ -74,7 +74,7 @@ TEST_F(UserCommMemoryTest, AnInformIsStoredOncePerHeaderAndAHeaderOnce)
     EXPECT_STREQ(silenced.GetInformUserMessages(), "H\nshown\n");
 }
 
-TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
+TEST_F(UserCommMemoryTest, PrefixEmptyAndAddString)
 {
     MuteInformUserComm mute;
     // Without a header the empty header goes in, invisibly; a null text is an empty line.
@@ -96,12 +96,6 @@ TEST_F(UserCommMemoryTest, PrefixEmptyAddStringAndCopy)
     // AddString skips equal strings anywhere in the list.
     for (const char* text : {"b\n", "Header\n", "c"})
         mute.AddString(text);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\nc");
-
-    // The copy takes everything, the header flag included.
-    MuteInformUserComm copy(mute);
-    copy.InformUser("d", nullptr, 0);
-    EXPECT_STREQ(copy.GetInformUserMessages(), "b\nHeader\nb\ncd\n");
     EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\nc");
 }
 
@@ -131,22 +125,6 @@ TEST_F(UserCommMemoryTest, ScopesCollectAndHandOnAtTheirEndInReverseOrder)
     mOuter.Empty();
     { MemoryUserComm scope; }
     EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
-
-    // A copy does not install itself, but its end reinstalls the channel before
-    // and hands on what it holds; the same text again is not stored twice.
-    {
-        MemoryUserComm scope;
-        scope.InformUser("fact", nullptr, 0);
-        {
-            MemoryUserComm copy(scope);
-            EXPECT_EQ(UserComm::GetUserComm(), &scope);
-        }
-        EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
-        EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
-        UserComm::SetUserComm(&scope);
-    }
-    EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
-    EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
 }
 
 TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)

@@ -63,18 +63,3 @@ TEST_F(UserCommProgressTest, EveryDialogIsBracketedByHideAndShow)
         EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow})) << "call " << i;
     }
 }
-
-TEST_F(UserCommProgressTest, WhatShowsNothingLeavesTheProgressAlone)
-{
-    mChannel.InformUser("", nullptr, 0);
-    mChannel.FatalError(nullptr, nullptr);
-    MuteInformUserComm mute;
-    mute.InformUser("collected", nullptr, 0);
-    EXPECT_TRUE(mWindow.messages.empty());
-
-    // A silenced inform still passes the bracket: the key is read behind it.
-    RegistrySection key = korva::OpenInformSilenceKey();
-    ASSERT_TRUE(korva::SilenceInform(key, 12));
-    mChannel.InformUser("Silenced.", nullptr, 12);
-    EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow}));
-}

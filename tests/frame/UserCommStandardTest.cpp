@@ -1,6 +1,6 @@
 // The dialog channel: which dialog each call shows (by the length of the text),
-// default buttons and answers, usage counting, the message box helper, the
-// silenced informs in the registry, and the hour glass.
+// default buttons and answers, usage counting, the message box helper and the
+// silenced informs in the registry.
 
 #include "MdiFrameTestSupport.h"
 
@@ -244,29 +244,4 @@ TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
     EXPECT_TRUE(korva::IsInformSilenced(key, 9));
     EXPECT_EQ(Silence("9"), "0");
     EXPECT_EQ(korva::GetInformSilenceValueName(4000000000ul), "4000000000");
-}
-
-TEST_F(UserCommStandardTest, HourGlassStaysUntilTheMouseMoves)
-{
-    QWidget window;
-    window.resize(200, 100);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    ASSERT_EQ(QGuiApplication::overrideCursor(), nullptr);
-    mChannel.HourGlassOn();
-    mChannel.HourGlassOn();  // a second call does not stack a second cursor
-    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
-    mChannel.HourGlassOff();
-    QCoreApplication::processEvents();
-    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr) << "HourGlassOff leaves the cursor to the mouse";
-    QTest::mouseMove(&window, QPoint(50, 50));
-    QTest::mouseMove(&window, QPoint(60, 50));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
-    mChannel.HourGlassOn();
-    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr) << "and it comes again";
-    QTest::mouseMove(&window, QPoint(70, 50));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(mChannel.GetUsage(), 0) << "the hour glass does not address the user";
 }
