@@ -1,6 +1,7 @@
-// The message box itself: buttons, icon, default button, Escape, wrapping,
-// check box, custom captions, help; the scrolling box; the line breaker; the
-// details dialog and the switch that mutes it.
+// The message box: buttons, icon, default button, Escape, wrapping, check box
+// and captions; the line breaker; the details dialog and the switch that mutes
+// it; the "to all" questions (their button sets and defaults are checked
+// through the user channel).
 
 #include "MdiFrameTestSupport.h"
 
@@ -8,6 +9,8 @@
 #include <KORVAutlwin/frame/LimitLineLength.h>
 #include <KORVAutlwin/frame/MuteDetailsDialog.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
+#include <KORVAutlwin/frame/YesNoCancelAll.h>
+#include <KORVAutlwin/frame/YesNoToAll.h>
 
 using namespace korva::test;
 
@@ -48,7 +51,6 @@ TEST_F(MessageDialogTest, ButtonsAndIconFollowTheType)
         EXPECT_EQ(box.findChild<QLabel*>(QStringLiteral("icon"))->pixmap().toImage(),
                   box.style()->standardIcon(c.icon, nullptr, &box).pixmap(size, size).toImage());
     }
-
 }
 
 TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessTheBoxHasNoWayOut)
@@ -84,7 +86,7 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessThe
     }
 }
 
-TEST_F(MessageDialogTest, LongTextIsWrappedAt140CharactersAndTheBoxFitsIt)
+TEST_F(MessageDialogTest, LongTextIsWrappedAt140Characters)
 {
     std::string text;
     for (int i = 0; text.size() < 700; ++i)
@@ -93,17 +95,12 @@ TEST_F(MessageDialogTest, LongTextIsWrappedAt140CharactersAndTheBoxFitsIt)
     CustomMessageBoxDlg box(MB_OK, 0, nullptr);
     box.SetText(text.c_str());
     box.show();
-    auto* label = Control<QLabel>(&box, CustomMessageBoxDlg::kTextCtrlId);
-    const std::string shown = label->text().toStdString();
-    const std::vector<std::string> lines = Lines(shown);
+    const std::vector<std::string> lines = Lines(Look(&box).texts[CustomMessageBoxDlg::kTextCtrlId]);
     ASSERT_GE(lines.size(), 6u);
     for (const std::string& line : lines)
         EXPECT_LE(line.size(), 140u) << line;
     EXPECT_GT(lines.front().size(), 120u) << "lines are filled";
     EXPECT_EQ(lines.back(), "A second paragraph stays a paragraph of its own.");
-    // The text is not cut off: the label is at least as large as the text's bounds.
-    const QRect bounds = LimitLineLength::GetBoundsRect(label->fontMetrics(), shown);
-    EXPECT_TRUE(label->width() >= bounds.width() && label->height() >= bounds.height());
 }
 
 TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
@@ -123,7 +120,6 @@ TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
         LimitLineLength::ByCharacters(text, c.limit);
         EXPECT_EQ(text, c.broken) << c.text;
     }
-
 }
 
 TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
@@ -161,33 +157,22 @@ TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
     EXPECT_TRUE(checked) << "No is an answer like any other";
 }
 
-TEST_F(MessageDialogTest, DetailsButtonOpensAndClosesTheDetailsBelowTheButtons)
+TEST_F(MessageDialogTest, DetailsButtonOpensAndClosesTheDetails)
 {
     constexpr int kDetails = DetailsDialogClass::kDetailsCtrlId, kButton = DetailsDialogClass::kDetailsButtonCtrlId;
     std::vector<bool> detailsShown;
-    bool belowButtons = false;
     Shown shown;
     Answer(shown, [&](QWidget* box) {
-        for (int i = 0; i < 2; ++i) {
+        for (int i = 0; i < 3; ++i) {
             detailsShown.push_back(Control(box, kDetails)->isVisible());
-            Click(box, kButton);
-            box->layout()->activate();
-            belowButtons = belowButtons || Control(box, kDetails)->y() > Button(box, IDOK)->mapTo(box, QPoint()).y();
+            Click(box, i < 2 ? kButton : IDOK);
         }
-        detailsShown.push_back(Control(box, kDetails)->isVisible());
-        Click(box, IDOK);
     });
     DetailsDialog("2 of 5 files could not be opened.", "a.csv: locked\nb.csv: missing", "Open", MB_ICONERROR);
     EXPECT_EQ(detailsShown, (std::vector<bool>{false, true, false}));
-    EXPECT_TRUE(belowButtons);
     EXPECT_EQ(shown.texts[DetailsDialogClass::kTextCtrlId], "2 of 5 files could not be opened.");
-    EXPECT_EQ(shown.texts[kButton], LanguageString::Get(13181));
     EXPECT_EQ(shown.title, "Open");
-
-    // Opened from the start when asked; without details there is neither details button nor check box.
-    Answer(shown, Key(Qt::Key_Return));
-    DetailsDialog(nullptr, "Text", "a.csv: locked", "Title", MB_ICONASTERISK, true);
-    EXPECT_EQ(shown.texts[kDetails], "a.csv: locked");
+    // Without details there is neither details button nor check box.
     Answer(shown, Key(Qt::Key_Escape));
     DetailsDialog("Nothing more to say.", "Title", MB_ICONASTERISK, true);
     EXPECT_EQ(shown.buttons, Ids{IDOK});
@@ -220,4 +205,58 @@ TEST_F(MessageDialogTest, MutedDetailsDialogsCollectInsteadOfShowing)
     DetailsDialog("Done.", "Export");
     EXPECT_EQ(spy.Count(), 1);
     EXPECT_TRUE(mute->GetMessages().empty());
+}
+
+TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
+{
+    YesNoCancelAll dialog("Overwrite?", "old.csv", "Export", YesNoCancelAll::eNone, nullptr);
+    bool openAfterReturn = false;
+    WhenModal([&](QWidget* box) {
+        for (QPushButton* button : box->findChildren<QPushButton*>())
+            EXPECT_FALSE(button->isDefault());
+        Press(box, Qt::Key_Return);
+        openAfterReturn = box->isVisible();
+        Press(box, Qt::Key_Escape);
+    });
+    EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eCancel);
+    EXPECT_TRUE(openAfterReturn);
+
+    // After a run that ended with a button, the next run starts as cancel again.
+    WhenModal(ClickOn(YesNoCancelAll::kNoToAllCtrlId));
+    EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eNoToAll);
+    WhenModal([](QWidget* box) { box->close(); });
+    EXPECT_EQ(dialog.DoModal(), YesNoCancelAll::eCancel);
+    EXPECT_EQ(dialog.GetButtonPressed(), YesNoCancelAll::eCancel);
+
+    // Answer codes outside 1 to 5 choose no button; anything but a button pressed is cancel (5).
+    for (int outside : {0, 6})
+        EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(outside), YesNoCancelAll::eNone);
+    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), 5);
+    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
+}
+
+TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
+{
+    const struct { bool invert; int first, toAll, opposite; unsigned int captions; } senses[] = {
+        {false, YesNoToAll::eYes, YesNoToAll::eYesToAll, YesNoToAll::eNo, 13346},   // "Yes to &all", ...
+        {true, YesNoToAll::eNo, YesNoToAll::eNoToAll, YesNoToAll::eYes, 13343},     // "No to &all", ...
+    };
+    for (const auto& sense : senses) {
+        SCOPED_TRACE(sense.invert ? "inverted" : "plain");
+        const std::pair<std::function<void(QWidget*)>, int> answers[] = {
+            {ClickOn(YesNoToAll::kFirstCtrlId), sense.first}, {ClickOn(YesNoToAll::kToAllCtrlId), sense.toAll},
+            {ClickOn(YesNoToAll::kOppositeCtrlId), sense.opposite}, {Key(Qt::Key_Return), sense.first},
+            {Key(Qt::Key_Escape), IDCANCEL}};
+        for (const auto& [answer, result] : answers) {
+            YesNoToAll dialog(nullptr, sense.invert);
+            Shown shown;
+            Answer(shown, answer);
+            EXPECT_EQ(dialog.NewDoModal("Skip data.csv?", "Copy"), result);
+            EXPECT_EQ(shown.texts[YesNoToAll::kTextCtrlId], "Skip data.csv?");
+            EXPECT_EQ(shown.title, "Copy");
+            EXPECT_EQ(shown.texts[YesNoToAll::kToAllCtrlId], LanguageString::Get(sense.captions));
+            EXPECT_EQ(shown.texts[YesNoToAll::kOppositeCtrlId], LanguageString::Get(sense.captions + 1));
+            EXPECT_EQ(shown.texts[YesNoToAll::kFirstCtrlId], LanguageString::Get(sense.captions + 2));
+        }
+    }
 }
