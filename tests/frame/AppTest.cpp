@@ -16,12 +16,10 @@ using namespace korva::test;
 
 namespace {
 
-// Every folder the application object touches lies in a fresh temporary tree.
 class AppTest : public MdiFrameFixture
 {
 protected:
     AppTest() : MdiFrameFixture(nullptr) {}
-    // The folder of this version's settings below "user" or "machine".
     std::string Folder(const char* base) const
     {
         return mDir.File(std::string(base) + "/Tessmark/Analyst/" +
@@ -56,15 +54,6 @@ TEST_F(AppTest, SetRegistryLocationPlacesFilesFoldersAndRegistryBranch)
         EXPECT_EQ(app.GetProfileInt("Window", "Missing", 7), 7);
         EXPECT_TRUE(app.WriteProfileString("Window", nullptr, nullptr));
         EXPECT_EQ(app.GetProfileInt("Window", "Width", 1), 1);
-
-        // The plugin folder falls back to the default when the one set is missing.
-        const std::string fallback = app.GetAppDataDirectory() + "/Plugins";
-        EXPECT_EQ(app.GetPluginDirectory(), fallback);
-        app.SetPluginDirectory(mDir.File("nowhere").c_str());
-        EXPECT_EQ(app.GetPluginDirectory(), fallback);
-        app.SetPluginDirectory(mDir.Path().c_str());
-        EXPECT_EQ(app.GetPluginDirectory(), mDir.Path());
-        EXPECT_EQ(app.GetFilePathInExeFolder("x.tart"), TsGetExecutableDirectory() + "/x.tart");
     }
     // The destructor flushed the settings and ended the XML use; a second start finds them.
     EXPECT_FALSE(XMLSection::IsInitialized());
@@ -90,7 +79,6 @@ TEST_F(AppTest, DamagedSettingsFileThrowsAndStaysAsItWas)
 
 TEST_F(AppTest, GetAppSettingsTakesEachBranch)
 {
-    // The embedded defaults come from a language module made for this test.
     TempDir module;
     WriteFile(module.File("strings.txt"), "1\tx\n");
     WriteFile(module.File("defaults.xml"),
@@ -98,7 +86,6 @@ TEST_F(AppTest, GetAppSettingsTakesEachBranch)
     WriteFile(module.File("resources.txt"), "4711\tXML\tdefaults.xml\n");
     const korva::ResourceModule* previous =
         LanguageString::SetModule(korva::ResourceModule::LoadFromDirectory(module.Path()));
-    // The machine-wide file knows the section "Shared".
     std::filesystem::create_directories(Folder("machine"));
     const std::string commonFile = Folder("machine") + "/Analyst.xml";
     WriteFile(commonFile, "<Tessmark><AppSettings><Shared Server=\"db1\"/></AppSettings></Tessmark>");
@@ -135,7 +122,6 @@ TEST_F(AppTest, MutedInfoMessagesSuppressExactlyTheOkOnlyBoxes)
     QTest::qWait(400);
     EXPECT_FALSE(shown);
 
-    // A question is shown in the library's own box and answered with a real click.
     WhenModal([&](QWidget* box) { Click(box, IDNO); });
     EXPECT_EQ(app.DoMessageBox("Delete it?", MB_YESNO, 0), IDNO);
 

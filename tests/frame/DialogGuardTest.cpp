@@ -27,7 +27,6 @@ void GoOnAfterError(QString& text, int& shown)
         std::chrono::seconds(10), [](QWidget* modal) { return Control<QPlainTextEdit>(modal, 13068) != nullptr; });
 }
 
-// A dialog with one button whose click runs `failure`.
 class FailingDialog : public TsDialog
 {
 public:
@@ -111,7 +110,6 @@ TEST(DialogGuardTest, AnExceptionTheDialogLetsPassReachesTheFramesGuard)
     QObject::connect(&trigger, &QPushButton::clicked, [&] { frame.ExecuteCommand(32900); });
     trigger.show();
 
-    // The failing dialog comes up first; the error dialog follows it.
     QString text;
     int shown = 0;
     GoOnAfterError(text, shown);

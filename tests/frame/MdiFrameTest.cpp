@@ -141,14 +141,12 @@ TEST_F(MdiFrameFixture, BarStateNamingABarThatIsGoneDoesNotVerify)
 
 namespace {
 
-// A child view that is a command target of its own.
 class CommandView : public QLabel, public CmdTarget
 {
 public:
     explicit CommandView(int& runs) { OnCommand(4711, [&runs] { ++runs; }); }
 };
 
-// A child view that refuses to close.
 class StubbornView : public QLabel
 {
 protected:
@@ -238,7 +236,6 @@ TEST_F(MdiFrameFixture, TheFramesDialogsAreClosedAndDisabledButNotThoseOfOthers)
     EXPECT_EQ(frame.windowTitle(), QStringLiteral("MdiFrameTest")) << "the application's name";
 }
 
-// --- Memory, timers and the splash ------------------------------------------------------
 
 namespace {
 
@@ -341,7 +338,6 @@ TEST_F(MdiFrameMemoryTest, EveryCollectorIsAskedOnceAndASecondTimerDuringTheBoxO
     EXPECT_EQ(b.calls, 3);
     EXPECT_EQ(mReadings.size(), 3u) << "the timer inside the box read nothing";
     EXPECT_NE(TsStartWindow::Instance(), nullptr) << "the splash timer inside the box ran";
-    // Once the box is gone, timers run again.
     frame.OnTimer(TessmaMDIFrame::eSplashTimer);
     EXPECT_EQ(TsStartWindow::Instance(), nullptr);
     frame.OnTimer(TessmaMDIFrame::eMemoryTimer);

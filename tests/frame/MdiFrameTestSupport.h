@@ -199,14 +199,8 @@ public:
 protected:
     bool eventFilter(QObject* object, QEvent* event) override
     {
-        auto* dialog = qobject_cast<QDialog*>(object);
-        if (event->type() == QEvent::Show && dialog) {
-            ++mCount;
-            QTimer::singleShot(0, [guarded = QPointer<QDialog>(dialog)] {
-                if (guarded)
-                    guarded->close();
-            });
-        }
+        if (auto* dialog = qobject_cast<QDialog*>(object); dialog && event->type() == QEvent::Show && ++mCount)
+            QTimer::singleShot(0, dialog, [dialog] { dialog->close(); });
         return false;
     }
 

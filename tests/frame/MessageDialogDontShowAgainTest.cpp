@@ -81,19 +81,6 @@ TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
     EXPECT_EQ(spy.Count(), 0);
 }
 
-TEST_F(MessageDialogTest, InfoDialogShowsItsButtonsAndPlainTextAsItStands)
-{
-    InfoDialog dialog("<b>not bold</b>\nsecond line", "Calibration", InfoDialog::ePlainText);
-    dialog.SetButtons(InfoDialog::eYes | InfoDialog::eNo | InfoDialog::eCancel, InfoDialog::eNo);
-    Shown shown;
-    Answer(shown, Key(Qt::Key_Return));
-    EXPECT_EQ(dialog.DoModal(), IDNO);
-    EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO, IDCANCEL}));
-    EXPECT_EQ(shown.focused, IDNO);
-    EXPECT_EQ(shown.texts[InfoDialog::kTextCtrlId], "<b>not bold</b>\nsecond line");
-    EXPECT_EQ(shown.texts.count(InfoDialog::kCheckBoxCtrlId), 0u) << "no check box without a key";
-}
-
 TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnchecked)
 {
     const char* key = "NewFeatures";

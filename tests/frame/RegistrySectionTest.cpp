@@ -29,7 +29,6 @@ protected:
         return found;
     }
     static void Make(const char* path) { RegistrySection(kUser, path, kReadWrite, true); }
-    // Type and size of a value, as the store has them.
     static std::pair<DWORD, DWORD> Shape(const char* path, const char* name)
     {
         DWORD type = REG_NONE, size = 0;

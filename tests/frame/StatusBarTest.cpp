@@ -14,7 +14,6 @@ constexpr unsigned int kSpinPane = 1036;
 constexpr unsigned int kGaugePane = 1037;
 constexpr unsigned int kCapsPane = 59137;
 
-// Lets Qt lay out what changed.
 void Settle()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
@@ -132,7 +131,6 @@ TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
     shown.window.resize(900, 80);
     Settle();
     EXPECT_EQ(bar.GetItemRect(0).width(), before + 200);
-    EXPECT_EQ(bar.GetItemRect(1).width(), width);
     EXPECT_EQ(bar.SetPaneText(0, "Ready", 1), 1);
     EXPECT_EQ(bar.GetPaneText(0), "Ready");
 }

@@ -17,7 +17,6 @@ constexpr int kBoxText = CustomMessageBoxDlg::kTextCtrlId;
 constexpr int kBoxCheck = CustomMessageBoxDlg::kCheckBoxCtrlId;
 constexpr int kScrollText = 10001, kEndNotice = 10000;   // of the scrolling dialog
 
-// `count` lines "Line 1" ... without a final line feed.
 std::string LinesOf(int count)
 {
     std::string text = "Line 1";
@@ -26,7 +25,6 @@ std::string LinesOf(int count)
     return text;
 }
 
-// The application object that records how the channel disables its modeless windows.
 class RecordingApp : public WinApp
 {
 public:
