@@ -1,6 +1,6 @@
 // The message box: buttons, icon, default button, Escape, wrapping, check box
-// and captions; the line breaker; the details dialog and the switch that mutes
-// it; the "to all" questions (their button sets and defaults are checked
+// and captions; the line breaker; the switch that mutes the details dialog; the
+// "to all" question without a default (button sets and defaults are checked
 // through the user channel).
 
 #include "MdiFrameTestSupport.h"
@@ -10,7 +10,6 @@
 #include <KORVAutlwin/frame/MuteDetailsDialog.h>
 #include <KORVAutlwin/frame/TsMessageBox.h>
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
-#include <KORVAutlwin/frame/YesNoToAll.h>
 
 using namespace korva::test;
 
@@ -122,21 +121,6 @@ TEST(LimitLineLength, BreaksAtBlanksAndCutsOnlyOverlongWords)
     }
 }
 
-TEST_F(MessageDialogTest, TsMessageBoxTitlesAndCustomCaptions)
-{
-    Shown shown;
-    Answer(shown, ClickOn(IDCANCEL));
-    EXPECT_EQ(TsMessageBox("Export", "The file exists.", MB_OKCANCEL), IDCANCEL);
-    EXPECT_EQ(shown.title, "Export");
-    Answer(shown, ClickOn(IDOK));
-    EXPECT_EQ(TsMessageBox("Saved."), IDOK);
-    EXPECT_EQ(shown.title, "Dialogs") << "without a title, the application's name";
-    // Captions replace only Yes and No, and only in the forms that have them.
-    Answer(shown, ClickOn(IDOK));
-    TsMessageBox("Done.", MB_OKCANCEL, "&Save", "&Discard");
-    EXPECT_EQ(shown.texts[IDOK], "OK");
-}
-
 TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
 {
     constexpr int kCheck = CustomMessageBoxDlg::kCheckBoxCtrlId;
@@ -155,28 +139,6 @@ TEST_F(MessageDialogTest, CheckBoxMessageBoxKeepsTheStateOnlyWhenNotCancelled)
     Answer(shown, ClickOn(IDNO, kCheck));
     EXPECT_EQ(CheckBoxMessageBox("Text", checked, MB_YESNO), IDNO);
     EXPECT_TRUE(checked) << "No is an answer like any other";
-}
-
-TEST_F(MessageDialogTest, DetailsButtonOpensAndClosesTheDetails)
-{
-    constexpr int kDetails = DetailsDialogClass::kDetailsCtrlId, kButton = DetailsDialogClass::kDetailsButtonCtrlId;
-    std::vector<bool> detailsShown;
-    Shown shown;
-    Answer(shown, [&](QWidget* box) {
-        for (int i = 0; i < 3; ++i) {
-            detailsShown.push_back(Control(box, kDetails)->isVisible());
-            Click(box, i < 2 ? kButton : IDOK);
-        }
-    });
-    DetailsDialog("2 of 5 files could not be opened.", "a.csv: locked\nb.csv: missing", "Open", MB_ICONERROR);
-    EXPECT_EQ(detailsShown, (std::vector<bool>{false, true, false}));
-    EXPECT_EQ(shown.texts[DetailsDialogClass::kTextCtrlId], "2 of 5 files could not be opened.");
-    EXPECT_EQ(shown.title, "Open");
-    // Without details there is neither details button nor check box.
-    Answer(shown, Key(Qt::Key_Escape));
-    DetailsDialog("Nothing more to say.", "Title", MB_ICONASTERISK, true);
-    EXPECT_EQ(shown.buttons, Ids{IDOK});
-    EXPECT_EQ(shown.texts.count(DetailsDialogClass::kCheckBoxCtrlId), 0u);
 }
 
 TEST_F(MessageDialogTest, MutedDetailsDialogsCollectInsteadOfShowing)
@@ -233,30 +195,4 @@ TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
         EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(outside), YesNoCancelAll::eNone);
     EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), 5);
     EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
-}
-
-TEST_F(MessageDialogTest, YesNoToAllInBothSenses)
-{
-    const struct { bool invert; int first, toAll, opposite; unsigned int captions; } senses[] = {
-        {false, YesNoToAll::eYes, YesNoToAll::eYesToAll, YesNoToAll::eNo, 13346},   // "Yes to &all", ...
-        {true, YesNoToAll::eNo, YesNoToAll::eNoToAll, YesNoToAll::eYes, 13343},     // "No to &all", ...
-    };
-    for (const auto& sense : senses) {
-        SCOPED_TRACE(sense.invert ? "inverted" : "plain");
-        const std::pair<std::function<void(QWidget*)>, int> answers[] = {
-            {ClickOn(YesNoToAll::kFirstCtrlId), sense.first}, {ClickOn(YesNoToAll::kToAllCtrlId), sense.toAll},
-            {ClickOn(YesNoToAll::kOppositeCtrlId), sense.opposite}, {Key(Qt::Key_Return), sense.first},
-            {Key(Qt::Key_Escape), IDCANCEL}};
-        for (const auto& [answer, result] : answers) {
-            YesNoToAll dialog(nullptr, sense.invert);
-            Shown shown;
-            Answer(shown, answer);
-            EXPECT_EQ(dialog.NewDoModal("Skip data.csv?", "Copy"), result);
-            EXPECT_EQ(shown.texts[YesNoToAll::kTextCtrlId], "Skip data.csv?");
-            EXPECT_EQ(shown.title, "Copy");
-            EXPECT_EQ(shown.texts[YesNoToAll::kToAllCtrlId], LanguageString::Get(sense.captions));
-            EXPECT_EQ(shown.texts[YesNoToAll::kOppositeCtrlId], LanguageString::Get(sense.captions + 1));
-            EXPECT_EQ(shown.texts[YesNoToAll::kFirstCtrlId], LanguageString::Get(sense.captions + 2));
-        }
-    }
 }
