@@ -44,15 +44,6 @@ TEST(FailureDialogTest, InternalErrorDialogShowsTheTextEscapeAndCancelGoOn)
     ShowInternalErrorDialog("Division by zero in the model.\nSecond line.");
     EXPECT_EQ(captions, (QStringList{Text(13324), Text(13323), Text(13324)}));
     EXPECT_NE(Text(13323), Text(13324));
-
-    // The dialog can be shown again, and Cancel goes on too.
-    bool answered = false;
-    WhenModal([&](QWidget* modal) {
-        answered = true;
-        QTest::mouseClick(static_cast<QWizard*>(modal)->button(QWizard::CancelButton), Qt::LeftButton);
-    });
-    ShowInternalErrorDialog("Again.");
-    EXPECT_TRUE(answered);
 }
 
 TEST(FailureDialogTest, FinishExitsAndWithRestartStartsTheProgramAgain)

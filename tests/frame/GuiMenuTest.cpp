@@ -118,7 +118,6 @@ TEST_F(GuiMenuTest, MenusTextsAndResourcesComeFromTheModuleOfTheScopeWithEnglish
     // Invalid menus are refused with where the fault is.
     const std::pair<const char*, const char*> invalid[] = {
         {"<menu>\n<popup text=\"P\">\n<item text=\"no id\"/></popup></menu>", "an item has no valid command id (line 3,"},
-        {"<menu>\n<popup text=\"P\">\n<item id=\"0\" text=\"zero\"/></popup></menu>", "an item has no valid command id (line 3,"},
         {"<menu>\n<button id=\"4\"/></menu>", "unknown element <button> (line 2,"},
         {"<menu>\n<popup text=\"P\">\n<item id=\"4\" text=\"x\">\n</menu>", "(line 4,"},
         {"<bar><item id=\"4\" text=\"x\"/></bar>", "the root element is not <menu>"},

@@ -43,12 +43,11 @@ protected:
             mApp = std::make_unique<WinApp>(mName);
             mApp->SetRegistryKey("Tessmark");
         }
-        TessmaMDIFrame::msFreeMemoryReader = nullptr;
-        TessmaMDIFrame::msWorkAreaSource = nullptr;
         TessmaMDIFrame::SetWarnAboutMemory(true);
     }
     void TearDown() override
     {
+        // Only these tests replace the frame's sources; each puts the real ones back.
         TessmaMDIFrame::msFreeMemoryReader = nullptr;
         TessmaMDIFrame::msWorkAreaSource = nullptr;
         mApp.reset();

@@ -67,11 +67,6 @@ Widget* Control(QWidget* dialog, int id)
     return nullptr;
 }
 
-inline QAbstractButton* Button(QWidget* dialog, int id)
-{
-    return Control<QAbstractButton>(dialog, id);
-}
-
 /// A key press as the user makes it: it goes to the widget with the focus.
 inline void Press(QWidget* dialog, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {

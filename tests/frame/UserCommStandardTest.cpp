@@ -200,10 +200,8 @@ TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
     // Not checked: shown in a plain box with a check box, without the title; nothing stored.
     Answer(mShown, Key(Qt::Key_Return));
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-    EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
-    EXPECT_EQ(mShown.texts.count(kBoxCheck), 1u);
-    EXPECT_EQ(mShown.type, 0u);
-    EXPECT_EQ(mShown.title, "Dialogs");
+    EXPECT_EQ(std::tuple(mShown.kind, mShown.texts.count(kBoxCheck), mShown.type, mShown.title),
+              std::tuple("CustomMessageBoxDlg", 1u, 0u, "Dialogs"));
     EXPECT_EQ(Silence("42"), "");
 
     // Checked: silenced for good, long texts as well. Checked and closed with the
@@ -233,8 +231,7 @@ TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
     ASSERT_TRUE(key.WriteInt("1", 1) && key.WriteInt("2", -1) && key.WriteKey("3", "0"));
     for (unsigned long id : {1ul, 2ul, 3ul, 5ul})
         EXPECT_FALSE(korva::IsInformSilenced(key, id)) << id;
-    EXPECT_TRUE(korva::SilenceInform(key, 9));
-    EXPECT_TRUE(korva::IsInformSilenced(key, 9));
+    EXPECT_TRUE(korva::SilenceInform(key, 9) && korva::IsInformSilenced(key, 9));
     EXPECT_EQ(Silence("9"), "0");
     EXPECT_EQ(korva::GetInformSilenceValueName(4000000000ul), "4000000000");
 }
