@@ -38,7 +38,6 @@ TEST_F(CommandTest, ToolButtonsRunTheirCommandsThroughTheMainWindowOfTheMoment)
     bar->addActions({action, appAction});
     frame.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&frame));
-    EXPECT_TRUE(korva::RoutesItself(action));
     // The frame takes it first; the application sees only what the frame leaves.
     QTest::mouseClick(bar->widgetForAction(action), Qt::LeftButton);
     QTest::mouseClick(bar->widgetForAction(appAction), Qt::LeftButton);

@@ -3,7 +3,6 @@
 
 #include "TestApplication.h"
 
-#include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsDialog.h>
 #include <KORVAutlwin/frame/TsFrameWnd.h>
 
@@ -39,9 +38,7 @@ public:
     QPushButton* button;
 };
 
-struct Unknown
-{
-};
+struct Unknown {};
 
 } // namespace
 

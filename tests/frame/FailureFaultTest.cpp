@@ -91,8 +91,6 @@ TEST(FailureFaultTest, EachFaultComesOutWithItsCodeAndTheProcessGoesOn)
     // The text is the common head and the code's own text; a code outside the table has the unknown text.
     EXPECT_EQ(Fault([] { WriteAt(0); }).second, Text(13293) + Text(13294));
     EXPECT_EQ(TsSystemException::GetText(0xE06D7363u), Text(13316));
-    for (unsigned int id = 13294; id <= 13316; ++id)
-        EXPECT_FALSE(Text(id).empty()) << id;
 }
 
 TEST(FailureFaultTest, GuardsNest)

@@ -75,8 +75,7 @@ protected:
     MessageDialogTest() : MdiFrameFixture("Dialogs") {}
 };
 
-/// The message of a box: the library's own (its text control) or a QMessageBox,
-/// with the line breaks of its layout taken out.
+/// The message of a box (the library's or a QMessageBox) without its line breaks.
 inline QString BoxText(QWidget* box)
 {
     QString text;
@@ -87,8 +86,7 @@ inline QString BoxText(QWidget* box)
     return text.simplified();
 }
 
-/// Answers every modal box that comes up with `key` and keeps its text.
-/// `during` runs while a box is up, before it is answered.
+/// Answers every modal box with `key` and keeps its text; `during` runs first.
 class BoxAnswerer
 {
 public:
@@ -128,9 +126,8 @@ inline Ids VisibleButtonIds(QWidget* dialog)
     return ids;
 }
 
-/// What a dialog shows: its class, title, buttons left to right, the control
-/// with the focus, the texts of the controls that are not hidden by "ctrlId",
-/// and the type of a message box.
+/// What a dialog shows: class, title, buttons left to right, focused control,
+/// the texts of the controls not hidden by "ctrlId", a message box's type.
 struct Shown
 {
     std::string kind;
@@ -186,8 +183,8 @@ inline std::function<void(QWidget*)> ClickOn(int id, int check = 0)
     };
 }
 
-/// Counts every dialog that is shown while it lives and closes it at once,
-/// so that a call that should show nothing cannot hang the test.
+/// Counts the dialogs shown while it lives and closes them, so that a call that
+/// should show nothing cannot hang the test.
 class DialogSpy : public QObject
 {
 public:

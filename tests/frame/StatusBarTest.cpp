@@ -66,7 +66,6 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
     Settle();
     EXPECT_EQ(access.GetItemID(2), kCapsPane);
     EXPECT_TRUE(bar.GetItemRect(1).adjusted(1, 1, -1, -1).contains(QRect(shown.At(gauge), gauge->size())));
-    EXPECT_GE(gauge->width(), 100 - 4);
 
     // The spinner goes in front of it: the gauge moves one pane on and to the right.
     const int gaugeX = shown.At(gauge).x();

@@ -1,7 +1,7 @@
 #pragma once
-// One guarded QApplication for the whole test program: made on first use, kept
-// to process end (Qt allows only one per process). Widget tests run offscreen.
-// With it the helpers that find a dialog's controls by "ctrlId" and answer it.
+// One guarded QApplication for the whole test program, made on first use and
+// kept (Qt allows one per process), offscreen; and the helpers that find a
+// dialog's controls by "ctrlId" and answer it.
 
 #include <KORVAutlwin/frame/GuardedApplication.h>
 
@@ -31,10 +31,9 @@ inline QApplication* Application()
     return new GuardedApplication(argc, argv);
 }
 
-/// Calls `action` with the active modal widget (or popup menu) as soon as one
-/// is up that `accept` takes (any, without it), polling every 20 ms for at most
-/// `timeout`; for answering dialogs and menus that a test opens. A popup still
-/// open then is closed, so that a failing test cannot hang in a menu's loop.
+/// Calls `action` with the active modal widget (or popup menu) that `accept`
+/// takes as soon as one is up, for at most `timeout`; a popup still open then
+/// is closed, so that a failing test cannot hang in a menu's loop.
 inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(10),
                       std::function<bool(QWidget*)> accept = nullptr)
 {

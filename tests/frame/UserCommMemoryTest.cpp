@@ -51,8 +51,7 @@ TEST_F(UserCommMemoryTest, AnInformIsStoredOncePerHeaderAndAHeaderOnce)
                  "Batch 117:\nRow 7 is empty.\nRow 9 is empty.\nBatch 118:\nRow 7 is empty.\n");
     EXPECT_EQ(mute.GetUsage(), 0) << "collecting does not address the user";
 
-    // A header set again is not repeated; back to a header that stands earlier
-    // in the list, lines after it, also those under later headers, count as there.
+    // A header set again is not repeated; back to an earlier header, the lines after it count.
     MuteInformUserComm again;
     for (const auto& [header, line] : {std::pair{"A\n", "x"}, {"A\n", "y"}, {"B\n", "z"}, {"A\n", "z"}}) {
         again.SetHeader(header);
