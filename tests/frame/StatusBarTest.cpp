@@ -108,8 +108,8 @@ TYPED_TEST(StatusBarTest, HostedWindowsFollowTheirPanes)
 
 TYPED_TEST(StatusBarTest, PanesHaveIdsTextsAndAStretchingMessagePane)
 {
-    EXPECT_EQ(TypeParam().GetCount(), 1) << "a new bar has the message pane only";
     ShownBar<TypeParam> shown;
+    EXPECT_EQ(TypeParam().GetCount(), 1) << "a new bar has the message pane only";
     TypeParam& bar = *shown.bar;
     const unsigned int panes[] = {0, 13316, 0};
     ASSERT_TRUE(bar.SetIndicators(panes, 3));
