@@ -1,6 +1,5 @@
 // Menu resources, the menu update through the command route, the popup menu of
-// the widget kit and context menus; popups are driven with real key and mouse
-// events on offscreen windows.
+// the widget kit and context menus, driven with real keys on offscreen windows.
 
 #include "TestApplication.h"
 
@@ -15,41 +14,21 @@
 #include <KORVAutlwin/frame/WinApp.h>
 
 #include <KORVAutl/Exception.h>
+#include <KORVAutl/LanguageString.h>
 #include <KORVAutl/ResourceModule.h>
 
-#include <QAction>
-#include <QActionGroup>
-#include <QApplication>
-#include <QMainWindow>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPointer>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstring>
-#include <functional>
-#include <memory>
-#include <string>
-
 namespace {
+
+using korva::test::WhenModal;
 
 constexpr unsigned int kContextMenu = 1;
 constexpr unsigned int kNoPopupMenu = 2;
 
-const char kContextMenuText[] = R"(<menu>
-  <popup text="Context">
-    <item id="500" text="First"/>
-    <item id="501" text="Second"/>
-    <item id="502" text="Nobody's"/>
-  </popup>
-</menu>)";
+const char kContextMenuText[] = R"(<menu><popup text="Context">
+    <item id="500" text="First"/><item id="501" text="Second"/><item id="502" text="Nobody's"/></popup></menu>)";
 const char kNoPopupMenuText[] = R"(<menu><item id="500" text="Flat"/></menu>)";
 const char kOwnEditMenuText[] = R"(<menu><popup text="Edit"><item id="57634" text="Kopieren"/></popup></menu>)";
+const char kPage[] = "<html><body><p>Hilfe</p></body></html>";
 
 const korva::ResourceModule& TestModule()
 {
@@ -57,34 +36,22 @@ const korva::ResourceModule& TestModule()
         {kContextMenu, "MENU", kContextMenuText, sizeof kContextMenuText - 1},
         {kNoPopupMenu, "MENU", kNoPopupMenuText, sizeof kNoPopupMenuText - 1},
         {30620, "MENU", kOwnEditMenuText, sizeof kOwnEditMenuText - 1},
+        {4100, "HTML", kPage, sizeof kPage - 1},
     };
-    static const korva::ResourceModule module("MenuTest", nullptr, 0, resources, std::size(resources));
+    static const korva::StringEntry strings[] = {{30602, "Die Menüressource %u gibt es nicht."}};
+    static const korva::ResourceModule module("MenuTest", strings, 1, resources, std::size(resources));
     return module;
 }
 
-// Runs `action` on the popup menu as soon as one is up; closes any popup left
-// after `timeout`, so that a failing test cannot hang in the menu's loop.
-void WhenPopup(std::function<void(QMenu*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(5))
+void PickWith(std::vector<Qt::Key> keys)
 {
-    auto* timer = new QTimer;
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    QObject::connect(timer, &QTimer::timeout, [timer, action, deadline] {
-        auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (popup && popup->isVisible()) {
-            timer->stop();
-            timer->deleteLater();
-            action(popup);
-        } else if (std::chrono::steady_clock::now() > deadline) {
-            timer->stop();
-            timer->deleteLater();
-            if (QWidget* open = QApplication::activePopupWidget())
-                open->close();
-        }
+    WhenModal([keys](QWidget* menu) {
+        for (Qt::Key key : keys)
+            QTest::keyClick(menu, key);
     });
-    timer->start(10);
 }
 
-QAction* FindAction(QMenu* menu, unsigned int id)
+QAction* FindAction(QWidget* menu, unsigned int id)
 {
     for (QAction* action : menu->actions())
         if (korva::GetCommandId(action) == id)
@@ -92,27 +59,35 @@ QAction* FindAction(QMenu* menu, unsigned int id)
     return nullptr;
 }
 
+QMenu* Parse(const std::string& text)
+{
+    return MenuResource::Parse(text.data(), text.size(), 7);
+}
+
+std::string Thrown(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const Exception& e) {
+        return e.Why();
+    }
+    return "(nothing thrown)";
+}
+
 class GuiMenuTest : public ::testing::Test
 {
 protected:
-    void SetUp() override { korva::test::Application(); }
+    GuiMenuTest() { korva::test::Application(); }
 };
 
-// A control that is a command target of its own.
-class TargetButton : public QPushButton, public CmdTarget
+TEST_F(GuiMenuTest, MenusTextsAndResourcesComeFromTheModuleOfTheScopeWithEnglishBehindIt)
 {
-public:
-    using QPushButton::QPushButton;
-};
-
-// --- Menu resources -------------------------------------------------------------
-
-TEST_F(GuiMenuTest, EnglishEditMenuIsReadWithItsIdsTextsAndSeparators)
-{
+    const std::string english = LanguageString::Get(30602);
+    const korva::StringEntry strings[] = {{1, "only a string"}};
+    const korva::ResourceModule noMenus("NoMenus", strings, 1, nullptr, 0);
+    SetResourceInstance noMenusScope(&noMenus);
     std::unique_ptr<QMenu> menu(MenuResource::Load(30620));
-    ASSERT_EQ(menu->actions().size(), 1);
     QMenu* edit = menu->actions().front()->menu();
-    ASSERT_NE(edit, nullptr);
     EXPECT_EQ(edit->title(), QStringLiteral("&Edit"));
     const QList<QAction*> items = edit->actions();
     ASSERT_EQ(items.size(), 8);
@@ -120,142 +95,83 @@ TEST_F(GuiMenuTest, EnglishEditMenuIsReadWithItsIdsTextsAndSeparators)
     EXPECT_EQ(korva::GetCommandId(items[3]), 57634u);
     EXPECT_EQ(items[3]->text(), QStringLiteral("&Copy\tCtrl+C"));
     EXPECT_FALSE(korva::RoutesItself(items[3]));
-}
-
-TEST_F(GuiMenuTest, CurrentModuleComesFirstAndEnglishStandsBehindIt)
-{
-    const korva::StringEntry strings[] = {{1, "only a string"}};
-    const korva::ResourceModule noMenus("NoMenus", strings, 1, nullptr, 0);
     {
         SetResourceInstance scope(&TestModule());
         std::unique_ptr<QMenu> own(MenuResource::Load(30620));
         EXPECT_EQ(own->actions().front()->menu()->actions().front()->text(), QStringLiteral("Kopieren"));
         EXPECT_TRUE(MenuResource::Exists(kContextMenu));
+        EXPECT_STREQ(LanguageString::Get(30602), "Die Menüressource %u gibt es nicht.");
+        EXPECT_EQ(GUIUtilities::ReadResource(4100), kPage);
+        EXPECT_EQ(GUIUtilities::ReadResource(4101), "");
+        {
+            SetResourceInstance back(nullptr);   // the English module, for an inner scope
+            EXPECT_EQ(LanguageString::Get(30602), english);
+            EXPECT_EQ(GUIUtilities::ReadResource(4100), "");
+        }
+        EXPECT_TRUE(MenuResource::Exists(kContextMenu));
     }
     EXPECT_FALSE(MenuResource::Exists(kContextMenu));
-    SetResourceInstance scope(&noMenus);
-    std::unique_ptr<QMenu> english(MenuResource::Load(30620));
-    EXPECT_EQ(english->actions().front()->menu()->actions().size(), 8);
-    try {
-        delete MenuResource::Load(424242);
-        FAIL() << "a missing menu must throw";
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.Why(), "The menu resource 424242 does not exist.");
-    }
-}
+    EXPECT_EQ(LanguageString::Get(30602), english);
+    EXPECT_EQ(Thrown([] { delete MenuResource::Load(424242); }), "The menu resource 424242 does not exist.");
 
-TEST_F(GuiMenuTest, ItemAttributesGiveTheFirstLook)
-{
-    const std::string text = R"(<menu><popup text="P" enabled="false">
-        <item id="1" text="a" checked="true"/><item id="2" text="b" enabled="false"/><item id="3" text="c"/>
-        </popup></menu>)";
-    std::unique_ptr<QMenu> menu(MenuResource::Parse(text.data(), text.size(), 9));
-    EXPECT_FALSE(menu->actions().front()->isEnabled());
-    QMenu* popup = menu->actions().front()->menu();
-    EXPECT_TRUE(FindAction(popup, 1)->isChecked());
-    EXPECT_FALSE(FindAction(popup, 2)->isEnabled());
-    EXPECT_FALSE(FindAction(popup, 3)->isCheckable());
-}
-
-TEST_F(GuiMenuTest, InvalidMenusAreRefusedWithWhereTheFaultIs)
-{
-    struct Case
-    {
-        const char* text;
-        const char* detail;
-    };
-    const Case cases[] = {
+    // Invalid menus are refused with where the fault is.
+    const std::pair<const char*, const char*> invalid[] = {
         {"<menu>\n<popup text=\"P\">\n<item text=\"no id\"/></popup></menu>", "an item has no valid command id (line 3,"},
-        {"<menu>\n<popup text=\"P\">\n<item id=\"0\" text=\"zero\"/></popup></menu>", "an item has no valid command id (line 3,"},
         {"<menu>\n<button id=\"4\"/></menu>", "unknown element <button> (line 2,"},
         {"<menu>\n<popup text=\"P\">\n<item id=\"4\" text=\"x\">\n</menu>", "(line 4,"},
         {"<bar><item id=\"4\" text=\"x\"/></bar>", "the root element is not <menu>"},
     };
-    for (const Case& c : cases) {
-        try {
-            delete MenuResource::Parse(c.text, std::strlen(c.text), 7);
-            ADD_FAILURE() << "accepted: " << c.text;
-        } catch (const Exception& e) {
-            const std::string why = e.Why();
-            EXPECT_EQ(why.rfind("The menu resource 7 is not a valid menu: ", 0), 0u) << why;
-            EXPECT_NE(why.find(c.detail), std::string::npos) << why;
-        }
+    for (const auto& [text, detail] : invalid) {
+        const std::string why = Thrown([text = text] { delete Parse(text); });
+        EXPECT_TRUE(why.starts_with("The menu resource 7 is not a valid menu: ")) << why;
+        EXPECT_NE(why.find(detail), std::string::npos) << why;
     }
 }
 
-// --- EnableMenu -----------------------------------------------------------------
-
 TEST_F(GuiMenuTest, EnableMenuUpdatesEveryItemToAnyDepth)
 {
-    const std::string text = R"(<menu><popup text="Top">
-        <item id="100" text="Handled"/>
-        <separator/>
-        <item id="101" text="Unhandled"/>
-        <item id="102" text="Old name"/>
-        <item id="61536" text="System"/>
-        <popup text="Sub">
-          <item id="200" text="Sub first"/>
-          <item id="201" text="Radio"/>
-          <popup text="Deeper"><item id="300" text="Deep unhandled"/></popup>
-        </popup>
-        <popup text="Empty"/>
-      </popup></menu>)";
-    std::unique_ptr<QMenu> root(MenuResource::Parse(text.data(), text.size(), 1));
+    std::unique_ptr<QMenu> root(Parse(R"(<menu><popup text="Top">
+        <item id="100" text="Handled"/><separator/><item id="101" text="Unhandled"/>
+        <item id="102" text="Old name"/><item id="61536" text="System"/>
+        <popup text="Sub"><item id="200" text="Sub first"/><item id="201" text="Radio"/>
+          <popup text="Deeper"><item id="300" text="Deep unhandled"/></popup></popup>
+        <popup text="Empty"/></popup></menu>)"));
     QMenu* top = root->actions().front()->menu();
     QAction* subEntry = top->actions()[5];
     QMenu* sub = subEntry->menu();
     QAction* deeperEntry = sub->actions()[2];
     QMenu* deeper = deeperEntry->menu();
-    ASSERT_TRUE(sub && deeper);
-
     CmdTarget target;
-    target.OnCommand(100, [] {});
-    target.OnUpdateCommand(100, [](CCmdUI* ui) {
-        ui->Enable(true);
-        ui->SetCheck(1);
-    });
+    for (unsigned int id : {100u, 201u})
+        target.OnCommand(id, [] {});
+    target.OnUpdateCommand(100, [](CCmdUI* ui) { ui->SetCheck(1); });
     target.OnUpdateCommand(102, [](CCmdUI* ui) { ui->SetText("New name"); });
+    target.OnUpdateCommand(201, [](CCmdUI* ui) { ui->SetRadio(true); });
     int firstItemUpdates = 0;
     target.OnUpdateCommand(200, [&](CCmdUI* ui) {
         ++firstItemUpdates;
         ui->Enable(false);
         ui->SetText("Renamed first");
     });
-    target.OnCommand(201, [] {});
-    target.OnUpdateCommand(201, [](CCmdUI* ui) { ui->SetRadio(true); });
-
     GUIUtilities::EnableMenu(&target, root.get());
 
-    EXPECT_TRUE(FindAction(top, 100)->isEnabled());
-    EXPECT_TRUE(FindAction(top, 100)->isChecked());
+    EXPECT_TRUE(FindAction(top, 100)->isEnabled() && FindAction(top, 100)->isChecked());
     EXPECT_FALSE(FindAction(top, 101)->isEnabled());
     EXPECT_EQ(FindAction(top, 102)->text(), QStringLiteral("New name"));
-    EXPECT_TRUE(FindAction(top, 61536)->isEnabled());   // system commands stay enabled
-
+    EXPECT_TRUE(FindAction(top, 61536)->isEnabled()) << "system commands stay enabled";
     // The sub-menu's entry takes the state of its first item, but not its text.
     EXPECT_EQ(firstItemUpdates, 2);
     EXPECT_FALSE(subEntry->isEnabled());
     EXPECT_EQ(subEntry->text(), QStringLiteral("Sub"));
     EXPECT_EQ(FindAction(sub, 200)->text(), QStringLiteral("Renamed first"));
-    EXPECT_TRUE(FindAction(sub, 201)->isChecked());
     // The radio mark comes from an exclusive group that ties it to no other item.
-    ASSERT_NE(FindAction(sub, 201)->actionGroup(), nullptr);
-    EXPECT_TRUE(FindAction(sub, 201)->actionGroup()->isExclusive());
-    EXPECT_EQ(FindAction(sub, 201)->actionGroup()->actions().size(), 1);
+    QAction* radio = FindAction(sub, 201);
+    EXPECT_TRUE(radio->isChecked() && radio->actionGroup()->isExclusive());
+    EXPECT_EQ(radio->actionGroup()->actions().size(), 1);
     // A sub-menu is never disabled for want of a handler; its items are.
-    EXPECT_TRUE(deeperEntry->isEnabled());
-    EXPECT_FALSE(FindAction(deeper, 300)->isEnabled());
-    EXPECT_TRUE(top->actions()[6]->isEnabled());
-
-    // Handlers that change their mind are heard at the next update.
-    target.OnUpdateCommand(200, [](CCmdUI* ui) { ui->Enable(true); });
-    target.OnCommand(300, [] {});
-    GUIUtilities::EnableMenu(&target, root.get());
-    EXPECT_TRUE(subEntry->isEnabled());
-    EXPECT_TRUE(FindAction(deeper, 300)->isEnabled());
+    EXPECT_TRUE(deeperEntry->isEnabled() && top->actions()[6]->isEnabled());
+    EXPECT_FALSE(deeper->actions().front()->isEnabled());
 }
-
-// --- TsMenu::TrackPopupMenu -----------------------------------------------------
 
 TEST_F(GuiMenuTest, TrackPopupMenuFlags)
 {
@@ -264,183 +180,98 @@ TEST_F(GuiMenuTest, TrackPopupMenuFlags)
     QMenu* popup = root->actions().front()->menu();
     CmdTarget owner;
     int ownerRuns = 0;
-    owner.OnCommand(500, [&] { ++ownerRuns; });
-    owner.OnCommand(501, [&] { ++ownerRuns; });
+    for (unsigned int id : {500u, 501u, 600u})
+        owner.OnCommand(id, [&] { ++ownerRuns; });
 
     // TPM_RETURNCMD only answers; TPM_NONOTIFY leaves the items as they are.
     bool unhandledEnabled = false;
-    WhenPopup([&](QMenu* menu) {
+    WhenModal([&](QWidget* menu) {
         unhandledEnabled = FindAction(menu, 502)->isEnabled();
         QTest::keyClick(menu, Qt::Key_Down);
         QTest::keyClick(menu, Qt::Key_Return);
     });
     EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RETURNCMD | TPM_NONOTIFY, QPoint(200, 150), &owner), 500u);
-    EXPECT_EQ(ownerRuns, 0);
     EXPECT_TRUE(unhandledEnabled);
 
-    // Bottom-right alignment puts the menu's lower right corner at the point.
-    QRect geometry;
-    WhenPopup([&](QMenu* menu) {
-        geometry = menu->geometry();
+    // Without TPM_NONOTIFY the items are brought up to date first.
+    WhenModal([&](QWidget* menu) {
         unhandledEnabled = FindAction(menu, 502)->isEnabled();
         QTest::keyClick(menu, Qt::Key_Escape);
     });
-    EXPECT_EQ(TsMenu::TrackPopupMenu(popup, TPM_RIGHTALIGN | TPM_BOTTOMALIGN, QPoint(400, 300), &owner), 0u);
-    EXPECT_EQ(geometry.topLeft() + QPoint(geometry.width(), geometry.height()), QPoint(400, 300));
+    EXPECT_EQ(TsMenu::TrackPopupMenu(popup, 0, QPoint(400, 300), &owner), 0u);
     EXPECT_FALSE(unhandledEnabled);
-    EXPECT_EQ(ownerRuns, 0);
 
     // An action that routes itself is not routed a second time.
     WinApp app("MenuTest");
     int appRuns = 0;
     app.OnCommand(600, [&] { ++appRuns; });
-    owner.OnCommand(600, [&] { ++ownerRuns; });
     TsMenu own;
     own.addAction(korva::CreateCommandAction(600, QStringLiteral("Self"), &own));
-    WhenPopup([&](QMenu* menu) {
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
-    });
+    PickWith({Qt::Key_Down, Qt::Key_Return});
     EXPECT_EQ(own.TrackPopupMenu(TPM_RIGHTBUTTON, 100, 100, &owner), 600u);
-    EXPECT_EQ(appRuns, 1);
-    EXPECT_EQ(ownerRuns, 0);
+    EXPECT_EQ(std::pair(appRuns, ownerRuns), std::pair(1, 0));
 }
 
-// --- GUI::DisplayContextMenu ----------------------------------------------------
-
-class ContextMenuTest : public GuiMenuTest
+class TargetButton : public QPushButton, public CmdTarget
 {
-protected:
-    void SetUp() override
-    {
-        GuiMenuTest::SetUp();
-        mScope = std::make_unique<SetResourceInstance>(&TestModule());
-        mFrame = std::make_unique<TsFrameWnd>();
-        mFrame->setGeometry(60, 80, 400, 300);
-        auto* central = new QWidget(mFrame.get());
-        mFrame->setCentralWidget(central);
-        mControl = new TargetButton(QStringLiteral("Control"), central);
-        mControl->setGeometry(30, 40, 120, 30);
-        mPlain = new QPushButton(QStringLiteral("Plain"), mControl);
-        mFrame->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(mFrame.get()));
-        for (unsigned int id : {500u, 501u}) {
-            mFrame->OnCommand(id, [this, id] { mRan += "frame " + std::to_string(id) + ";"; });
-            mControl->OnCommand(id, [this, id] { mRan += "control " + std::to_string(id) + ";"; });
-        }
-    }
-    void TearDown() override
-    {
-        mFrame.reset();
-        mScope.reset();
-    }
-
-    // Opens the context menu and picks its second item with the keyboard.
-    void PickSecond()
-    {
-        WhenPopup([this](QMenu* menu) {
-            mPopupPosition = menu->pos();
-            mUnhandledEnabled = FindAction(menu, 502)->isEnabled();
-            QTest::keyClick(menu, Qt::Key_Down);
-            mFirstActive = menu->activeAction() ? menu->activeAction()->text() : QString();
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Return);
-        });
-    }
-
-    std::unique_ptr<SetResourceInstance> mScope;
-    std::unique_ptr<TsFrameWnd> mFrame;
-    TargetButton* mControl = nullptr;
-    QPushButton* mPlain = nullptr;
-    std::string mRan;
-    QPoint mPopupPosition;
-    bool mUnhandledEnabled = true;
-    QString mFirstActive;
+public:
+    using QPushButton::QPushButton;
 };
 
-TEST_F(ContextMenuTest, KeyboardMenuOpensAtTheControlCornerAndRunsOnTheFrame)
-{
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 501u);
-    EXPECT_EQ(mPopupPosition, mControl->mapToGlobal(QPoint(0, 0)) + QPoint(5, 5));
-    EXPECT_EQ(mFirstActive, QStringLiteral("First"));
-    EXPECT_FALSE(mUnhandledEnabled);   // brought up to date through the frame
-    EXPECT_EQ(mRan, "frame 501;");
-}
-
-TEST_F(ContextMenuTest, WithoutFindFrameTheWindowItselfTakesTheCommand)
-{
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(150, 160), false, nullptr), 501u);
-    EXPECT_EQ(mPopupPosition, QPoint(150, 160));
-    EXPECT_EQ(mRan, "control 501;");
-
-    // A plain widget stands for the nearest command target around it.
-    mRan.clear();
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mPlain, kContextMenu, QPoint(-1, -1), false, nullptr), 501u);
-    EXPECT_EQ(mPopupPosition, mPlain->mapToGlobal(QPoint(5, 5)));
-    EXPECT_EQ(mRan, "control 501;");
-}
-
-TEST_F(ContextMenuTest, AGivenTargetWinsAndCancellingRunsNothing)
-{
-    CmdTarget given;
-    given.OnCommand(501, [this] { mRan += "given 501;"; });
-    PickSecond();
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, &given), 501u);
-    EXPECT_EQ(mRan, "given 501;");
-
-    mRan.clear();
-    WhenPopup([](QMenu* menu) { QTest::keyClick(menu, Qt::Key_Escape); });
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), true, nullptr), 0u);
-    EXPECT_EQ(mRan, "");
-
-    try {
-        GUI::DisplayContextMenu(mControl, kNoPopupMenu, QPoint(-1, -1), true, nullptr);
-        FAIL() << "a menu without a sub-menu must throw";
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.Why(), "The menu resource 2 has no sub-menu to show.");
-    }
-}
-
-TEST_F(ContextMenuTest, CommandMayDestroyTheWindowItCameFrom)
-{
-    QPointer<TargetButton> control = mControl;
-    mControl->OnCommand(500, [this] { delete mControl; });
-    WhenPopup([](QMenu* menu) {
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
-    });
-    EXPECT_EQ(GUI::DisplayContextMenu(mControl, kContextMenu, QPoint(-1, -1), false, nullptr), 500u);
-    EXPECT_TRUE(control.isNull());
-}
-
-// --- AddToMenuBar ---------------------------------------------------------------
-
-TEST_F(GuiMenuTest, MenuBarFromAResourceRunsCommandsOnItsTarget)
+TEST_F(GuiMenuTest, ContextMenusOpenAtThePointOrTheControlCornerAndRunOnTheirTarget)
 {
     SetResourceInstance scope(&TestModule());
-    QMainWindow window;
-    CmdTarget target;
+    TsFrameWnd frame;
+    frame.setGeometry(60, 80, 400, 300);
+    frame.setCentralWidget(new QWidget);
+    auto* control = new TargetButton(frame.centralWidget());
+    control->setGeometry(30, 40, 120, 30);
+    auto* plain = new QPushButton(control);
+    frame.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&frame));
     std::string ran;
-    target.OnCommand(501, [&] { ran += "501;"; });
-    target.OnCommand(500, [&] { ran += "500;"; });
-    MenuResource::AddToMenuBar(kContextMenu, window.menuBar(), &target);
-    window.setGeometry(60, 80, 400, 300);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    for (unsigned int id : {500u, 501u}) {
+        frame.OnCommand(id, [&ran, id] { ran += "frame " + std::to_string(id) + ";"; });
+        control->OnCommand(id, [&ran, id] { ran += "control " + std::to_string(id) + ";"; });
+    }
+    // Opens the context menu of `wnd` at `at`, picks its second item with the keyboard; what ran.
+    QPoint position;
+    bool unhandledEnabled = true;
+    const auto pickSecond = [&](QWidget* wnd, QPoint at, bool findFrame, CmdTarget* target = nullptr) {
+        ran.clear();
+        WhenModal([&](QWidget* menu) {
+            position = menu->pos();
+            unhandledEnabled = FindAction(menu, 502)->isEnabled();
+            for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
+                QTest::keyClick(menu, key);
+        });
+        EXPECT_EQ(GUI::DisplayContextMenu(wnd, kContextMenu, at, findFrame, target), 501u);
+        return ran;
+    };
+    // The keyboard's menu opens at the control's corner; with findFrame, the frame takes the command.
+    EXPECT_EQ(pickSecond(control, QPoint(-1, -1), true), "frame 501;");
+    EXPECT_EQ(position, control->mapToGlobal(QPoint(5, 5)));
+    EXPECT_FALSE(unhandledEnabled) << "brought up to date through the frame";
+    EXPECT_EQ(pickSecond(control, QPoint(150, 160), false), "control 501;");
+    EXPECT_EQ(position, QPoint(150, 160));
+    EXPECT_EQ(pickSecond(plain, QPoint(-1, -1), false), "control 501;") << "the nearest command target around";
+    CmdTarget given;
+    given.OnCommand(501, [&ran] { ran += "given 501;"; });
+    EXPECT_EQ(pickSecond(control, QPoint(-1, -1), true, &given), "given 501;");
 
-    QMenuBar* bar = window.menuBar();
-    ASSERT_EQ(bar->actions().size(), 1);
-    QAction* entry = bar->actions().front();
-    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(entry).center());
-    auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    ASSERT_EQ(popup, entry->menu());
-    EXPECT_FALSE(FindAction(popup, 502)->isEnabled());   // updated as it opened
-    for (Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
-        QTest::keyClick(popup, key);
-    EXPECT_EQ(ran, "501;");
+    // Cancelling runs nothing; a menu without a sub-menu cannot be shown.
+    ran.clear();
+    PickWith({Qt::Key_Escape});
+    EXPECT_EQ(GUI::DisplayContextMenu(control, kContextMenu, QPoint(-1, -1), true, nullptr), 0u);
+    EXPECT_EQ(ran, "");
+    EXPECT_EQ(Thrown([&] { GUI::DisplayContextMenu(control, kNoPopupMenu, QPoint(-1, -1), true, nullptr); }),
+              "The menu resource 2 has no sub-menu to show.");
+
+    QPointer<TargetButton> alive = control;
+    control->OnCommand(500, [control] { delete control; });
+    PickWith({Qt::Key_Down, Qt::Key_Return});
+    EXPECT_EQ(GUI::DisplayContextMenu(control, kContextMenu, QPoint(-1, -1), false, nullptr), 500u);
+    EXPECT_TRUE(alive.isNull());
 }
 
 } // namespace

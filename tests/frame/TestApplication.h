@@ -1,12 +1,14 @@
 #pragma once
-// One guarded QApplication for the whole test program: made on first use, kept
-// to process end (Qt allows only one per process). Widget tests run offscreen.
+// One guarded QApplication for the whole test program, made on first use and
+// kept (Qt allows one per process), offscreen; and the helpers that find a
+// dialog's controls by "ctrlId" and answer it.
 
 #include <KORVAutlwin/frame/GuardedApplication.h>
 
-#include <QApplication>
-#include <QTimer>
-#include <QWidget>
+#include <QtTest>
+#include <QtWidgets>
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -29,9 +31,9 @@ inline QApplication* Application()
     return new GuardedApplication(argc, argv);
 }
 
-/// Calls `action` with the active modal widget as soon as one is up that
-/// `accept` takes (any, without it), polling every 20 ms for at most `timeout`;
-/// for answering dialogs that a test opens.
+/// Calls `action` with the active modal widget (or popup menu) that `accept`
+/// takes as soon as one is up, for at most `timeout`; a popup still open then
+/// is closed, so that a failing test cannot hang in a menu's loop.
 inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::milliseconds timeout = std::chrono::seconds(10),
                       std::function<bool(QWidget*)> accept = nullptr)
 {
@@ -39,16 +41,46 @@ inline void WhenModal(std::function<void(QWidget*)> action, std::chrono::millise
     auto deadline = std::chrono::steady_clock::now() + timeout;
     QObject::connect(timer, &QTimer::timeout, [timer, action, accept, deadline] {
         QWidget* modal = QApplication::activeModalWidget();
-        if (modal && (!accept || accept(modal))) {
+        if (!modal)
+            modal = QApplication::activePopupWidget();
+        const bool late = std::chrono::steady_clock::now() > deadline;
+        if ((modal && modal->isVisible() && (!accept || accept(modal))) || late) {
             timer->stop();
             timer->deleteLater();
-            action(modal);
-        } else if (std::chrono::steady_clock::now() > deadline) {
-            timer->stop();
-            timer->deleteLater();
+            if (!late)
+                action(modal);
+            else if (QWidget* popup = QApplication::activePopupWidget())
+                popup->close();
         }
     });
     timer->start(20);
+}
+
+/// The control of `dialog` whose "ctrlId" is `id`, or null.
+template <class Widget = QWidget>
+Widget* Control(QWidget* dialog, int id)
+{
+    for (Widget* widget : dialog->findChildren<Widget*>())
+        if (widget->property("ctrlId").toInt() == id)
+            return widget;
+    return nullptr;
+}
+
+/// A key press as the user makes it: it goes to the widget with the focus.
+inline void Press(QWidget* dialog, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, key, modifiers);
+}
+
+/// A mouse click on the control `id`; without one the test fails and the dialog closes.
+inline void Click(QWidget* dialog, int id)
+{
+    if (QWidget* control = Control(dialog, id)) {
+        QTest::mouseClick(control, Qt::LeftButton);
+    } else {
+        ADD_FAILURE() << "no control " << id;
+        dialog->close();
+    }
 }
 
 /// While it lives, this thread's allocations are not reported as leaks: Qt

@@ -1,23 +1,17 @@
 // Collecting informs under headers, and the scopes that remember "to all"
 // answers and hand what they collected to the channel before them.
 
-#include "MessageDialogTestSupport.h"
+#include "MdiFrameTestSupport.h"
 
-#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
 #include <KORVAutlwin/frame/MemoryUserComm.h>
 #include <KORVAutlwin/frame/MuteInformUserComm.h>
-#include <KORVAutlwin/frame/YesNoCancelAll.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 using namespace korva::test;
 
 namespace {
 
-// A fresh registry and application; the collecting channel stands as the
-// application's channel, so that what a scope hands on can be read from it.
+// The collecting channel stands as the application's channel, so that what a
+// scope hands on can be read from it.
 class UserCommMemoryTest : public MessageDialogTest
 {
 protected:
@@ -31,131 +25,95 @@ protected:
         EXPECT_EQ(UserComm::SetUserComm(mBefore), &mOuter) << "a scope was left installed";
         MessageDialogTest::TearDown();
     }
-
-    // Answers the next dialog with `key` and notes its class.
-    void AnswerNext(Qt::Key key)
+    // Informs the current channel, or `channel`, of each text in turn.
+    static void Inform(std::initializer_list<const char*> texts, UserComm* channel = nullptr)
     {
-        WhenModal([this, key](QWidget* dialog) {
-            mLastDialog = dialog->metaObject()->className();
-            Press(dialog, key);
-        });
+        for (const char* text : texts)
+            (channel ? channel : UserComm::GetUserComm())->InformUser(text, "ignored", 0);
     }
 
     MuteInformUserComm mOuter;
     UserComm* mBefore = nullptr;
-    std::string mLastDialog;
+    Shown mShown;
 };
 
 } // namespace
 
-TEST_F(UserCommMemoryTest, RepeatedInformUnderOneHeaderIsStoredOnce)
+TEST_F(UserCommMemoryTest, AnInformIsStoredOncePerHeaderAndAHeaderOnce)
 {
     MuteInformUserComm mute;
-    mute.SetHeader("Import of batch 117:\n");
-    mute.InformUser("Row 7 is empty.", "ignored", 0);
-    mute.InformUser("Row 9 is empty.", nullptr, 0);
-    mute.InformUser("Row 7 is empty.", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "Import of batch 117:\nRow 7 is empty.\nRow 9 is empty.\n");
-
+    mute.SetHeader("Batch 117:\n");
+    Inform({"Row 7 is empty.", "Row 9 is empty.", "Row 7 is empty."}, &mute);
     // The same inform under a new header is stored again, under that header.
-    mute.SetHeader("Import of batch 118:\n");
-    mute.InformUser("Row 7 is empty.", nullptr, 0);
-    mute.InformUser("Row 7 is empty.", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "Import of batch 117:\nRow 7 is empty.\nRow 9 is empty.\n"
-                                               "Import of batch 118:\nRow 7 is empty.\n");
+    mute.SetHeader("Batch 118:\n");
+    Inform({"Row 7 is empty.", "Row 7 is empty."}, &mute);
+    EXPECT_STREQ(mute.GetInformUserMessages(),
+                 "Batch 117:\nRow 7 is empty.\nRow 9 is empty.\nBatch 118:\nRow 7 is empty.\n");
     EXPECT_EQ(mute.GetUsage(), 0) << "collecting does not address the user";
-}
 
-TEST_F(UserCommMemoryTest, HeaderSetAgainIsNotRepeatedAndItsFirstPlaceCounts)
-{
-    MuteInformUserComm mute;
-    mute.SetHeader("A\n");
-    mute.InformUser("x", nullptr, 0);
-    mute.SetHeader("A\n");
-    mute.InformUser("y", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "A\nx\ny\n");
+    // A header set again is not repeated; back to an earlier header, the lines after it count.
+    MuteInformUserComm again;
+    for (const auto& [header, line] : {std::pair{"A\n", "x"}, {"A\n", "y"}, {"B\n", "z"}, {"A\n", "z"}}) {
+        again.SetHeader(header);
+        again.InformUser(line, nullptr, 0);
+    }
+    EXPECT_STREQ(again.GetInformUserMessages(), "A\nx\ny\nB\nz\n");
 
-    // Back to a header that stands earlier in the list: lines after it, also
-    // those under later headers, count as already there.
-    mute.SetHeader("B\n");
-    mute.InformUser("z", nullptr, 0);
-    mute.InformUser("x", nullptr, 0);
-    mute.SetHeader("A\n");
-    mute.InformUser("z", nullptr, 0);
-    mute.InformUser("w", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "A\nx\ny\nB\nz\nx\nw\n");
+    // A silenced inform is not collected, not even its header.
+    {
+        RegistrySection key = korva::OpenInformSilenceKey();
+        ASSERT_TRUE(key.WriteInt("5", 0) && key.WriteInt("6", 1));
+    }
+    MuteInformUserComm silenced;
+    silenced.SetHeader("H\n");
+    silenced.InformUser("silenced", nullptr, 5);
+    EXPECT_STREQ(silenced.GetInformUserMessages(), "");
+    silenced.InformUser("shown", nullptr, 6);
+    EXPECT_STREQ(silenced.GetInformUserMessages(), "H\nshown\n");
 }
 
 TEST_F(UserCommMemoryTest, PrefixEmptyAndAddString)
 {
     MuteInformUserComm mute;
-    // Without a header the empty header goes in, invisibly.
+    // Without a header the empty header goes in, invisibly; a null text is an empty line.
     mute.SetPrefix("  - ");
     mute.InformUser("first", nullptr, 0);
     mute.SetPrefix(nullptr);
-    mute.InformUser("first", nullptr, 0);  // another line without the prefix
-    mute.InformUser(nullptr, nullptr, 0);  // a null text is an empty line
+    Inform({"first", nullptr}, &mute);
     EXPECT_STREQ(mute.GetInformUserMessages(), "  - first\nfirst\n\n");
 
-    // Empty keeps the header flag: the header does not come back by itself, and
-    // the search for repeats runs over the whole list.
+    // Empty keeps the header flag: the header does not come back by itself. AddString
+    // skips equal strings anywhere in the list.
     mute.SetHeader("Header\n");
     mute.InformUser("a", nullptr, 0);
     mute.Empty();
-    EXPECT_STREQ(mute.GetInformUserMessages(), "");
-    mute.InformUser("b", nullptr, 0);
-    mute.InformUser("b", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\n");
-    mute.SetHeader("Header\n");
-    mute.InformUser("b", nullptr, 0);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\n");
-
-    // AddString skips equal strings anywhere in the list.
-    mute.AddString("b\n");
-    mute.AddString("Header\n");
-    mute.AddString("c");
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\nc");
-
-    // The copy takes everything, the header flag included.
-    MuteInformUserComm copy(mute);
-    copy.InformUser("d", nullptr, 0);
-    EXPECT_STREQ(copy.GetInformUserMessages(), "b\nHeader\nb\ncd\n");
-    EXPECT_STREQ(mute.GetInformUserMessages(), "b\nHeader\nb\nc");
+    Inform({"b", "b"}, &mute);
+    for (const char* text : {"b\n", "c"})
+        mute.AddString(text);
+    EXPECT_STREQ(mute.GetInformUserMessages(), "b\nc");
 }
 
-TEST_F(UserCommMemoryTest, SilencedInformIsNotCollected)
+TEST_F(UserCommMemoryTest, ScopesCollectAndHandOnAtTheirEndInReverseOrder)
 {
     {
-        RegistrySection key(HKEY_CURRENT_USER, "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser", KEY_ALL_ACCESS, true);
-        ASSERT_TRUE(key.WriteInt("5", 0));
-        ASSERT_TRUE(key.WriteInt("6", 1));
-    }
-    MuteInformUserComm mute;
-    mute.SetHeader("H\n");
-    mute.InformUser("silenced", nullptr, 5);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "") << "not even the header goes in";
-    mute.InformUser("shown", nullptr, 6);
-    mute.InformUser("new id", nullptr, 7);
-    EXPECT_STREQ(mute.GetInformUserMessages(), "H\nshown\nnew id\n");
-}
-
-TEST_F(UserCommMemoryTest, ScopeCollectsAndHandsOnAtItsEnd)
-{
-    {
-        MemoryUserComm scope;
-        EXPECT_EQ(UserComm::GetUserComm(), &scope);
-        EXPECT_EQ(scope.GetLastAnsver(), -1);
-        scope.SetHeader("Favourites:\n");
-        UserComm::GetUserComm()->InformUser("Wheat is missing.", "Open", 0);
-        UserComm::GetUserComm()->InformUser("Barley is missing.", "Open", 0);
-        UserComm::GetUserComm()->InformUser("Wheat is missing.", "Open", 0);
+        MemoryUserComm outerScope;
+        EXPECT_EQ(outerScope.GetLastAnsver(), -1);
+        outerScope.SetHeader("Favourites:\n");
+        {
+            MemoryUserComm innerScope;
+            EXPECT_EQ(UserComm::GetUserComm(), &innerScope);
+            Inform({"inner fact"});
+        }
+        EXPECT_EQ(UserComm::GetUserComm(), &outerScope);
+        Inform({"Wheat is missing.", "Barley is missing.", "Wheat is missing."});
         // The collection stays private to the scope.
-        EXPECT_STREQ(static_cast<MuteInformUserComm&>(scope).GetInformUserMessages(), "");
+        EXPECT_STREQ(static_cast<MuteInformUserComm&>(outerScope).GetInformUserMessages(), "");
         EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
     }
     EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
     // One inform with everything; the collecting channel adds its line feed.
-    EXPECT_STREQ(mOuter.GetInformUserMessages(), "Favourites:\nWheat is missing.\nBarley is missing.\n\n");
+    EXPECT_STREQ(mOuter.GetInformUserMessages(),
+                 "Favourites:\ninner fact\n\nWheat is missing.\nBarley is missing.\n\n");
 
     // A scope with nothing collected informs nobody, not even with an empty text.
     mOuter.Empty();
@@ -163,139 +121,55 @@ TEST_F(UserCommMemoryTest, ScopeCollectsAndHandsOnAtItsEnd)
     EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
 }
 
-TEST_F(UserCommMemoryTest, NestedScopesEndInReverseOrder)
+TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)
 {
-    {
-        MemoryUserComm outerScope;
-        outerScope.SetHeader("outer\n");
-        {
-            MemoryUserComm innerScope;
-            EXPECT_EQ(UserComm::GetUserComm(), &innerScope);
-            UserComm::GetUserComm()->InformUser("inner fact", nullptr, 0);
-        }
-        EXPECT_EQ(UserComm::GetUserComm(), &outerScope);
-        UserComm::GetUserComm()->InformUser("outer fact", nullptr, 0);
-        EXPECT_STREQ(mOuter.GetInformUserMessages(), "");
-    }
-    EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
-    EXPECT_STREQ(mOuter.GetInformUserMessages(), "outer\ninner fact\n\nouter fact\n\n");
-}
-
-TEST_F(UserCommMemoryTest, CopyDoesNotInstallButReinstallsAtItsEnd)
-{
-    {
+    for (const auto& [toAll, answer] : {std::pair{2, 1}, {4, 3}}) {
+        SCOPED_TRACE(toAll);
         MemoryUserComm scope;
-        scope.InformUser("fact", nullptr, 0);
+        // Cancel is returned as it is, and the next question asks again.
+        Answer(mShown, Key(Qt::Key_Escape));
+        EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate model 1?", "", nullptr, 1), 5);
+        EXPECT_EQ(scope.GetLastAnsver(), 5);
+        Answer(mShown, Key(Qt::Key_Return));   // the default: the "to all" answer
+        EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", "Export", toAll), answer);
+        EXPECT_EQ(mShown.kind, "YesNoCancelAll");
         {
-            MemoryUserComm copy(scope);
-            EXPECT_EQ(UserComm::GetUserComm(), &scope);
-            EXPECT_EQ(copy.GetLastAnsver(), -1);
+            DialogSpy spy;
+            EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace b.csv?", "", "Export", 5), answer);
+            EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate?", "", nullptr, 5), answer);
+            EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 5), answer);
+            EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 4 - answer), answer);   // against the default
+            EXPECT_EQ(spy.Count(), 0);
         }
-        // The copy's end put the channel before the scope back and handed the fact on.
-        EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
-        EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
-        UserComm::SetUserComm(&scope);
+        // The question with details is not remembered: it asks, and leaves the "to all" alone.
+        Answer(mShown, Key(Qt::Key_Return));
+        EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
+        EXPECT_EQ(mShown.kind, "YesNoDialog");
+        EXPECT_EQ(scope.GetLastAnsver(), toAll);
+        EXPECT_EQ(scope.GetUsage(), 3);
     }
-    // The scope's own end hands the same text on, which is not stored twice.
-    EXPECT_EQ(UserComm::GetUserComm(), &mOuter);
-    EXPECT_STREQ(mOuter.GetInformUserMessages(), "fact\n\n");
-}
 
-TEST_F(UserCommMemoryTest, YesToAllAnswersEveryFollowingQuestion)
-{
+    // A new scope starts without an answer; the plain yes/no question asks through the box.
     MemoryUserComm scope;
-    AnswerNext(Qt::Key_Return);  // the default: yes to all
-    EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", "Export", 2), 1);
-    EXPECT_EQ(mLastDialog, "YesNoCancelAll");
-    EXPECT_EQ(scope.GetLastAnsver(), 2);
-    {
-        DialogSpy spy;
-        EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace b.csv?", "", "Export", 3), 1);
-        EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate?", "", nullptr, 5), 1);
-        EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 5), 1);
-        EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 3), 1);
-        EXPECT_EQ(spy.Count(), 0);
-    }
-    EXPECT_EQ(scope.GetLastAnsver(), 2);
-
-    // The question with details is not remembered: it asks, and leaves the "to all" alone.
-    AnswerNext(Qt::Key_Return);
-    EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
-    EXPECT_EQ(mLastDialog, "YesNoDialog");
-    EXPECT_EQ(scope.GetLastAnsver(), 2);
-    EXPECT_EQ(scope.GetUsage(), 2);
-}
-
-TEST_F(UserCommMemoryTest, NoToAllAnswersNoAndCancelAsksAgain)
-{
-    MemoryUserComm scope;
-    // Cancel is returned as it is, and the next question asks again.
-    AnswerNext(Qt::Key_Escape);
-    EXPECT_EQ(scope.AskUserYesYesToAllCancel("Recalculate model 1?", "", nullptr, 1), 5);
-    EXPECT_EQ(scope.GetLastAnsver(), 5);
-    AnswerNext(Qt::Key_Return);  // default No
+    Answer(mShown, Key(Qt::Key_Return));
     EXPECT_EQ(scope.AskUserYesNo("Delete the sample?", nullptr, 3), 3);
-    EXPECT_EQ(mLastDialog, "CustomMessageBoxDlg");
+    EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
     EXPECT_EQ(scope.GetLastAnsver(), 3);
-
-    AnswerNext(Qt::Key_Return);  // the default: no to all
-    EXPECT_EQ(scope.AskUserYesYesToAllNoNoToAllCancel("Replace a.csv?", "", nullptr, 4), 3);
-    EXPECT_EQ(scope.GetLastAnsver(), 4);
-    {
-        DialogSpy spy;
-        EXPECT_EQ(scope.AskUserYesCancel("Go on?", "", nullptr, 1), 3);
-        EXPECT_EQ(scope.AskUserYesNo("Delete?", nullptr, 1), 3);
-        EXPECT_EQ(spy.Count(), 0);
-    }
-    EXPECT_EQ(scope.GetUsage(), 3);
-
-    // A new scope starts without the answer.
-    MemoryUserComm next;
-    EXPECT_EQ(next.GetLastAnsver(), -1);
-    AnswerNext(Qt::Key_Return);
-    EXPECT_EQ(next.AskUserYesCancel("Go on?", "", nullptr, 1), 1);
-    EXPECT_EQ(next.GetLastAnsver(), 1);
-}
-
-TEST_F(UserCommMemoryTest, EachNestedScopeRemembersItsOwnAnswer)
-{
-    MemoryUserComm outerScope;
-    AnswerNext(Qt::Key_Return);
-    EXPECT_EQ(outerScope.AskUserYesYesToAllCancel("Copy all?", "", nullptr, 2), 1);
-    {
-        MemoryUserComm innerScope;
-        AnswerNext(Qt::Key_Return);
-        EXPECT_EQ(UserComm::GetUserComm()->AskUserYesCancel("Copy this one?", "", nullptr, 5), 5);
-        EXPECT_EQ(innerScope.GetLastAnsver(), 5);
-        EXPECT_EQ(outerScope.GetLastAnsver(), 2);
-    }
-    DialogSpy spy;
-    EXPECT_EQ(UserComm::GetUserComm()->AskUserYesCancel("Copy?", "", nullptr, 5), 1);
-    EXPECT_EQ(spy.Count(), 0);
 }
 
 TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
 {
     StandardUserComm standard;
     UserComm::SetUserComm(&standard);
-    std::string shownText, shownTitle;
-    unsigned int shownType = 0;
-    WhenModal([&](QWidget* dialog) {
-        if (auto* box = qobject_cast<CustomMessageBoxDlg*>(dialog)) {
-            shownText = box->GetText();
-            shownType = box->GetType();
-        }
-        shownTitle = dialog->windowTitle().toStdString();
-        Press(dialog, Qt::Key_Return);
-    });
+    Answer(mShown, Key(Qt::Key_Return));
     {
         MemoryUserComm scope;
         scope.SetHeader("Export:\n");
-        UserComm::GetUserComm()->InformUser("3 files written.", "Export", 0);
+        Inform({"3 files written."});
     }
-    EXPECT_EQ(shownText, "Export:\n3 files written.\n");
-    EXPECT_EQ(shownType, static_cast<unsigned int>(MB_ICONASTERISK));
-    EXPECT_EQ(shownTitle, "Dialogs") << "the application's name";
+    EXPECT_EQ(mShown.texts[CustomMessageBoxDlg::kTextCtrlId], "Export:\n3 files written.\n");
+    EXPECT_EQ(mShown.type, static_cast<unsigned int>(MB_ICONASTERISK));
+    EXPECT_EQ(mShown.title, "Dialogs") << "the application's name";
     EXPECT_EQ(standard.GetUsage(), 1);
     UserComm::SetUserComm(&mOuter);
 }

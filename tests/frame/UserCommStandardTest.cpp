@@ -1,84 +1,30 @@
 // The dialog channel: which dialog each call shows (by the length of the text),
 // default buttons and answers, usage counting, the message box helper, the
-// silenced informs in the registry, and the hour glass.
+// silenced informs in the registry, and the running progress that each dialog
+// steps in front of.
 
-#include "MessageDialogTestSupport.h"
+#include "../progress/ProgressTestSupport.h"
 
-#include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
-#include <KORVAutlwin/frame/FatalErrorDialog.h>
-#include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/StandardUserComm.h>
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 #include <KORVAutlwin/frame/YesNoDialog.h>
-
-#include <QCheckBox>
-#include <QCursor>
-#include <QGuiApplication>
-#include <QLabel>
-#include <QPlainTextEdit>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 using namespace korva::test;
 
 namespace {
 
-// `count` lines "Line 1" ... without a final line feed.
+constexpr int kBoxText = CustomMessageBoxDlg::kTextCtrlId;
+constexpr int kBoxCheck = CustomMessageBoxDlg::kCheckBoxCtrlId;
+constexpr int kScrollText = 10001, kEndNotice = 10000;   // of the scrolling dialog
+
 std::string LinesOf(int count)
 {
-    std::string text;
-    for (int line = 1; line <= count; ++line)
-        text += (line > 1 ? "\n" : "") + std::string("Line ") + std::to_string(line);
+    std::string text = "Line 1";
+    for (int line = 2; line <= count; ++line)
+        text += "\nLine " + std::to_string(line);
     return text;
 }
 
-// What a call put in front of the user.
-struct Shown
-{
-    enum EKind { eNothing, eMessageBox, eYesNoDialog, eToAllDialog, eScrollDialog } kind = eNothing;
-    unsigned int type = 0;       // of a message box
-    bool checkBox = false;       // of a message box
-    bool endNotice = false;      // of the scrolling dialog: the line that the application must end
-    std::string title;
-    std::string text;            // message box text, details of the question dialogs, scrolling text
-    std::vector<int> buttons;    // the visible buttons, left to right
-};
-
-// Records the next modal dialog into `shown`, then lets `answer` answer it.
-void RecordAndAnswer(Shown& shown, std::function<void(QWidget*)> answer)
-{
-    WhenModal([&shown, answer](QWidget* dialog) {
-        shown.title = dialog->windowTitle().toStdString();
-        shown.buttons = VisibleButtonIds(dialog);
-        if (auto* box = qobject_cast<CustomMessageBoxDlg*>(dialog)) {
-            shown.kind = Shown::eMessageBox;
-            shown.type = box->GetType();
-            shown.text = box->GetText();
-            shown.checkBox = Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId) != nullptr;
-        } else if (qobject_cast<YesNoDialog*>(dialog)) {
-            shown.kind = Shown::eYesNoDialog;
-            shown.text = Control<QPlainTextEdit>(dialog, YesNoDialog::kDetailsCtrlId)->toPlainText().toStdString();
-        } else if (qobject_cast<YesNoCancelAll*>(dialog)) {
-            shown.kind = Shown::eToAllDialog;
-            shown.text = Control<QPlainTextEdit>(dialog, YesNoCancelAll::kDetailsCtrlId)->toPlainText().toStdString();
-        } else if (qobject_cast<FatalErrorDialog*>(dialog)) {
-            shown.kind = Shown::eScrollDialog;
-            shown.text = Control<QPlainTextEdit>(dialog, 10001)->toPlainText().toStdString();
-            shown.endNotice = !Control<QLabel>(dialog, 10000)->isHidden();
-        }
-        answer(dialog);
-    });
-}
-
-auto PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    return [key, modifiers](QWidget* dialog) { Press(dialog, key, modifiers); };
-}
-
-// The application object that counts how the channel disables its modeless windows.
 class RecordingApp : public WinApp
 {
 public:
@@ -97,102 +43,66 @@ protected:
     void SetUp() override
     {
         MessageDialogTest::SetUp();
-        auto app = std::make_unique<RecordingApp>();
-        mRecordingApp = app.get();
-        mApp = std::move(app);
+        mApp.reset();
+        mApp = std::make_unique<RecordingApp>();
     }
+    RecordingApp& App() { return static_cast<RecordingApp&>(*mApp); }
+    static std::string Silence(const char* id) { return TsGetRegKey(HKEY_CURRENT_USER, kSilenceKey, id, ""); }
 
-    static std::string Silence(const char* id)
-    {
-        return TsGetRegKey(HKEY_CURRENT_USER, "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser", id, "");
-    }
-
+    static constexpr const char* kSilenceKey = "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser";
     StandardUserComm mChannel;
-    RecordingApp* mRecordingApp = nullptr;
+    Shown mShown;
 };
 
 } // namespace
 
 TEST(UserCommLineMeasure, CountsLineFeedsBehindTheFirstCharacter)
 {
-    EXPECT_EQ(korva::MeasureLines(nullptr), 2);
-    EXPECT_EQ(korva::MeasureLines(""), 2);
-    EXPECT_EQ(korva::MeasureLines("one line"), 2);
-    EXPECT_EQ(korva::MeasureLines("one line\n"), 3);
-    EXPECT_EQ(korva::MeasureLines("a\nb\nc"), 4);
     // A line feed as the first character is not counted; the next one is.
-    EXPECT_EQ(korva::MeasureLines("\n"), 2);
-    EXPECT_EQ(korva::MeasureLines("\n\n"), 3);
-    EXPECT_EQ(korva::MeasureLines("\r\n\r\n"), 4);
-    EXPECT_EQ(korva::MeasureLines(LinesOf(30).c_str()), 31);
-    EXPECT_EQ(korva::MeasureLines(LinesOf(19).c_str()), 20);
+    const std::pair<std::string, int> cases[] = {{"", 2}, {"one line", 2}, {"one line\n", 3}, {"a\nb\nc", 4},
+                                                 {"\n", 2}, {"\n\n", 3}, {"\r\n\r\n", 4}, {LinesOf(30), 31}};
+    for (const auto& [text, measure] : cases)
+        EXPECT_EQ(korva::MeasureLines(text.c_str()), measure) << text;
+    EXPECT_EQ(korva::MeasureLines(nullptr), 2);
 }
 
-TEST_F(UserCommStandardTest, ShortYesNoQuestionIsAMessageBoxWithItsDefault)
+TEST_F(UserCommStandardTest, YesNoQuestionsTakeTheBoxOrTheScrollingDialog)
 {
+    const std::string thirty = LinesOf(30), twentyNine = LinesOf(29);
+    const char* const details = "Sample 17\nSample 18";
     // Default yes: Return answers yes; any other default makes No the default button.
-    const struct
-    {
-        int defaultAnswer;
-        unsigned int type;
-        int answer;
-    } cases[] = {{1, 0x34, 1}, {0, 0x134, 3}, {3, 0x134, 3}, {2, 0x134, 3}};
+    const struct { const char* question; const char* details; int defaultAnswer; Qt::Key key; int answer;
+                   unsigned int type; } cases[] = {
+        {"Delete the sample?", nullptr, 1, Qt::Key_Return, 1, 0x34},
+        {"Delete the sample?", nullptr, 0, Qt::Key_Return, 3, 0x134},
+        {"Delete the sample?", nullptr, 2, Qt::Key_Return, 3, 0x134},
+        {twentyNine.c_str(), nullptr, 3, Qt::Key_Return, 3, 0x134},
+        // Above 29 lines the question becomes the details of the scrolling dialog, and counts twice.
+        {thirty.c_str(), nullptr, 1, Qt::Key_Return, 1, 0},
+        {"Leave them out?", details, 1, Qt::Key_Return, 1, 0},
+        {"Leave them out?", details, 3, Qt::Key_Return, 3, 0},
+        {"Leave them out?", details, 0, Qt::Key_Return, 3, 0},
+        {"Leave them out?", details, 1, Qt::Key_Escape, 3, 0},
+    };
     for (const auto& c : cases) {
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-        EXPECT_EQ(mChannel.AskUserYesNo("Delete the sample?", "Samples", c.defaultAnswer), c.answer)
-            << "default " << c.defaultAnswer;
-        EXPECT_EQ(shown.kind, Shown::eMessageBox);
-        EXPECT_EQ(shown.type, c.type);
-        EXPECT_EQ(shown.text, "Delete the sample?");
-        EXPECT_EQ(shown.title, "Samples");
-        EXPECT_EQ(shown.buttons, (Ids{IDYES, IDNO}));
+        SCOPED_TRACE(testing::Message() << korva::MeasureLines(c.question) << " lines, default " << c.defaultAnswer);
+        Answer(mShown, Key(c.key));
+        EXPECT_EQ(c.details ? mChannel.AskUserYesNo(c.question, c.details, "Samples", c.defaultAnswer)
+                            : mChannel.AskUserYesNo(c.question, "Samples", c.defaultAnswer),
+                  c.answer);
+        EXPECT_EQ(mShown.type, c.type);
+        EXPECT_EQ(mShown.title, "Samples");
+        if (c.type) {
+            EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
+            EXPECT_EQ(mShown.texts[kBoxText], c.question);
+            EXPECT_EQ(mShown.buttons, (Ids{IDYES, IDNO}));
+        } else {
+            EXPECT_EQ(mShown.kind, "YesNoDialog");
+            EXPECT_EQ(mShown.texts[YesNoDialog::kDetailsCtrlId], c.details ? c.details : c.question);
+            EXPECT_EQ(mShown.texts[YesNoDialog::kQuestionCtrlId], c.details ? c.question : "");
+        }
     }
-    // Yes against the default No, through the button's mnemonic.
-    Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Y, Qt::AltModifier));
-    EXPECT_EQ(mChannel.AskUserYesNo("Delete the sample?", nullptr, 3), 1);
-    EXPECT_EQ(shown.title, "Dialogs") << "a null title is the application's name";
-    EXPECT_EQ(mChannel.GetUsage(), 5);
-}
-
-TEST_F(UserCommStandardTest, QuestionOfThirtyLinesGoesToTheScrollingDialogAndCountsTwice)
-{
-    const std::string longQuestion = LinesOf(30);
-    Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-    EXPECT_EQ(mChannel.AskUserYesNo(longQuestion.c_str(), "Import", 1), 1);
-    EXPECT_EQ(shown.kind, Shown::eYesNoDialog);
-    EXPECT_EQ(shown.text, longQuestion) << "the question becomes the details";
-    EXPECT_EQ(shown.title, "Import");
-    EXPECT_EQ(mChannel.GetUsage(), 2);
-
-    mChannel.ResetUsage();
-    const std::string shorter = LinesOf(29);
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-    EXPECT_EQ(mChannel.AskUserYesNo(shorter.c_str(), "Import", 3), 3);
-    EXPECT_EQ(shown.kind, Shown::eMessageBox);
-    EXPECT_EQ(shown.text, shorter);
-    EXPECT_EQ(mChannel.GetUsage(), 1);
-}
-
-TEST_F(UserCommStandardTest, YesNoWithDetailsAnswersYesOnlyForYes)
-{
-    const struct
-    {
-        int defaultAnswer;
-        Qt::Key key;
-        int answer;
-    } cases[] = {{1, Qt::Key_Return, 1}, {3, Qt::Key_Return, 3}, {0, Qt::Key_Return, 3}, {1, Qt::Key_Escape, 3}};
-    for (const auto& c : cases) {
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(c.key));
-        EXPECT_EQ(mChannel.AskUserYesNo("Leave them out?", "Sample 17\nSample 18", nullptr, c.defaultAnswer), c.answer);
-        EXPECT_EQ(shown.kind, Shown::eYesNoDialog);
-        EXPECT_EQ(shown.text, "Sample 17\nSample 18");
-        EXPECT_EQ(shown.title, "Dialogs");
-    }
-    EXPECT_EQ(mChannel.GetUsage(), 4);
+    EXPECT_EQ(mChannel.GetUsage(), 10);
 }
 
 TEST_F(UserCommStandardTest, MultiButtonQuestionsShowTheirButtonsAndAnswerByTheDefault)
@@ -201,115 +111,61 @@ TEST_F(UserCommStandardTest, MultiButtonQuestionsShowTheirButtonsAndAnswerByTheD
     const int yes = YesNoCancelAll::kYesCtrlId, yesToAll = YesNoCancelAll::kYesToAllCtrlId,
               no = YesNoCancelAll::kNoCtrlId, noToAll = YesNoCancelAll::kNoToAllCtrlId,
               cancel = YesNoCancelAll::kCancelCtrlId;
-    const struct
-    {
-        Ask ask;
-        Ids buttons;
-        std::vector<int> answers;  // the answer codes whose button is shown
-    } forms[] = {
-        {&StandardUserComm::AskUserYesYesToAllNoNoToAllCancel, {yes, yesToAll, no, noToAll, cancel}, {1, 2, 3, 4, 5}},
-        {&StandardUserComm::AskUserYesYesToAllCancel, {yes, yesToAll, cancel}, {1, 2, 5}},
-        {&StandardUserComm::AskUserYesCancel, {yes, cancel}, {1, 5}},
+    // Every answer code is the default of one form; the others come through the scopes that remember them.
+    const struct { Ask ask; Ids buttons; int defaultAnswer; } forms[] = {
+        {&StandardUserComm::AskUserYesYesToAllNoNoToAllCancel, {yes, yesToAll, no, noToAll, cancel}, 3},
+        {&StandardUserComm::AskUserYesYesToAllCancel, {yes, yesToAll, cancel}, 1},
+        {&StandardUserComm::AskUserYesCancel, {yes, cancel}, 5},
     };
-    int asked = 0;
     for (const auto& form : forms) {
         // Return presses the default button, which the default answer chose.
-        for (int answer : form.answers) {
-            Shown shown;
-            RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-            EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "results.csv\nchanged today", "Export", answer), answer);
-            EXPECT_EQ(shown.kind, Shown::eToAllDialog);
-            EXPECT_EQ(shown.buttons, form.buttons);
-            EXPECT_EQ(shown.title, "Export");
-            ++asked;
-        }
-        // Escape is cancel, whatever the default.
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Escape));
+        Answer(mShown, Key(Qt::Key_Return));
+        EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "results.csv\nchanged today", "Export", form.defaultAnswer),
+                  form.defaultAnswer);
+        EXPECT_EQ(mShown.kind, "YesNoCancelAll");
+        EXPECT_EQ(mShown.buttons, form.buttons);
+        EXPECT_EQ(mShown.texts[YesNoCancelAll::kDetailsCtrlId], "results.csv\nchanged today");
+        EXPECT_EQ(mShown.title, "Export");
+        // Escape is cancel, whatever the default; a null title is the application's name.
+        Answer(mShown, Key(Qt::Key_Escape));
         EXPECT_EQ((mChannel.*form.ask)("Replace the file?", "", nullptr, 1), 5);
-        EXPECT_EQ(shown.title, "Dialogs");
-        ++asked;
+        EXPECT_EQ(mShown.title, "Dialogs");
     }
-    EXPECT_EQ(mChannel.GetUsage(), asked);
+    EXPECT_EQ(mChannel.GetUsage(), 6);
 }
 
 TEST_F(UserCommStandardTest, LongFatalErrorsAndInformsGoToTheScrollingDialog)
 {
-    const std::string nineteen = LinesOf(19);
-    const std::string eighteen = LinesOf(18);
-    const struct
-    {
-        bool inform;
-        const std::string& text;
-        Shown::EKind kind;
-        unsigned int type;
-        bool endNotice;
-    } cases[] = {
-        {true, nineteen, Shown::eScrollDialog, 0, false},
-        {true, eighteen, Shown::eMessageBox, MB_ICONASTERISK, false},
-        {false, nineteen, Shown::eScrollDialog, 0, true},
-        {false, eighteen, Shown::eMessageBox, MB_ICONHAND, false},
+    const std::string nineteen = LinesOf(19), eighteen = LinesOf(18);
+    const struct { bool inform; const std::string& text; unsigned int type; bool endNotice; } cases[] = {
+        {true, nineteen, 0, false},
+        {true, eighteen, MB_ICONASTERISK, false},
+        {false, nineteen, 0, true},
+        {false, eighteen, MB_ICONHAND, false},
     };
     for (const auto& c : cases) {
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-        if (c.inform)
-            mChannel.InformUser(c.text.c_str(), "Report", 0);
-        else
-            mChannel.FatalError(c.text.c_str(), "Report");
-        EXPECT_EQ(shown.kind, c.kind) << (c.inform ? "inform " : "fatal ") << korva::MeasureLines(c.text.c_str());
-        EXPECT_EQ(shown.text, c.text);
-        EXPECT_EQ(shown.title, "Report");
-        if (c.kind == Shown::eMessageBox) {
-            EXPECT_EQ(shown.type, c.type);
-            EXPECT_FALSE(shown.checkBox);
-        } else {
-            EXPECT_EQ(shown.endNotice, c.endNotice);
-        }
+        SCOPED_TRACE(testing::Message() << (c.inform ? "inform " : "fatal ") << korva::MeasureLines(c.text.c_str()));
+        Answer(mShown, Key(Qt::Key_Return));
+        c.inform ? mChannel.InformUser(c.text.c_str(), "Report", 0) : mChannel.FatalError(c.text.c_str(), "Report");
+        EXPECT_EQ(mShown.kind, c.type ? "CustomMessageBoxDlg" : "FatalErrorDialog");
+        EXPECT_EQ(mShown.texts[c.type ? kBoxText : kScrollText], c.text);
+        EXPECT_EQ(mShown.title, "Report");
+        EXPECT_EQ(mShown.type, c.type);
+        EXPECT_EQ(mShown.texts.count(kEndNotice), c.endNotice ? 1u : 0u);
+        EXPECT_EQ(mShown.texts.count(kBoxCheck), 0u);
     }
-    EXPECT_EQ(mChannel.GetUsage(), 4);
-}
 
-TEST_F(UserCommStandardTest, NullAndEmptyTextsShowNothingButCount)
-{
+    // Null and empty texts show nothing but count.
     DialogSpy spy;
     mChannel.FatalError(nullptr, "Report");
-    mChannel.FatalError("", "Report");
-    mChannel.InformUser(nullptr, "Report", 0);
-    mChannel.InformUser("", "Report", 0);
-    // Not even the silence key is touched for an empty text.
     mChannel.InformUser("", "Report", 7);
     EXPECT_EQ(spy.Count(), 0);
-    EXPECT_EQ(mChannel.GetUsage(), 5);
-    std::vector<std::string> children;
-    EXPECT_FALSE(TsGetRegSubKeys(HKEY_CURRENT_USER, "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser", children));
-    mChannel.ResetUsage();
-    EXPECT_EQ(mChannel.GetUsage(), 0);
-}
-
-TEST_F(UserCommStandardTest, CopyTakesTheUsageCount)
-{
-    DialogSpy spy;
-    mChannel.InformUser(nullptr, nullptr, 0);
-    mChannel.InformUser(nullptr, nullptr, 0);
-    StandardUserComm copy(mChannel);
-    EXPECT_EQ(copy.GetUsage(), 2);
-    copy.FatalError("", nullptr);
-    EXPECT_EQ(copy.GetUsage(), 3);
-    EXPECT_EQ(mChannel.GetUsage(), 2);
-    mChannel = copy;
-    EXPECT_EQ(mChannel.GetUsage(), 3);
+    EXPECT_EQ(mChannel.GetUsage(), 6);
 }
 
 TEST_F(UserCommStandardTest, MessageBoxHelperAddsTheExclamationOnlyWhereItBelongs)
 {
-    const struct
-    {
-        unsigned int type;
-        unsigned int shown;
-        Qt::Key key;
-        int answer;
-    } cases[] = {
+    const struct { unsigned int type; unsigned int shown; Qt::Key key; int answer; } cases[] = {
         {MB_OK, MB_OK | MB_ICONEXCLAMATION, Qt::Key_Escape, IDOK},  // a box with only OK always answers OK
         {MB_OKCANCEL, MB_OKCANCEL | MB_ICONEXCLAMATION, Qt::Key_Escape, IDCANCEL},
         {MB_YESNOCANCEL, MB_YESNOCANCEL | MB_ICONEXCLAMATION, Qt::Key_Return, IDYES},
@@ -317,133 +173,117 @@ TEST_F(UserCommStandardTest, MessageBoxHelperAddsTheExclamationOnlyWhereItBelong
         {MB_RETRYCANCEL, MB_RETRYCANCEL, Qt::Key_Escape, IDCANCEL},
         {MB_ABORTRETRYIGNORE, MB_ABORTRETRYIGNORE, Qt::Key_Return, IDABORT},
         {MB_OK | MB_ICONASTERISK, MB_OK | MB_ICONASTERISK, Qt::Key_Return, IDOK},
-        {MB_YESNO | MB_ICONQUESTION, MB_YESNO | MB_ICONQUESTION, Qt::Key_Return, IDYES},
     };
     for (const auto& c : cases) {
-        mRecordingApp->calls.clear();
+        App().calls.clear();
         std::vector<bool> callsWhileShown;
-        Shown shown;
-        RecordAndAnswer(shown, [&](QWidget* dialog) {
-            callsWhileShown = mRecordingApp->calls;
+        Answer(mShown, [&](QWidget* dialog) {
+            callsWhileShown = App().calls;
             Press(dialog, c.key);
         });
         EXPECT_EQ(korva::UserCommMessageBox("The file is locked.", nullptr, c.type), c.answer) << c.type;
-        EXPECT_EQ(shown.type, c.shown) << c.type;
-        EXPECT_EQ(shown.title, "Dialogs");
+        EXPECT_EQ(mShown.type, c.shown) << c.type;
+        EXPECT_EQ(mShown.title, "Dialogs");
         // Modeless windows are disabled for exactly the time the box is up.
         EXPECT_EQ(callsWhileShown, std::vector<bool>{false});
-        EXPECT_EQ(mRecordingApp->calls, (std::vector<bool>{false, true}));
+        EXPECT_EQ(App().calls, (std::vector<bool>{false, true}));
     }
     // Only a null title falls back to the application's name.
-    Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
+    Answer(mShown, Key(Qt::Key_Return));
     korva::UserCommMessageBox("text", "", MB_OK);
-    EXPECT_EQ(shown.title, "");
+    EXPECT_EQ(mShown.title, "");
 }
 
 TEST_F(UserCommStandardTest, SilencedInformIsReadFromAndWrittenToTheRegistry)
 {
-    // Not checked: shown, nothing stored.
-    Shown shown;
-    RecordAndAnswer(shown, PressKey(Qt::Key_Return));
+    // Not checked: shown in a plain box with a check box, without the title; nothing stored.
+    Answer(mShown, Key(Qt::Key_Return));
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-    EXPECT_EQ(shown.kind, Shown::eMessageBox);
-    EXPECT_TRUE(shown.checkBox);
-    EXPECT_EQ(shown.type, 0u);
-    EXPECT_EQ(shown.text, "The audit trail was saved.");
-    EXPECT_EQ(shown.title, "Dialogs") << "the title is not used with a silence id";
+    EXPECT_EQ(std::tuple(mShown.kind, mShown.texts.count(kBoxCheck), mShown.type, mShown.title),
+              std::tuple("CustomMessageBoxDlg", 1u, 0u, "Dialogs"));
     EXPECT_EQ(Silence("42"), "");
 
-    // Checked: shown once more, then silenced for good.
-    RecordAndAnswer(shown, [](QWidget* dialog) {
-        QTest::mouseClick(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId), Qt::LeftButton);
-        Press(dialog, Qt::Key_Return);
-    });
+    // Checked: silenced for good, long texts as well. Checked and closed with the
+    // window's close, the box has no Cancel: nothing is taken.
+    Answer(mShown, ClickOn(IDOK, kBoxCheck));
     mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-    EXPECT_EQ(Silence("42"), "0");
-
-    {
-        DialogSpy spy;
-        mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
-        // A long text with the silence id stays silent as well.
-        mChannel.InformUser(LinesOf(25).c_str(), "Audit trail", 42);
-        EXPECT_EQ(spy.Count(), 0);
-    }
-    EXPECT_EQ(mChannel.GetUsage(), 4);
-
-    // Checked and cancelled with the window's close: the box has no Cancel, so
-    // the state is not taken.
-    RecordAndAnswer(shown, [](QWidget* dialog) {
-        QTest::mouseClick(Control<QCheckBox>(dialog, CustomMessageBoxDlg::kCheckBoxCtrlId), Qt::LeftButton);
+    Answer(mShown, [](QWidget* dialog) {
+        Click(dialog, kBoxCheck);
         dialog->close();
     });
     mChannel.InformUser("Another one.", nullptr, 43);
+    EXPECT_EQ(Silence("42"), "0");
     EXPECT_EQ(Silence("43"), "");
-}
-
-TEST_F(UserCommStandardTest, OnlyADwordZeroSilences)
-{
-    const std::string key = "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser";
     {
-        RegistrySection section(HKEY_CURRENT_USER, key.c_str(), KEY_ALL_ACCESS, true);
-        ASSERT_TRUE(section.WriteInt("1", 1));
-        ASSERT_TRUE(section.WriteInt("2", -1));
-        ASSERT_TRUE(section.WriteKey("3", "0"));  // a text, not a number
-        ASSERT_TRUE(section.WriteInt("4", 0));
+        DialogSpy spy;
+        mChannel.InformUser("The audit trail was saved.", "Audit trail", 42);
+        mChannel.InformUser(LinesOf(25).c_str(), "Audit trail", 42);
+        EXPECT_EQ(spy.Count(), 0);
     }
-    for (unsigned long id : {1ul, 2ul, 3ul, 5ul}) {
-        Shown shown;
-        RecordAndAnswer(shown, PressKey(Qt::Key_Return));
-        mChannel.InformUser("Shown.", nullptr, id);
-        EXPECT_EQ(shown.kind, Shown::eMessageBox) << "id " << id;
-        EXPECT_TRUE(shown.checkBox) << "id " << id;
-    }
-    DialogSpy spy;
-    mChannel.InformUser("Silenced.", nullptr, 4);
-    EXPECT_EQ(spy.Count(), 0);
-    EXPECT_EQ(korva::GetInformSilenceKeyName(), key);
-}
+    EXPECT_EQ(mChannel.GetUsage(), 5);
 
-TEST_F(UserCommStandardTest, SilenceKeyIsCreatedWithReadAndWriteAccess)
-{
-    {
-        RegistrySection key = korva::OpenInformSilenceKey();
-        EXPECT_EQ(key.GetAccess(), 0x2001Fu);
-        EXPECT_EQ(key.GetPath(), "SOFTWARE\\Tessmark\\Dialogs\\UserCommInformUser");
-        EXPECT_FALSE(korva::IsInformSilenced(key, 9));
-        EXPECT_TRUE(korva::SilenceInform(key, 9));
-        EXPECT_TRUE(korva::IsInformSilenced(key, 9));
-    }
+    // Only a DWORD 0 silences; the key is opened for reading and writing, and
+    // the value names keep the 32-bit form of the ids.
+    RegistrySection key = korva::OpenInformSilenceKey();
+    ASSERT_TRUE(key.WriteInt("1", 1) && key.WriteInt("2", -1) && key.WriteKey("3", "0"));
+    for (unsigned long id : {1ul, 2ul, 3ul, 5ul})
+        EXPECT_FALSE(korva::IsInformSilenced(key, id)) << id;
+    EXPECT_TRUE(korva::SilenceInform(key, 9) && korva::IsInformSilenced(key, 9));
     EXPECT_EQ(Silence("9"), "0");
     EXPECT_EQ(korva::GetInformSilenceValueName(4000000000ul), "4000000000");
 }
 
-TEST_F(UserCommStandardTest, HourGlassStaysUntilTheMouseMoves)
+namespace {
+
+const BreakMessage kHide{BreakWindowChannel::eShowWindow, 0.0f};
+const BreakMessage kShow{BreakWindowChannel::eShowWindow, 1.0f};
+
+class UserCommProgressTest : public korva::test::ProgressFrameFixture
 {
-    QWidget window;
-    window.resize(200, 100);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    ASSERT_EQ(QGuiApplication::overrideCursor(), nullptr);
+protected:
+    void SetUp() override
+    {
+        ProgressFrameFixture::SetUp();
+        MakeFrame();
+        BreakWindowChannel::SetChannel(&mWindow);
+        mProgress = std::make_unique<Progress>(nullptr, "Import", 0.0f, 1.0f, false, true, true);
+        mWindow.messages.clear();
+    }
+    void TearDown() override
+    {
+        mProgress.reset();
+        ProgressFrameFixture::TearDown();
+    }
 
-    mChannel.HourGlassOn();
-    mChannel.HourGlassOn();  // a second call does not stack a second cursor
-    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
-    mChannel.HourGlassOff();
-    QCoreApplication::processEvents();
-    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr) << "HourGlassOff leaves the cursor to the mouse";
+    korva::test::RecordingBreakWindow mWindow;
+    std::unique_ptr<Progress> mProgress;
+    StandardUserComm mChannel;
+};
 
-    QTest::mouseMove(&window, QPoint(50, 50));
-    QTest::mouseMove(&window, QPoint(60, 50));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+} // namespace
 
-    // And it can be switched on again after that.
-    mChannel.HourGlassOn();
-    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr);
-    QTest::mouseMove(&window, QPoint(70, 50));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(mChannel.GetUsage(), 0) << "the hour glass does not address the user";
+TEST_F(UserCommProgressTest, EveryDialogIsBracketedByHideAndShow)
+{
+    // One call for each way to a dialog: the three "to all" questions share one, and
+    // fatal errors and informs step in front before they choose their dialog.
+    const std::string longText(40, '\n');
+    const std::vector<std::function<void()>> calls = {
+        [&] { mChannel.AskUserYesNo("Stop the import?", nullptr, 1); },
+        [&] { mChannel.AskUserYesNo(longText.c_str(), nullptr, 1); },
+        [&] { mChannel.AskUserYesNo("Stop?", "details", nullptr, 1); },
+        [&] { mChannel.AskUserYesCancel("Replace?", "", nullptr, 1); },
+        [&] { mChannel.FatalError("Disk full.", nullptr); },
+        [&] { mChannel.InformUser(longText.c_str(), nullptr, 0); },
+    };
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        mWindow.messages.clear();
+        std::vector<BreakMessage> whileShown;
+        korva::test::WhenModal([&](QWidget* dialog) {
+            whileShown = mWindow.messages;
+            korva::test::Press(dialog, Qt::Key_Return);
+        });
+        calls[i]();
+        EXPECT_EQ(whileShown, std::vector<BreakMessage>{kHide}) << "call " << i;
+        EXPECT_EQ(mWindow.messages, (std::vector<BreakMessage>{kHide, kShow})) << "call " << i;
+    }
 }

@@ -1,12 +1,8 @@
-// A small program that the failure tests start as a child process, since what
-// they check ends a process: crashes that leave a dump, and the internal error
-// dialog, whose Finish button ends the program (and may start it again).
-//
-//   korva_failure_helper <mode> <folder>
-//
-// Crash modes initialise MiniDumper with the dump file <folder>/crash.dmp; its
-// onDumped writes <folder>/dumped (the path), its onFailed <folder>/failed
-// (path, a line feed, the error number).
+// korva_failure_helper <mode> <folder>: what the failure tests check ends a
+// process, so it happens here: crashes that leave a dump, and the internal
+// error dialog, whose Finish ends the program (and may start it again). The
+// dump goes to <folder>/crash.dmp; onDumped writes <folder>/dumped (the path),
+// onFailed <folder>/failed (path, a line feed, the error number).
 
 #include <KORVAutlwin/frame/FaultTranslation.h>
 #include <KORVAutlwin/frame/InternalErrorDialog.h>
@@ -16,14 +12,10 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/Log.h>
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QTest>
-#include <QTimer>
-#include <QWizard>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <thread>
 
@@ -38,16 +30,12 @@ std::string gFolder;
 // Markers are written from the crash handler: plain system calls only.
 void WriteMarker(const char* name, const std::string& content)
 {
-    const std::string path = gFolder + "/" + name;
-    const int fd = open(path.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0644);
-    if (fd < 0)
-        return;
-    if (write(fd, content.data(), content.size()) < 0) {
-    }
-    close(fd);
+    const int fd = open((gFolder + "/" + name).c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0644);
+    if (fd >= 0 && write(fd, content.data(), content.size()) >= 0)
+        close(fd);
 }
 
-void InitializeDumper(const std::string& dumpFile, const char* dumpedMarker)
+void InitializeDumper(const std::string& dumpFile, const char* dumpedMarker = "dumped")
 {
     MiniDumper::Initialize([dumpFile] { return dumpFile; },
                            [dumpedMarker](const char* path) { WriteMarker(dumpedMarker, path); },
@@ -65,9 +53,7 @@ void InitializeDumper(const std::string& dumpFile, const char* dumpedMarker)
 {
     volatile char block[512];
     block[0] = static_cast<char>(depth);
-    if (depth < 0)
-        return 0;
-    return Recurse(depth + 1) + block[0];
+    return depth < 0 ? 0 : Recurse(depth + 1) + block[0];
 }
 
 // A guard that a thrown exception and a translated fault have left: neither may
@@ -95,20 +81,15 @@ int RunDialog(int argc, char** argv, bool restart)
         return 0;
     }
     WriteMarker("first", std::to_string(getpid()));
-
     QApplication app(argc, argv);
     // Clicks as a user would give them, once the dialog is up.
     std::function<void()> drive = [&] {
         auto* wizard = qobject_cast<QWizard*>(QApplication::activeModalWidget());
-        if (!wizard || !wizard->isVisible()) {
-            QTimer::singleShot(10, drive);
-            return;
-        }
-        if (restart) {
-            for (QCheckBox* box : wizard->findChildren<QCheckBox*>())
-                if (box->property("ctrlId").toInt() == 13040)
-                    QTest::mouseClick(box, Qt::LeftButton);
-        }
+        if (!wizard || !wizard->isVisible())
+            return QTimer::singleShot(10, drive);
+        for (QCheckBox* box : wizard->findChildren<QCheckBox*>())
+            if (restart && box->property("ctrlId").toInt() == 13040)
+                QTest::mouseClick(box, Qt::LeftButton);
         QTest::mouseClick(wizard->button(QWizard::FinishButton), Qt::LeftButton);
     };
     QTimer::singleShot(0, drive);
@@ -132,36 +113,23 @@ int main(int argc, char** argv)
     const rlimit noCore{0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
 
-    const std::string dumpFile = gFolder + "/crash.dmp";
-    if (mode == "crash-main") {
-        InitializeDumper(dumpFile, "dumped");
+    if (mode == "dialog-restart" || mode == "dialog-finish")
+        return RunDialog(argc, argv, mode == "dialog-restart");
+    InitializeDumper(gFolder + (mode == "crash-unwritable" ? "/missing/crash.dmp" : "/crash.dmp"));
+    InitializeDumper(gFolder + "/second.dmp", "dumped-second");   // changes nothing
+    if (mode == "crash-main" || mode == "crash-unwritable") {
         LeaveGuards();
         FaultAt(0x10);
     } else if (mode == "crash-thread") {
-        InitializeDumper(dumpFile, "dumped");
-        std::thread worker([] {
+        std::thread([] {
             LeaveGuards();
             FaultAt(0x20);
-        });
-        worker.join();
-    } else if (mode == "crash-twice") {
-        InitializeDumper(dumpFile, "dumped");
-        InitializeDumper(gFolder + "/second.dmp", "dumped-second");
-        FaultAt(0x10);
-    } else if (mode == "crash-unwritable") {
-        InitializeDumper(gFolder + "/missing/crash.dmp", "dumped");
-        FaultAt(0x10);
+        }).join();
     } else if (mode == "overflow-main") {
-        InitializeDumper(dumpFile, "dumped");
         return Recurse(0);
     } else if (mode == "terminate") {
-        InitializeDumper(dumpFile, "dumped");
         std::thread([] { throw Exception("The helper gave up."); }).join();
-    } else if (mode == "dialog-restart" || mode == "dialog-finish") {
-        return RunDialog(argc, argv, mode == "dialog-restart");
-    } else {
-        std::fprintf(stderr, "unknown mode %s\n", mode.c_str());
-        return 2;
     }
-    return 0;
+    std::fprintf(stderr, "unknown mode %s\n", mode.c_str());
+    return 2;
 }
