@@ -225,7 +225,9 @@ TEST_F(RegistrySectionTest, BaseKeyNameComesFromTheApplication)
 {
     const std::string fallback = "SOFTWARE\\Tessmark\\" + TsSystemInfo::GetApplicationName() + "\\" +
                                  TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort);
-    EXPECT_EQ(GetRegistryBaseKeyName(), fallback);
+    // One static buffer, formatted anew on each call.
+    const char* buffer = GetRegistryBaseKeyName();
+    EXPECT_EQ(buffer, fallback);
     {
         WinApp app("Probe");
         app.SetProfileName("Custom");
@@ -233,6 +235,9 @@ TEST_F(RegistrySectionTest, BaseKeyNameComesFromTheApplication)
         EXPECT_STREQ(GetRegistryBaseKeyName(), "SOFTWARE\\Acme\\Probe");
         app.SetProfileName("Probe\\2.1");
         EXPECT_STREQ(GetRegistryBaseKeyName(), "SOFTWARE\\Acme\\Probe\\2.1");
+        app.SetProfileName(std::string(300, 'p').c_str());  // longer than any text before
+        EXPECT_EQ(GetRegistryBaseKeyName(), buffer);
+        EXPECT_EQ(std::string(buffer), "SOFTWARE\\Acme\\" + std::string(300, 'p'));
     }
     EXPECT_EQ(GetRegistryBaseKeyName(), fallback);
 }
