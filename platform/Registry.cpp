@@ -434,6 +434,17 @@ LONG RegSetValueA(HKEY key, const char* subKey, DWORD type, const char* data, DW
     return error ? error : transaction.Finish();
 }
 
+LONG RegFlushKey(HKEY key)
+{
+    Call call(key, 0);
+    if (call.Error())
+        return call.Error();
+    // A read-only root has nothing of this process to flush.
+    if (call.Db().ReadOnly())
+        return ERROR_SUCCESS;
+    return Win32Result(call.Db().Checkpoint(), true);
+}
+
 LONG RegSetValueExA(HKEY key, const char* valueName, DWORD /*reserved*/, DWORD type, const BYTE* data, DWORD dataSize)
 {
     return SetValueEx(key, NameOf(valueName), type, data, dataSize);

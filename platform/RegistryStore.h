@@ -63,22 +63,31 @@ public:
     bool CloseHandle(HKEY key);
 
     /// The open database of `hive`, opening it if needed; null with `error` set.
+    /// A damaged database gives ERROR_REGISTRY_CORRUPT from the moment the
+    /// damage shows to the next Reset.
     sqlite::Database* Connect(Hive hive, LONG& error);
 
     /// Closes both databases and forgets every handle.
     void Reset();
     void SetBusyTimeout(int milliseconds);
+    /// Moves the files of each damaged root aside (see RegistryStore::MoveAsideDamaged).
+    std::vector<RegistryStore::MovedAside> MoveAsideDamaged();
 
 private:
     struct Root
     {
         std::unique_ptr<sqlite::Database> database;
-        // Set while the root is an empty stand-in for this file, which did not exist.
-        std::string missingFile;
+        // The database file; with `missing`, the file that did not exist and
+        // that the empty stand-in in memory waits for.
+        std::string file;
+        bool missing = false;
+        // The file was found damaged: nothing touches it any more.
+        bool damaged = false;
     };
 
     LONG Open(Hive hive, Root& root);
     LONG OpenMissing(const std::string& path, Root& root);
+    LONG Damaged(Root& root);
 
     Root mRoots[HiveCount];
     std::unordered_map<std::uintptr_t, OpenKey> mHandles;

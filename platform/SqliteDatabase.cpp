@@ -2,6 +2,8 @@
 
 #include <KORVAutlwin/platform/SqliteDatabase.h>
 
+#include <cstdlib>
+
 namespace korva::sqlite {
 namespace {
 
@@ -105,19 +107,52 @@ void Database::SetBusyTimeout(int milliseconds)
     sqlite3_busy_timeout(mDb, milliseconds);
 }
 
+void Database::MarkDamaged()
+{
+    mDamaged = true;
+    if (mDb)
+        sqlite3_db_config(mDb, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+int Database::Checkpoint()
+{
+    int rc = Exec("PRAGMA synchronous = FULL");
+    if (rc == SQLITE_OK)
+        rc = Note(sqlite3_wal_checkpoint_v2(mDb, "main", SQLITE_CHECKPOINT_FULL, nullptr, nullptr));
+    if ((rc & 0xFF) == SQLITE_BUSY) {
+        // A reader of another process still needs the WAL: make the WAL itself durable.
+        sqlite3_file* wal = nullptr;
+        rc = sqlite3_file_control(mDb, "main", SQLITE_FCNTL_JOURNAL_POINTER, &wal);
+        if (rc == SQLITE_OK && wal && wal->pMethods)
+            rc = wal->pMethods->xSync(wal, SQLITE_SYNC_FULL);
+    }
+    const int restored = Exec("PRAGMA synchronous = NORMAL");
+    return rc == SQLITE_OK ? restored : rc;
+}
+
 int Database::Exec(const char* sql)
 {
-    return sqlite3_exec(mDb, sql, nullptr, nullptr, nullptr);
+    return Note(sqlite3_exec(mDb, sql, nullptr, nullptr, nullptr));
 }
 
 int Database::ReadInt(const char* sql, int& value)
 {
+    std::string text;
+    const int rc = ReadText(sql, text);
+    if (rc == SQLITE_OK)
+        value = std::atoi(text.c_str());
+    return rc;
+}
+
+int Database::ReadText(const char* sql, std::string& value)
+{
     sqlite3_stmt* statement = nullptr;
-    int rc = sqlite3_prepare_v2(mDb, sql, -1, &statement, nullptr);
+    int rc = Note(sqlite3_prepare_v2(mDb, sql, -1, &statement, nullptr));
     if (rc == SQLITE_OK) {
-        rc = sqlite3_step(statement);
+        rc = Note(sqlite3_step(statement));
         if (rc == SQLITE_ROW) {
-            value = sqlite3_column_int(statement, 0);
+            const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+            value = text ? text : "";
             rc = SQLITE_OK;
         }
     }
@@ -131,14 +166,14 @@ int Database::Run(Control which)
     sqlite3_stmt* statement = mStatements[which] ? mStatements[which] : Prepare(which, kControlSql[which], rc);
     if (!statement)
         return rc;
-    rc = sqlite3_step(statement);
+    rc = Note(sqlite3_step(statement));
     sqlite3_reset(statement);
     return rc == SQLITE_DONE || rc == SQLITE_ROW ? SQLITE_OK : rc;
 }
 
 sqlite3_stmt* Database::Prepare(std::size_t slot, const char* sql, int& rc)
 {
-    rc = sqlite3_prepare_v3(mDb, sql, -1, SQLITE_PREPARE_PERSISTENT, &mStatements[slot], nullptr);
+    rc = Note(sqlite3_prepare_v3(mDb, sql, -1, SQLITE_PREPARE_PERSISTENT, &mStatements[slot], nullptr));
     if (rc != SQLITE_OK) {
         sqlite3_finalize(mStatements[slot]);
         mStatements[slot] = nullptr;

@@ -52,10 +52,28 @@ public:
 
     bool ReadOnly() const { return mReadOnly; }
     void SetBusyTimeout(int milliseconds);
+
+    /// Records a result of this connection: damage (SQLITE_CORRUPT, SQLITE_NOTADB)
+    /// marks the database damaged for good. Returns `rc`.
+    int Note(int rc)
+    {
+        if ((rc & 0xFF) == SQLITE_CORRUPT || (rc & 0xFF) == SQLITE_NOTADB)
+            MarkDamaged();
+        return rc;
+    }
+    /// From now on the connection writes nothing, not even the checkpoint that
+    /// closing the last connection would make.
+    void MarkDamaged();
+    bool Damaged() const { return mDamaged; }
+    /// Copies the WAL into the database file and syncs both, so that what was
+    /// committed survives a power cut. Where other readers keep the WAL from
+    /// being copied, the WAL file itself is synced.
+    int Checkpoint();
     /// Runs SQL text that returns nothing (several statements may follow each other).
     int Exec(const char* sql);
-    /// The first column of the first row of `sql` as a number.
+    /// The first column of the first row of `sql` as a number, or as text.
     int ReadInt(const char* sql, int& value);
+    int ReadText(const char* sql, std::string& value);
     /// Rows changed by the last statement; the id the last insert gave.
     int Changes() const { return sqlite3_changes(mDb); }
     sqlite3_int64 LastInsertId() const { return sqlite3_last_insert_rowid(mDb); }
@@ -77,6 +95,7 @@ private:
 
     sqlite3* mDb;
     bool mReadOnly;
+    bool mDamaged = false;
     Statements mSql;
     // The transaction statements first, then the owner's.
     std::vector<sqlite3_stmt*> mStatements;
