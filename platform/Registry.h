@@ -21,7 +21,10 @@
 //   killed at any moment loses nothing that was reported written. A power
 //   failure may lose the commits since the last RegFlushKey, never the database.
 // - Several processes may use one store at once; a call waits up to the busy
-//   timeout (5 s by default) for another process's write.
+//   timeout (5 s by default) for another process's write. Every call sees what
+//   any process committed before the call began: keys and values that a
+//   process reads again are served from its memory only while the store's
+//   WAL index shows no commit since they were read.
 // - A root that the file system does not let this process write is opened read
 //   only: opening or creating a key with any write right, and every write,
 //   give ERROR_ACCESS_DENIED. A root whose file does not exist and cannot be

@@ -193,6 +193,84 @@ LONG Walk(sqlite::Database& database, sqlite3_int64& node, const std::vector<std
 
 } // namespace
 
+// Values above this size are read from the database each time; past the
+// limits of entries and bytes the cache starts again.
+constexpr std::size_t kMaxCachedValue = 4096;
+constexpr std::size_t kMaxCachedEntries = 4096;
+constexpr std::size_t kMaxCachedBytes = 1 << 20;
+
+bool ReadCache::Fresh(const sqlite::Database& database)
+{
+    sqlite::Database::Stamp stamp;
+    const bool readable = database.ReadStamp(stamp);
+    if (!readable || !mHasStamp || stamp != mStamp) {
+        // What is read from now on is at least as new as this stamp; should the
+        // stamp ever show again, nothing committed after it.
+        Clear();
+        mStamp = stamp;
+    }
+    mHasStamp = readable;
+    return readable;
+}
+
+const std::string& ReadCache::KeyOf(sqlite3_int64 owner, std::span<const std::string_view> names)
+{
+    mScratch.assign(reinterpret_cast<const char*>(&owner), sizeof owner);
+    for (std::string_view name : names) {
+        mScratch += '\\';
+        for (char c : name)
+            mScratch += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return mScratch;
+}
+
+void ReadCache::Clear()
+{
+    mKeys.clear();
+    mValues.clear();
+    mBytes = 0;
+}
+
+void ReadCache::MakeRoom(std::size_t bytes)
+{
+    mBytes += bytes;
+    if (mKeys.size() + mValues.size() >= kMaxCachedEntries || mBytes > kMaxCachedBytes) {
+        Clear();
+        mBytes = bytes;
+    }
+}
+
+bool ReadCache::FindKey(sqlite3_int64 start, const std::vector<std::string_view>& parts, sqlite3_int64& node)
+{
+    const auto found = mKeys.find(KeyOf(start, parts));
+    if (found == mKeys.end())
+        return false;
+    node = found->second;
+    return true;
+}
+
+void ReadCache::AddKey(sqlite3_int64 start, const std::vector<std::string_view>& parts, sqlite3_int64 node)
+{
+    KeyOf(start, parts);
+    MakeRoom(mScratch.size());
+    mKeys.insert_or_assign(mScratch, node);
+}
+
+const ReadCache::Value* ReadCache::FindValue(sqlite3_int64 node, std::string_view name)
+{
+    const auto found = mValues.find(KeyOf(node, {&name, 1}));
+    return found == mValues.end() ? nullptr : &found->second;
+}
+
+void ReadCache::AddValue(sqlite3_int64 node, std::string_view name, DWORD type, const void* data, DWORD size)
+{
+    if (size > kMaxCachedValue)
+        return;
+    KeyOf(node, {&name, 1});
+    MakeRoom(mScratch.size() + size);
+    mValues.insert_or_assign(mScratch, Value{type, std::string(static_cast<const char*>(data), size)});
+}
+
 LONG Store::Resolve(HKEY key, OpenKey& target, bool& predefined) const
 {
     predefined = key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE;
@@ -302,6 +380,8 @@ LONG Store::Open(Hive hive, Root& root)
         return sqlite::Win32Result(rc, !database->ReadOnly());
     if (version != kSchemaVersion)
         return ERROR_REGISTRY_CORRUPT;
+    // Without it, the reads of this root are not cached.
+    database->WatchCommits();
     root.database = std::move(database);
     return ERROR_SUCCESS;
 }

@@ -2,6 +2,7 @@
 
 #include <KORVAutlwin/platform/SqliteDatabase.h>
 
+#include <atomic>
 #include <cstdlib>
 
 namespace korva::sqlite {
@@ -98,6 +99,7 @@ Database::~Database()
 void Database::Abandon()
 {
     mDb = nullptr;
+    mIndex = nullptr;
     for (sqlite3_stmt*& statement : mStatements)
         statement = nullptr;
 }
@@ -112,6 +114,39 @@ void Database::MarkDamaged()
     mDamaged = true;
     if (mDb)
         sqlite3_db_config(mDb, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+bool Database::WatchCommits()
+{
+    std::string mode;
+    if (mReadOnly || ReadText("PRAGMA journal_mode", mode) != SQLITE_OK || mode != "wal")
+        return false;
+    sqlite3_file* file = nullptr;
+    if (sqlite3_file_control(mDb, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file ||
+        !file->pMethods || file->pMethods->iVersion < 2 || !file->pMethods->xShmMap)
+        return false;
+    // The first region, which the connection has mapped already: nothing is created here.
+    void volatile* region = nullptr;
+    if (file->pMethods->xShmMap(file, 0, 32768, 0, &region) != SQLITE_OK || !region)
+        return false;
+    mIndex = static_cast<const volatile std::uint32_t*>(region);
+    return true;
+}
+
+bool Database::ReadStamp(Stamp& stamp) const
+{
+    if (!mIndex)
+        return false;
+    // The header stands twice; a writer puts the second copy first, a reader
+    // reads the first copy first: a difference is a write under way.
+    Stamp second;
+    for (std::size_t i = 0; i < stamp.size(); ++i)
+        stamp[i] = mIndex[i];
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+    for (std::size_t i = 0; i < second.size(); ++i)
+        second[i] = mIndex[second.size() + i];
+    const bool initialised = reinterpret_cast<const volatile unsigned char*>(mIndex)[12] != 0;
+    return initialised && stamp == second;
 }
 
 int Database::Checkpoint()

@@ -7,7 +7,9 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -65,6 +67,18 @@ public:
     /// closing the last connection would make.
     void MarkDamaged();
     bool Damaged() const { return mDamaged; }
+    /// The header of the WAL index as it stands in shared memory; every commit of
+    /// any connection, in any process, changes it.
+    using Stamp = std::array<std::uint32_t, 12>;
+    /// Makes ReadStamp work, for a database in WAL mode whose index is in shared
+    /// memory; false for any other.
+    bool WatchCommits();
+    /// Reads the stamp without a lock or a system call. Two equal stamps mean
+    /// that nobody committed in between: the test by which SQLite itself keeps
+    /// its page cache and its data_version. False when there is nothing to read
+    /// or a writer is changing it just now.
+    bool ReadStamp(Stamp& stamp) const;
+
     /// Copies the WAL into the database file and syncs both, so that what was
     /// committed survives a power cut. Where other readers keep the WAL from
     /// being copied, the WAL file itself is synced.
@@ -96,6 +110,8 @@ private:
     sqlite3* mDb;
     bool mReadOnly;
     bool mDamaged = false;
+    // The WAL index in shared memory, mapped by SQLite for the connection's life.
+    const volatile std::uint32_t* mIndex = nullptr;
     Statements mSql;
     // The transaction statements first, then the owner's.
     std::vector<sqlite3_stmt*> mStatements;
