@@ -212,11 +212,11 @@ public:
         std::string file;
         std::string movedTo;
     };
-    /// For the start of an application: opens both roots, which checks them,
-    /// and renames the file of each damaged one to "<file>.corrupt-<UTC time>"
-    /// (its -wal and -shm likewise), so that the root starts again empty.
-    /// Handles on a moved root become invalid. Nothing is deleted. Returns
-    /// the damaged roots, none when all is well.
+    /// For the start of an application: opens each root whose file exists,
+    /// which checks it, and renames the file of each damaged one to
+    /// "<file>.corrupt-<UTC time>" (its -wal and -shm likewise), so that the
+    /// root starts again empty. Handles on a moved root become invalid.
+    /// Nothing is deleted. Returns the damaged roots, none when all is well.
     static std::vector<MovedAside> MoveAsideDamaged();
 };
 

@@ -204,8 +204,8 @@ bool ReadCache::Fresh(const sqlite::Database& database)
     sqlite::Database::Stamp stamp;
     const bool readable = database.ReadStamp(stamp);
     if (!readable || !mHasStamp || stamp != mStamp) {
-        // What is read from now on is at least as new as this stamp; should the
-        // stamp ever show again, nothing committed after it.
+        // What is read from now on is at least as new as this stamp, and is
+        // served while the stamp stays: then nobody has committed since.
         Clear();
         mStamp = stamp;
     }
@@ -420,9 +420,13 @@ std::vector<RegistryStore::MovedAside> Store::MoveAsideDamaged()
 {
     std::vector<RegistryStore::MovedAside> result;
     for (int hive = 0; hive < HiveCount; ++hive) {
+        Root& root = mRoots[hive];
+        // A file that does not exist is not created just to be looked at.
+        struct stat info;
+        if (!root.database && !root.damaged && ::stat(HivePath(static_cast<Hive>(hive)).c_str(), &info) != 0)
+            continue;
         LONG error = ERROR_SUCCESS;
         Connect(static_cast<Hive>(hive), error);
-        Root& root = mRoots[hive];
         if (!root.damaged)
             continue;
         RegistryStore::MovedAside entry{root.file, MoveAside(root.file)};
