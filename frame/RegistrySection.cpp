@@ -162,6 +162,8 @@ bool RegistrySection::DeleteSection()
 
 bool RegistrySection::Flush() const
 {
+    // Every write is on disk already; this makes it survive a power cut as well.
+    RegFlushKey(current);
     return true;
 }
 

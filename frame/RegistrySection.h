@@ -67,7 +67,8 @@ public:
     bool DeleteKey(const char* key) override;
     /// Deletes the children (every second one, see above), then the key itself.
     bool DeleteSection() override;
-    /// True: every write is on disk when it returns.
+    /// True: every write is on disk when it returns; flushing makes the writes
+    /// so far survive a power cut too (RegFlushKey).
     bool Flush() const override;
     /// True when the key holds at least one value (the reverse of the name).
     bool IsEmpty() const override;

@@ -3,13 +3,19 @@
 #include <KORVAutlwin/art/ProgressArt.h>
 #include <KORVAutlwin/frame/AboutDialog.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
+#include <KORVAutlwin/platform/Registry.h>
 #include <KORVAutlwin/platform/UserIdentity.h>
 
 #include <KORVAutl/LanguageString.h>
+#include <KORVAutl/Log.h>
 #include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsString.h>
 #include <KORVAutl/TsSystemInfo.h>
+#include <KORVAutl/UserComm.h>
 #include <KORVAutl/XMLSection.h>
+
+#include <QCoreApplication>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -20,6 +26,7 @@ namespace {
 constexpr const char* kCompanyWord = "Tessmark";
 constexpr const char* kAppSettings = "AppSettings";
 constexpr unsigned int kAboutMenuText = 13195;
+constexpr unsigned int kRegistryMovedAside = 13276;
 
 std::string EnvironmentFolder(const char* variable, const char* fallback)
 {
@@ -50,6 +57,40 @@ std::string ComposeFolder(const std::string& base, const char* company, const st
     return folder;
 }
 
+// Tells the user through the channel; an application installs its channel
+// after SetRegistryLocation, so without one the news waits for the event loop.
+void TellUser(const std::string& text, const std::string& title)
+{
+    if (UserComm* channel = UserComm::GetUserComm()) {
+        channel->InformUser(text.c_str(), title.c_str(), 0);
+    } else if (QCoreApplication* application = QCoreApplication::instance()) {
+        QTimer::singleShot(0, application, [text, title] {
+            if (UserComm* channel = UserComm::GetUserComm())
+                channel->InformUser(text.c_str(), title.c_str(), 0);
+        });
+    }
+}
+
+// The registry store moves a damaged file aside at the start of a process; the
+// log and the user hear of it here, since the store below knows neither.
+void ReportDamagedRegistry(const std::string& appName)
+{
+    for (const korva::RegistryStore::MovedAside& damaged : korva::RegistryStore::MoveAsideDamaged()) {
+        if (damaged.movedTo.empty()) {
+            Log::WriteMessage("TsApp", "SetRegistryLocation",
+                              ("The registry file " + damaged.file + " is damaged and could not be moved aside.").c_str(),
+                              Log::eSystemCallFailed, true);
+            continue;
+        }
+        Log::WriteMessage("TsApp", "SetRegistryLocation",
+                          ("The registry file " + damaged.file + " was damaged; it was moved to " + damaged.movedTo +
+                           " and the registry starts empty.")
+                              .c_str(),
+                          Log::eNotice, true);
+        TellUser(TsString::Format(kRegistryMovedAside, damaged.file.c_str(), damaged.movedTo.c_str()), appName);
+    }
+}
+
 } // namespace
 
 TsApp::TsApp(const char* name) : WinApp(name)
@@ -66,12 +107,15 @@ TsApp::~TsApp()
     ProgressArt::SetPluginFolder(nullptr);
     if (appSettings)
         appSettings->Flush();
+    // What the application wrote to the registry survives a power cut from here on.
+    RegFlushKey(HKEY_CURRENT_USER);
     XMLSection::Terminate();
     appSettings.reset();
 }
 
 void TsApp::SetRegistryLocation()
 {
+    ReportDamagedRegistry(GetAppName());
     const std::string version = TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort);
     SetRegistryKey(kCompanyWord);
     SetProfileName((std::string(GetAppName()) + "\\" + version).c_str());

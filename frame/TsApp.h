@@ -10,8 +10,8 @@
 // Each version of an application thus has its own folders and registry branch.
 //
 // Stages: the constructor runs XMLSection::Initialize(); the application's
-// InitInstance calls SetRegistryLocation(); the destructor flushes the settings,
-// runs XMLSection::Terminate() and releases the section.
+// InitInstance calls SetRegistryLocation(); the destructor flushes the settings
+// and the registry, runs XMLSection::Terminate() and releases the section.
 
 #include <KORVAutlwin/frame/WinApp.h>
 
@@ -33,7 +33,10 @@ public:
     /// Fixes the registry root (company word "Tessmark", profile "<name>\\<version 2>"),
     /// composes the two settings file paths and opens the section "AppSettings"
     /// of the user's file; a new file gets "AppName" and "Version". Throws what
-    /// XMLSection throws for a damaged settings file.
+    /// XMLSection throws for a damaged settings file. A damaged registry file is
+    /// moved aside first (RegistryStore::MoveAsideDamaged): one line in the log,
+    /// and one inform through the user channel, at once if one is installed,
+    /// else at the first turn of the event loop.
     void SetRegistryLocation();
 
     /// The project folder of an application with a project concept; empty here.

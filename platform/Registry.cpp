@@ -76,12 +76,29 @@ public:
     }
     HKEY NewHandle(sqlite3_int64 node, REGSAM access) const { return TheStore().NewHandle({mKey.hive, node, access}); }
 
+    // The read cache of the call's database, if it may be used in this call.
+    ReadCache* Cache()
+    {
+        if (!mCacheChecked) {
+            mCacheChecked = true;
+            ReadCache& cache = TheStore().CacheOf(mKey.hive);
+            mCache = cache.Fresh(*mDatabase) ? &cache : nullptr;
+        }
+        return mCache;
+    }
+
     // Finds the key at `parts` below the call's key; a walk of several steps
     // reads one state.
-    LONG Find(const std::vector<std::string_view>& parts, sqlite3_int64& node) const
+    LONG Find(const std::vector<std::string_view>& parts, sqlite3_int64& node)
     {
+        ReadCache* cache = parts.empty() ? nullptr : Cache();
+        if (cache && cache->FindKey(mKey.node, parts, node))
+            return ERROR_SUCCESS;
         Snapshot snapshot(*mDatabase, parts.size() > 1);
-        return registry::Find(*mDatabase, mKey.node, parts, node);
+        const LONG error = registry::Find(*mDatabase, mKey.node, parts, node);
+        if (cache && error == ERROR_SUCCESS)
+            cache->AddKey(mKey.node, parts, node);
+        return error;
     }
 
     // Runs `statement` on the key and `second` (a name or an index); the row
@@ -140,6 +157,8 @@ private:
     bool mPredefined = false;
     LONG mError = ERROR_SUCCESS;
     Database* mDatabase = nullptr;
+    bool mCacheChecked = false;
+    ReadCache* mCache = nullptr;
     std::optional<Query> mQuery;   // reset before the lock is let go
 };
 
@@ -149,20 +168,25 @@ bool TooLong(const std::vector<std::string_view>& parts)
                        [](std::string_view part) { return part.size() > kMaxKeyNameLength; });
 }
 
-// The type and data of a value row (type in column `typeColumn`, data in the
-// next): the data only if it fits in `*dataSize` bytes, its size in any case.
-// False when it did not fit.
-bool CopyValue(const Query& row, int typeColumn, DWORD* type, BYTE* data, DWORD* dataSize)
+// The type and data of a value: the data only if it fits in `*dataSize`
+// bytes, its size in any case. False when it did not fit.
+bool CopyValue(DWORD valueType, const void* valueData, DWORD size, DWORD* type, BYTE* data, DWORD* dataSize)
 {
     if (type)
-        *type = static_cast<DWORD>(row.Int(typeColumn));
-    const DWORD size = row.Bytes(typeColumn + 1);
+        *type = valueType;
     const bool fits = !data || *dataSize >= size;
     if (data && fits && size)
-        std::memcpy(data, row.Blob(typeColumn + 1), size);
+        std::memcpy(data, valueData, size);
     if (dataSize)
         *dataSize = size;
     return fits;
+}
+
+// CopyValue of a value row, with the type in column `typeColumn` and the data in the next.
+bool CopyValue(const Query& row, int typeColumn, DWORD* type, BYTE* data, DWORD* dataSize)
+{
+    return CopyValue(static_cast<DWORD>(row.Int(typeColumn)), row.Blob(typeColumn + 1), row.Bytes(typeColumn + 1), type,
+                     data, dataSize);
 }
 
 // Keys have no class and no write time.
@@ -181,9 +205,17 @@ LONG QueryValue(HKEY key, std::string_view name, DWORD* reserved, DWORD* type, B
     if (reserved || (data && !dataSize))
         return ERROR_INVALID_PARAMETER;
     Call call(key, KEY_QUERY_VALUE);
+    ReadCache* cache = call.Error() ? nullptr : call.Cache();
+    if (const ReadCache::Value* known = cache ? cache->FindValue(call.Key().node, name) : nullptr)
+        return CopyValue(known->type, known->data.data(), static_cast<DWORD>(known->data.size()), type, data, dataSize)
+                   ? ERROR_SUCCESS
+                   : ERROR_MORE_DATA;
     if (const LONG error = call.Read(GetValue, name, ERROR_FILE_NOT_FOUND))
         return error;
-    return CopyValue(call.Row(), 0, type, data, dataSize) ? ERROR_SUCCESS : ERROR_MORE_DATA;
+    const Query& row = call.Row();
+    if (cache)
+        cache->AddValue(call.Key().node, name, static_cast<DWORD>(row.Int(0)), row.Blob(1), row.Bytes(1));
+    return CopyValue(row, 0, type, data, dataSize) ? ERROR_SUCCESS : ERROR_MORE_DATA;
 }
 
 LONG SetValueEx(HKEY key, std::string_view name, DWORD type, const BYTE* data, DWORD size)
@@ -432,6 +464,17 @@ LONG RegSetValueA(HKEY key, const char* subKey, DWORD type, const char* data, DW
     if (!(error = transaction.Start()) && !(error = CreatePath(db, call.Key().node, parts, node, created)))
         error = StoreValue(db, node, {}, REG_SZ, text, size);
     return error ? error : transaction.Finish();
+}
+
+LONG RegFlushKey(HKEY key)
+{
+    Call call(key, 0);
+    if (call.Error())
+        return call.Error();
+    // A read-only root has nothing of this process to flush.
+    if (call.Db().ReadOnly())
+        return ERROR_SUCCESS;
+    return Win32Result(call.Db().Checkpoint(), true);
 }
 
 LONG RegSetValueExA(HKEY key, const char* valueName, DWORD /*reserved*/, DWORD type, const BYTE* data, DWORD dataSize)

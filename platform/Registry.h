@@ -18,10 +18,13 @@
 //   functions take UTF-16 names; value data is stored and returned byte for
 //   byte whichever function wrote it, so wide text is UTF-16LE in the store.
 // - Every successful write is committed before the call returns: a process
-//   killed at any moment loses nothing that was reported written. (A power
-//   failure may lose the last commits, never the database.)
+//   killed at any moment loses nothing that was reported written. A power
+//   failure may lose the commits since the last RegFlushKey, never the database.
 // - Several processes may use one store at once; a call waits up to the busy
-//   timeout (5 s by default) for another process's write.
+//   timeout (5 s by default) for another process's write. Every call sees what
+//   any process committed before the call began: keys and values that a
+//   process reads again are served from its memory only while the store's
+//   WAL index shows no commit since they were read.
 // - A root that the file system does not let this process write is opened read
 //   only: opening or creating a key with any write right, and every write,
 //   give ERROR_ACCESS_DENIED. A root whose file does not exist and cannot be
@@ -30,9 +33,14 @@
 //   the folder can open it.
 // - Failures of the store itself: still locked by another process after the
 //   busy timeout: ERROR_CANTREAD for reads, ERROR_CANTWRITE for writes; disk
-//   full or I/O error: ERROR_CANTWRITE / ERROR_CANTREAD; a file that is not a
-//   registry database or is damaged: ERROR_REGISTRY_CORRUPT (the file is never
-//   touched); a file that cannot be opened: ERROR_CANTOPEN.
+//   full or I/O error: ERROR_CANTWRITE / ERROR_CANTREAD; a file that cannot be
+//   opened: ERROR_CANTOPEN.
+// - Damage: a root's file is checked when the process first opens it, and any
+//   damage that SQLite meets later counts as well. From then on every call on
+//   that root gives ERROR_REGISTRY_CORRUPT, and neither the file nor its -wal
+//   is written again (no commit, no checkpoint) until
+//   RegistryStore::MoveAsideDamaged moves it aside or the store is reset. A
+//   file that is no registry database counts as damaged.
 // - A handle whose key was deleted (by anyone) gives ERROR_KEY_DELETED; a
 //   handle that was never opened or is already closed gives
 //   ERROR_INVALID_HANDLE (handle values are never reused, so closing twice is
@@ -43,6 +51,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 struct HKEY__;
 using HKEY = HKEY__*;
@@ -170,6 +179,10 @@ LONG RegSetValueA(HKEY key, const char* subKey, DWORD type, const char* data, DW
 /// "": the default value), replacing any value of that name. Needs KEY_SET_VALUE.
 LONG RegSetValueExA(HKEY key, const char* valueName, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD dataSize);
+/// Makes every write so far on the root of `key` durable against a power
+/// failure too (a checkpoint of the WAL with a full sync). Needs no right.
+LONG RegFlushKey(HKEY key);
+
 /// RegSetValueExA with a UTF-16 value name.
 LONG RegSetValueExW(HKEY key, const WCHAR* valueName, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD dataSize);
@@ -191,6 +204,20 @@ public:
 
     /// How long a call waits for another process's write (milliseconds).
     static void SetBusyTimeout(int milliseconds);
+
+    /// A damaged database file and the name it was moved to; `movedTo` is
+    /// empty when it could not be moved (it stays damaged and refused).
+    struct MovedAside
+    {
+        std::string file;
+        std::string movedTo;
+    };
+    /// For the start of an application: opens each root whose file exists,
+    /// which checks it, and renames the file of each damaged one to
+    /// "<file>.corrupt-<UTC time>" (its -wal and -shm likewise), so that the
+    /// root starts again empty. Handles on a moved root become invalid.
+    /// Nothing is deleted. Returns the damaged roots, none when all is well.
+    static std::vector<MovedAside> MoveAsideDamaged();
 };
 
 } // namespace korva

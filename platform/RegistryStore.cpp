@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <utility>
 
 #include <pthread.h>
@@ -20,6 +21,10 @@ namespace korva::registry {
 namespace {
 
 constexpr int kSchemaVersion = 1;
+
+// Up to this size the store gets the full check at its first opening; above
+// it, the quick one, which misses only an index that disagrees with its table.
+constexpr off_t kFullCheckLimit = 16 << 20;
 
 constexpr const char* kSchema =
     "CREATE TABLE IF NOT EXISTS keys("
@@ -76,6 +81,72 @@ std::string HivePath(Hive hive)
     return base + "/Tessmark/registry.sqlite";
 }
 
+// Whether the file is sound, before anything is written to it. The full check
+// also finds an index that no longer matches its table, which would make
+// existing keys and values read as missing.
+int CheckIntact(sqlite::Database& database, const std::string& path, bool& intact)
+{
+    struct stat info;
+    const bool small = ::stat(path.c_str(), &info) != 0 || info.st_size <= kFullCheckLimit;
+    std::string verdict;
+    int version = 0;
+    int rc = database.ReadText(small ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)", verdict);
+    if (rc == SQLITE_OK)
+        rc = database.ReadInt("PRAGMA user_version", version);
+    // A version this code does not know is no registry store of its own either.
+    intact = !database.Damaged() &&
+             (rc != SQLITE_OK || (verdict == "ok" && (version == 0 || version == kSchemaVersion)));
+    if (intact)
+        return rc;
+    database.MarkDamaged();
+    return SQLITE_OK;
+}
+
+// "<file>.corrupt-<UTC time>", with a number added when that name is taken.
+std::string AsideName(const std::string& file)
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    ::gmtime_r(&now, &utc);
+    char stamp[32];
+    std::strftime(stamp, sizeof stamp, "%Y%m%d-%H%M%S", &utc);
+    const std::string base = file + ".corrupt-" + stamp;
+    std::string name = base;
+    struct stat info;
+    for (int number = 2; ::lstat(name.c_str(), &info) == 0 || ::lstat((name + "-wal").c_str(), &info) == 0; ++number)
+        name = base + "-" + std::to_string(number);
+    return name;
+}
+
+// Moves the database with its -wal and -shm to a new name, the companions
+// first: a WAL left behind would be replayed into the new, empty database.
+// The new name, or empty when the database could not be moved.
+std::string MoveAside(const std::string& file)
+{
+    const std::string target = AsideName(file);
+    const char* const companions[] = {"-wal", "-shm"};
+    for (const char* suffix : companions)
+        ::rename((file + suffix).c_str(), (target + suffix).c_str());
+    if (::rename(file.c_str(), target.c_str()) == 0)
+        return target;
+    for (const char* suffix : companions)
+        ::rename((target + suffix).c_str(), (file + suffix).c_str());
+    return {};
+}
+
+// Runs `step` until it is not refused as busy or the busy timeout is over.
+// Two processes setting up a new file can meet in a lock that SQLite refuses
+// to wait for (it could deadlock); such a step is simply retried.
+template <typename Step>
+int Retry(int busyTimeout, Step step)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(busyTimeout);
+    int rc;
+    while ((rc = step()) != SQLITE_OK && (rc & 0xFF) == SQLITE_BUSY && std::chrono::steady_clock::now() < deadline)
+        sqlite3_sleep(2);
+    return rc;
+}
+
 // Settings of the connection, and the tables if the file has none yet.
 // `version` 0 afterwards: a read-only file without tables.
 int Initialise(sqlite::Database& database, int& version)
@@ -122,6 +193,84 @@ LONG Walk(sqlite::Database& database, sqlite3_int64& node, const std::vector<std
 
 } // namespace
 
+// Values above this size are read from the database each time; past the
+// limits of entries and bytes the cache starts again.
+constexpr std::size_t kMaxCachedValue = 4096;
+constexpr std::size_t kMaxCachedEntries = 4096;
+constexpr std::size_t kMaxCachedBytes = 1 << 20;
+
+bool ReadCache::Fresh(const sqlite::Database& database)
+{
+    sqlite::Database::Stamp stamp;
+    const bool readable = database.ReadStamp(stamp);
+    if (!readable || !mHasStamp || stamp != mStamp) {
+        // What is read from now on is at least as new as this stamp, and is
+        // served while the stamp stays: then nobody has committed since.
+        Clear();
+        mStamp = stamp;
+    }
+    mHasStamp = readable;
+    return readable;
+}
+
+const std::string& ReadCache::KeyOf(sqlite3_int64 owner, std::span<const std::string_view> names)
+{
+    mScratch.assign(reinterpret_cast<const char*>(&owner), sizeof owner);
+    for (std::string_view name : names) {
+        mScratch += '\\';
+        for (char c : name)
+            mScratch += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return mScratch;
+}
+
+void ReadCache::Clear()
+{
+    mKeys.clear();
+    mValues.clear();
+    mBytes = 0;
+}
+
+void ReadCache::MakeRoom(std::size_t bytes)
+{
+    mBytes += bytes;
+    if (mKeys.size() + mValues.size() >= kMaxCachedEntries || mBytes > kMaxCachedBytes) {
+        Clear();
+        mBytes = bytes;
+    }
+}
+
+bool ReadCache::FindKey(sqlite3_int64 start, const std::vector<std::string_view>& parts, sqlite3_int64& node)
+{
+    const auto found = mKeys.find(KeyOf(start, parts));
+    if (found == mKeys.end())
+        return false;
+    node = found->second;
+    return true;
+}
+
+void ReadCache::AddKey(sqlite3_int64 start, const std::vector<std::string_view>& parts, sqlite3_int64 node)
+{
+    KeyOf(start, parts);
+    MakeRoom(mScratch.size());
+    mKeys.insert_or_assign(mScratch, node);
+}
+
+const ReadCache::Value* ReadCache::FindValue(sqlite3_int64 node, std::string_view name)
+{
+    const auto found = mValues.find(KeyOf(node, {&name, 1}));
+    return found == mValues.end() ? nullptr : &found->second;
+}
+
+void ReadCache::AddValue(sqlite3_int64 node, std::string_view name, DWORD type, const void* data, DWORD size)
+{
+    if (size > kMaxCachedValue)
+        return;
+    KeyOf(node, {&name, 1});
+    MakeRoom(mScratch.size() + size);
+    mValues.insert_or_assign(mScratch, Value{type, std::string(static_cast<const char*>(data), size)});
+}
+
 LONG Store::Resolve(HKEY key, OpenKey& target, bool& predefined) const
 {
     predefined = key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE;
@@ -160,10 +309,16 @@ sqlite::Database* Store::Connect(Hive hive, LONG& error)
         }
     }
     Root& root = mRoots[hive];
+    if (root.database && root.database->Damaged())
+        Damaged(root);
+    if (root.damaged) {
+        error = ERROR_REGISTRY_CORRUPT;
+        return nullptr;
+    }
     // A root that did not exist may have been created by now.
-    if (root.database && !root.missingFile.empty()) {
+    if (root.database && root.missing) {
         struct stat info;
-        if (::stat(root.missingFile.c_str(), &info) == 0)
+        if (::stat(root.file.c_str(), &info) == 0)
             root.database.reset();
     }
     if (!root.database)
@@ -194,8 +349,9 @@ LONG Store::Open(Hive hive, Root& root)
     }();
     (void)atForkRegistered;
 
-    root.missingFile.clear();
-    const std::string path = HivePath(hive);
+    root = Root{};
+    root.file = HivePath(hive);
+    const std::string& path = root.file;
     MakeDirectories(path);
     std::unique_ptr<sqlite::Database> database;
     int rc = sqlite::Database::OpenFile(path, kSql, mBusyTimeout, database);
@@ -206,13 +362,16 @@ LONG Store::Open(Hive hive, Root& root)
         return sqlite::Win32Result(rc, false);
     }
 
-    // Two processes setting up a new file can meet in a lock that SQLite
-    // refuses to wait for (it could deadlock); such a step is simply retried.
+    // Damage is looked for before the first write, which could spread it.
+    bool intact = true;
+    rc = Retry(mBusyTimeout, [&] { return CheckIntact(*database, path, intact); });
+    if (!intact) {
+        root.database = std::move(database);
+        return Damaged(root);
+    }
     int version = 0;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(mBusyTimeout);
-    while ((rc = Initialise(*database, version)) != SQLITE_OK && (rc & 0xFF) == SQLITE_BUSY &&
-           std::chrono::steady_clock::now() < deadline)
-        sqlite3_sleep(2);
+    if (rc == SQLITE_OK)
+        rc = Retry(mBusyTimeout, [&] { return Initialise(*database, version); });
     if (rc == SQLITE_OK && version == 0) {
         database.reset();
         return OpenMissing(path, root);
@@ -221,6 +380,8 @@ LONG Store::Open(Hive hive, Root& root)
         return sqlite::Win32Result(rc, !database->ReadOnly());
     if (version != kSchemaVersion)
         return ERROR_REGISTRY_CORRUPT;
+    // Without it, the reads of this root are not cached.
+    database->WatchCommits();
     root.database = std::move(database);
     return ERROR_SUCCESS;
 }
@@ -238,8 +399,45 @@ LONG Store::OpenMissing(const std::string& path, Root& root)
     if (rc != SQLITE_OK)
         return sqlite::Win32Result(rc, false);
     root.database = std::move(database);
-    root.missingFile = path;
+    root.file = path;
+    root.missing = true;
     return ERROR_SUCCESS;
+}
+
+// Closes the damaged database without the checkpoint of a last connection and
+// keeps the root refusing every call until the file is moved aside or the
+// store is reset.
+LONG Store::Damaged(Root& root)
+{
+    if (root.database)
+        root.database->MarkDamaged();
+    root.database.reset();
+    root.damaged = true;
+    return ERROR_REGISTRY_CORRUPT;
+}
+
+std::vector<RegistryStore::MovedAside> Store::MoveAsideDamaged()
+{
+    std::vector<RegistryStore::MovedAside> result;
+    for (int hive = 0; hive < HiveCount; ++hive) {
+        Root& root = mRoots[hive];
+        // A file that does not exist is not created just to be looked at.
+        struct stat info;
+        if (!root.database && !root.damaged && ::stat(HivePath(static_cast<Hive>(hive)).c_str(), &info) != 0)
+            continue;
+        LONG error = ERROR_SUCCESS;
+        Connect(static_cast<Hive>(hive), error);
+        if (!root.damaged)
+            continue;
+        RegistryStore::MovedAside entry{root.file, MoveAside(root.file)};
+        if (!entry.movedTo.empty()) {
+            root = Root{};
+            // Key ids start again in the new file: old handles would meet other keys.
+            std::erase_if(mHandles, [hive](const auto& handle) { return handle.second.hive == hive; });
+        }
+        result.push_back(std::move(entry));
+    }
+    return result;
 }
 
 // Lives to process end: sections in other statics may close keys at exit.
@@ -329,6 +527,13 @@ std::string RegistryStore::GetPath(HKEY root)
     if (root == HKEY_LOCAL_MACHINE)
         return registry::HivePath(registry::HiveMachine);
     return {};
+}
+
+std::vector<RegistryStore::MovedAside> RegistryStore::MoveAsideDamaged()
+{
+    registry::Store& store = registry::TheStore();
+    std::lock_guard<std::mutex> lock(store.mMutex);
+    return store.MoveAsideDamaged();
 }
 
 void RegistryStore::SetBusyTimeout(int milliseconds)

@@ -11,6 +11,7 @@
 #include <KORVAutlwin/platform/SqliteDatabase.h>
 
 #include <cstdint>
+#include <span>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -50,6 +51,43 @@ struct OpenKey
     REGSAM access;
 };
 
+/// What calls read from one database (keys found by path, values), kept while
+/// the database's stamp shows no commit since they were read, by this process
+/// or any other; any commit drops all of it. Names are kept folded as the
+/// store compares them (ASCII case).
+class ReadCache
+{
+public:
+    struct Value
+    {
+        DWORD type;
+        std::string data;
+    };
+
+    /// Whether the cache may serve and take entries in this call; call it once
+    /// per call, before the call reads the database. False when the stamp
+    /// cannot be read.
+    bool Fresh(const sqlite::Database& database);
+    bool FindKey(sqlite3_int64 start, const std::vector<std::string_view>& parts, sqlite3_int64& node);
+    void AddKey(sqlite3_int64 start, const std::vector<std::string_view>& parts, sqlite3_int64 node);
+    const Value* FindValue(sqlite3_int64 node, std::string_view name);
+    void AddValue(sqlite3_int64 node, std::string_view name, DWORD type, const void* data, DWORD size);
+
+private:
+    // The lookup key of `owner` and `names` in mScratch.
+    const std::string& KeyOf(sqlite3_int64 owner, std::span<const std::string_view> names);
+    void Clear();
+    // Counts `bytes` more; starts again past the limits.
+    void MakeRoom(std::size_t bytes);
+
+    sqlite::Database::Stamp mStamp{};
+    bool mHasStamp = false;
+    std::unordered_map<std::string, sqlite3_int64> mKeys;
+    std::unordered_map<std::string, Value> mValues;
+    std::size_t mBytes = 0;
+    std::string mScratch;
+};
+
 /// The open handles and the database of each root. Every member but the mutex
 /// wants the mutex held.
 class Store
@@ -63,22 +101,34 @@ public:
     bool CloseHandle(HKEY key);
 
     /// The open database of `hive`, opening it if needed; null with `error` set.
+    /// A damaged database gives ERROR_REGISTRY_CORRUPT from the moment the
+    /// damage shows to the next Reset.
     sqlite::Database* Connect(Hive hive, LONG& error);
 
     /// Closes both databases and forgets every handle.
     void Reset();
     void SetBusyTimeout(int milliseconds);
+    /// The read cache of `hive`'s database; meaningful after Connect.
+    ReadCache& CacheOf(Hive hive) { return mRoots[hive].cache; }
+    /// Moves the files of each damaged root aside (see RegistryStore::MoveAsideDamaged).
+    std::vector<RegistryStore::MovedAside> MoveAsideDamaged();
 
 private:
     struct Root
     {
         std::unique_ptr<sqlite::Database> database;
-        // Set while the root is an empty stand-in for this file, which did not exist.
-        std::string missingFile;
+        // The database file; with `missing`, the file that did not exist and
+        // that the empty stand-in in memory waits for.
+        std::string file;
+        bool missing = false;
+        // The file was found damaged: nothing touches it any more.
+        bool damaged = false;
+        ReadCache cache;
     };
 
     LONG Open(Hive hive, Root& root);
     LONG OpenMissing(const std::string& path, Root& root);
+    LONG Damaged(Root& root);
 
     Root mRoots[HiveCount];
     std::unordered_map<std::uintptr_t, OpenKey> mHandles;

@@ -2,6 +2,9 @@
 
 #include <KORVAutlwin/platform/SqliteDatabase.h>
 
+#include <atomic>
+#include <cstdlib>
+
 namespace korva::sqlite {
 namespace {
 
@@ -96,6 +99,7 @@ Database::~Database()
 void Database::Abandon()
 {
     mDb = nullptr;
+    mIndex = nullptr;
     for (sqlite3_stmt*& statement : mStatements)
         statement = nullptr;
 }
@@ -105,19 +109,85 @@ void Database::SetBusyTimeout(int milliseconds)
     sqlite3_busy_timeout(mDb, milliseconds);
 }
 
+void Database::MarkDamaged()
+{
+    mDamaged = true;
+    if (mDb)
+        sqlite3_db_config(mDb, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+bool Database::WatchCommits()
+{
+    std::string mode;
+    if (mReadOnly || ReadText("PRAGMA journal_mode", mode) != SQLITE_OK || mode != "wal")
+        return false;
+    sqlite3_file* file = nullptr;
+    if (sqlite3_file_control(mDb, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file ||
+        !file->pMethods || file->pMethods->iVersion < 2 || !file->pMethods->xShmMap)
+        return false;
+    // The first region, which the connection has mapped already: nothing is created here.
+    void volatile* region = nullptr;
+    if (file->pMethods->xShmMap(file, 0, 32768, 0, &region) != SQLITE_OK || !region)
+        return false;
+    mIndex = static_cast<const volatile std::uint32_t*>(region);
+    return true;
+}
+
+bool Database::ReadStamp(Stamp& stamp) const
+{
+    if (!mIndex)
+        return false;
+    // The header stands twice; a writer puts the second copy first, a reader
+    // reads the first copy first: a difference is a write under way.
+    Stamp second;
+    for (std::size_t i = 0; i < stamp.size(); ++i)
+        stamp[i] = mIndex[i];
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+    for (std::size_t i = 0; i < second.size(); ++i)
+        second[i] = mIndex[second.size() + i];
+    const bool initialised = reinterpret_cast<const volatile unsigned char*>(mIndex)[12] != 0;
+    return initialised && stamp == second;
+}
+
+int Database::Checkpoint()
+{
+    int rc = Exec("PRAGMA synchronous = FULL");
+    if (rc == SQLITE_OK)
+        rc = Note(sqlite3_wal_checkpoint_v2(mDb, "main", SQLITE_CHECKPOINT_FULL, nullptr, nullptr));
+    if ((rc & 0xFF) == SQLITE_BUSY) {
+        // A reader of another process still needs the WAL: make the WAL itself durable.
+        sqlite3_file* wal = nullptr;
+        rc = sqlite3_file_control(mDb, "main", SQLITE_FCNTL_JOURNAL_POINTER, &wal);
+        if (rc == SQLITE_OK && wal && wal->pMethods)
+            rc = wal->pMethods->xSync(wal, SQLITE_SYNC_FULL);
+    }
+    const int restored = Exec("PRAGMA synchronous = NORMAL");
+    return rc == SQLITE_OK ? restored : rc;
+}
+
 int Database::Exec(const char* sql)
 {
-    return sqlite3_exec(mDb, sql, nullptr, nullptr, nullptr);
+    return Note(sqlite3_exec(mDb, sql, nullptr, nullptr, nullptr));
 }
 
 int Database::ReadInt(const char* sql, int& value)
 {
+    std::string text;
+    const int rc = ReadText(sql, text);
+    if (rc == SQLITE_OK)
+        value = std::atoi(text.c_str());
+    return rc;
+}
+
+int Database::ReadText(const char* sql, std::string& value)
+{
     sqlite3_stmt* statement = nullptr;
-    int rc = sqlite3_prepare_v2(mDb, sql, -1, &statement, nullptr);
+    int rc = Note(sqlite3_prepare_v2(mDb, sql, -1, &statement, nullptr));
     if (rc == SQLITE_OK) {
-        rc = sqlite3_step(statement);
+        rc = Note(sqlite3_step(statement));
         if (rc == SQLITE_ROW) {
-            value = sqlite3_column_int(statement, 0);
+            const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+            value = text ? text : "";
             rc = SQLITE_OK;
         }
     }
@@ -131,14 +201,14 @@ int Database::Run(Control which)
     sqlite3_stmt* statement = mStatements[which] ? mStatements[which] : Prepare(which, kControlSql[which], rc);
     if (!statement)
         return rc;
-    rc = sqlite3_step(statement);
+    rc = Note(sqlite3_step(statement));
     sqlite3_reset(statement);
     return rc == SQLITE_DONE || rc == SQLITE_ROW ? SQLITE_OK : rc;
 }
 
 sqlite3_stmt* Database::Prepare(std::size_t slot, const char* sql, int& rc)
 {
-    rc = sqlite3_prepare_v3(mDb, sql, -1, SQLITE_PREPARE_PERSISTENT, &mStatements[slot], nullptr);
+    rc = Note(sqlite3_prepare_v3(mDb, sql, -1, SQLITE_PREPARE_PERSISTENT, &mStatements[slot], nullptr));
     if (rc != SQLITE_OK) {
         sqlite3_finalize(mStatements[slot]);
         mStatements[slot] = nullptr;

@@ -7,7 +7,9 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -52,10 +54,40 @@ public:
 
     bool ReadOnly() const { return mReadOnly; }
     void SetBusyTimeout(int milliseconds);
+
+    /// Records a result of this connection: damage (SQLITE_CORRUPT, SQLITE_NOTADB)
+    /// marks the database damaged for good. Returns `rc`.
+    int Note(int rc)
+    {
+        if ((rc & 0xFF) == SQLITE_CORRUPT || (rc & 0xFF) == SQLITE_NOTADB)
+            MarkDamaged();
+        return rc;
+    }
+    /// From now on the connection writes nothing, not even the checkpoint that
+    /// closing the last connection would make.
+    void MarkDamaged();
+    bool Damaged() const { return mDamaged; }
+    /// The header of the WAL index as it stands in shared memory; every commit of
+    /// any connection, in any process, changes it.
+    using Stamp = std::array<std::uint32_t, 12>;
+    /// Makes ReadStamp work, for a database in WAL mode whose index is in shared
+    /// memory; false for any other.
+    bool WatchCommits();
+    /// Reads the stamp without a lock or a system call. Two equal stamps mean
+    /// that nobody committed in between: the test by which SQLite itself keeps
+    /// its page cache and its data_version. False when there is nothing to read
+    /// or a writer is changing it just now.
+    bool ReadStamp(Stamp& stamp) const;
+
+    /// Copies the WAL into the database file and syncs both, so that what was
+    /// committed survives a power cut. Where other readers keep the WAL from
+    /// being copied, the WAL file itself is synced.
+    int Checkpoint();
     /// Runs SQL text that returns nothing (several statements may follow each other).
     int Exec(const char* sql);
-    /// The first column of the first row of `sql` as a number.
+    /// The first column of the first row of `sql` as a number, or as text.
     int ReadInt(const char* sql, int& value);
+    int ReadText(const char* sql, std::string& value);
     /// Rows changed by the last statement; the id the last insert gave.
     int Changes() const { return sqlite3_changes(mDb); }
     sqlite3_int64 LastInsertId() const { return sqlite3_last_insert_rowid(mDb); }
@@ -77,6 +109,9 @@ private:
 
     sqlite3* mDb;
     bool mReadOnly;
+    bool mDamaged = false;
+    // The WAL index in shared memory, mapped by SQLite for the connection's life.
+    const volatile std::uint32_t* mIndex = nullptr;
     Statements mSql;
     // The transaction statements first, then the owner's.
     std::vector<sqlite3_stmt*> mStatements;

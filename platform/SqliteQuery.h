@@ -14,7 +14,9 @@ namespace korva::sqlite {
 class Query
 {
 public:
-    Query(Database& database, std::size_t which) : mStatement(database.Prepared(which, mPrepare)) {}
+    Query(Database& database, std::size_t which) : mDatabase(database), mStatement(database.Prepared(which, mPrepare))
+    {
+    }
     Query(const Query&) = delete;
     Query& operator=(const Query&) = delete;
     ~Query()
@@ -41,7 +43,7 @@ public:
             sqlite3_bind_blob64(mStatement, index, size ? data : "", size, SQLITE_STATIC);
     }
     /// SQLITE_ROW, SQLITE_DONE or an error.
-    int Step() { return mStatement ? sqlite3_step(mStatement) : mPrepare; }
+    int Step() { return mStatement ? mDatabase.Note(sqlite3_step(mStatement)) : mPrepare; }
 
     sqlite3_int64 Int(int column) const { return sqlite3_column_int64(mStatement, column); }
     std::string_view Text(int column) const
@@ -53,7 +55,8 @@ public:
     DWORD Bytes(int column) const { return static_cast<DWORD>(sqlite3_column_bytes(mStatement, column)); }
 
 private:
-    int mPrepare = SQLITE_OK;   // declared first: the statement's initialiser sets it
+    Database& mDatabase;
+    int mPrepare = SQLITE_OK;   // declared before the statement: its initialiser sets it
     sqlite3_stmt* mStatement;
 };
 
