@@ -1,7 +1,6 @@
 #include "ArtTestSupport.h"
 
 #include <KORVAutlwin/art/ArtImage.h>
-#include <KORVAutlwin/art/ArtInfo.h>
 #include <KORVAutlwin/art/ArtStorageReader.h>
 
 #include <KORVAutl/Exception.h>
@@ -11,30 +10,15 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <memory>
+#include <functional>
 #include <sys/stat.h>
 
-using korva::test::MakeCollection;
-using korva::test::ReadDescription;
-using korva::test::SaveWithPicture;
-using korva::test::WriteArtFile;
-using korva::test::WritePicture;
+using namespace korva::test;
 
 namespace {
 
-std::unique_ptr<const ArtInfo> Read(const std::string& path)
-{
-    return std::unique_ptr<const ArtInfo>(ArtInfo::ReadArtInfo(path.c_str()));
-}
-
-std::string Fixture(const std::string& name)
-{
-    return korva::test::ReadTextFile(std::string(KORVA_TEST_DATA_DIR) + "/" + name);
-}
-
 // The message of the Exception that `action` throws.
-template <class Action>
-std::string FailureOf(Action action)
+std::string FailureOf(const std::function<void()>& action)
 {
     try {
         action();
@@ -44,17 +28,11 @@ std::string FailureOf(Action action)
     return "(no exception)";
 }
 
-// How a JPEG'd colour compares with the one painted: within the loss of the encoding.
-bool Near(QColor actual, QColor expected)
-{
-    return std::abs(actual.red() - expected.red()) < 40 && std::abs(actual.green() - expected.green()) < 40 &&
-           std::abs(actual.blue() - expected.blue()) < 40;
-}
-
 class ArtInfoTest : public ::testing::Test
 {
 protected:
     std::string File(const std::string& name) const { return mDir.File(name); }
+    std::string Fixture(const std::string& name) const { return ReadFile(KORVA_TEST_DATA_DIR "/" + name); }
     TempDir mDir;
 };
 
@@ -67,19 +45,17 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutWithClassRecords)
     collection.SetMaxPortraitSize(80, 40);
     art.AddCollection(collection);
     art.AddCollection(MakeCollection("Otto", {"Harbour"}));
-    const std::string picture = WritePicture(File("p.png"), 20, 10);
-    SaveWithPicture(art, File("a.tart"), picture);
+    SaveWithPicture(art, File("a.tart"), WritePicture(File("p.png"), 20, 10));
 
-    const std::string first = collection.GetPictures()[0].GetFileName();
-    const std::string second = collection.GetPictures()[1].GetFileName();
-    const std::string third = art.GetCollections()[1].GetPictures()[0].GetFileName();
     auto text = [](const std::string& s) { return std::to_string(s.size()) + " " + s; };
+    auto stream = [&](int c, int p) { return text(art.GetCollections()[c].GetPictures()[p].GetFileName()); };
     // Class records ("0 0": untracked, version 0) stand before the first ArtInfo,
     // vector of collections, CollectionInfo, CString, vector of pictures and PictureInfo.
     const std::string expected = "22 serialization::archive 18 0 0 0 0 2 0 0 0 400 100 80 40 0 0 10 Lena Marsh 0  "
-                                 "2 77 0 0 2 0 0 0 9 Salt Flat " + text(first) + " 8 Low Tide " + text(second) +
-                                 " 0 0 0 0 4 Otto " + text("life of Otto") + " 0  1 0 7 Harbour " + text(third);
-    std::string description = ReadDescription(File("a.tart"));
+                                 "2 77 0 0 2 0 0 0 9 Salt Flat " + stream(0, 0) + " 8 Low Tide " + stream(0, 1) +
+                                 " 0 0 0 0 4 Otto " + text("life of Otto") + " 0  1 0 7 Harbour " + stream(1, 0);
+    std::string description;
+    korva::ArtStorageReader(File("a.tart")).ReadStream("ArtInfo", description);
     while (!description.empty() && (description.back() == '\n' || description.back() == ' '))
         description.pop_back();
     EXPECT_EQ(expected, description);
@@ -87,20 +63,17 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutWithClassRecords)
 
 TEST_F(ArtInfoTest, ReadsBackWhatWasSavedWithFileSetAndPicturesOnDemand)
 {
-    // The description itself is pinned above and by the fixture of an older
-    // release; here: the file it came from, and the pictures behind it.
     ArtInfo art;
     art.AddCollection(MakeCollection("Lena Marsh", {"Salt Flat", "Low Tide"}, "portrait-lena"));
-    art.AddCollection(MakeCollection("Otto Brenn", {"Harbour"}));
+    // A portrait name without a source: no portrait is written.
+    art.AddCollection(MakeCollection("Otto Brenn", {"Harbour"}, "portrait-otto"));
     const std::string picture = WritePicture(File("p.png"), 60, 40);
     const std::string portrait = WritePicture(File("face.png"), 30, 30, Qt::green, Qt::green);
     art.SaveToFile(File("a.tart").c_str(), {{picture, picture}, {picture}}, {{0, 0}, {0}}, {portrait, ""}, {0, 0});
 
     const auto read = Read(File("a.tart"));
     ASSERT_TRUE(read);
-    ASSERT_EQ(2u, read->GetCollections().size());
-    EXPECT_EQ(art.GetCollections()[0].GetPictures()[1].GetFileName(),
-              read->GetCollections()[0].GetPictures()[1].GetFileName());
+    EXPECT_EQ(Describe(art), Describe(*read));
     // Where the pictures are is known only to what was read from a file.
     EXPECT_EQ(File("a.tart"), read->GetCollections()[1].GetFile());
     EXPECT_EQ("", art.GetCollections()[1].GetFile());
@@ -111,41 +84,31 @@ TEST_F(ArtInfoTest, ReadsBackWhatWasSavedWithFileSetAndPicturesOnDemand)
     EXPECT_TRUE(read->GetIcon(1).isNull());
     EXPECT_TRUE(read->GetImage(1, 1).isNull());
     EXPECT_TRUE(read->GetImage(-1, 0).isNull());
-}
 
-TEST_F(ArtInfoTest, FileWithoutCollectionsIsValid)
-{
     ArtInfo().SaveToFile(File("empty.tart").c_str(), {}, {}, {}, {});
-    const auto read = Read(File("empty.tart"));
-    ASSERT_TRUE(read);
-    EXPECT_TRUE(read->GetCollections().empty());
+    const auto empty = Read(File("empty.tart"));
+    ASSERT_TRUE(empty);
+    EXPECT_TRUE(empty->GetCollections().empty());
 }
 
 TEST_F(ArtInfoTest, PicturesShrinkToFitButNeverGrow)
 {
-    const struct
-    {
-        int width, height;
-        QSize picture, portrait;
-    } cases[] = {
-        {800, 200, {400, 100}, {80, 20}},
-        {200, 800, {100, 400}, {20, 80}},
-        {400, 400, {400, 400}, {80, 80}},
-        {700, 100, {400, 57}, {80, 11}},
-        {60, 50, {60, 50}, {60, 50}},
+    const struct { int width, height; QSize picture, portrait; } rows[] = {
+        {800, 200, {400, 100}, {80, 20}}, {200, 800, {100, 400}, {20, 80}}, {400, 400, {400, 400}, {80, 80}},
+        {700, 100, {400, 57}, {80, 11}},  {60, 50, {60, 50}, {60, 50}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::to_string(c.width) + "x" + std::to_string(c.height));
-        const std::string source = WritePicture(File("p.png"), c.width, c.height);
+    for (const auto& row : rows) {
+        const std::string name = std::to_string(row.width) + "x" + std::to_string(row.height);
+        SCOPED_TRACE(name);
+        const std::string source = WritePicture(File(name + ".png"), row.width, row.height);
         ArtInfo art;
         art.AddCollection(MakeCollection("A", {"one"}, "face"));
-        const std::string path = File(std::to_string(c.width) + "x" + std::to_string(c.height) + ".tart");
-        art.SaveToFile(path.c_str(), {{source}}, {{0}}, {source}, {0});
-        const auto read = Read(path);
+        art.SaveToFile(File(name + ".tart").c_str(), {{source}}, {{0}}, {source}, {0});
+        const auto read = Read(File(name + ".tart"));
         ASSERT_TRUE(read);
-        EXPECT_EQ(c.picture, read->GetImage(0, 0).size());
-        EXPECT_EQ(c.portrait, read->GetIcon(0).size());
-        EXPECT_EQ(c.picture, korva::ArtImage::StoredSize(source.c_str(), 0, 400, 400));
+        EXPECT_EQ(row.picture, read->GetImage(0, 0).size());
+        EXPECT_EQ(row.portrait, read->GetIcon(0).size());
+        EXPECT_EQ(row.picture, korva::ArtImage::StoredSize(source.c_str(), 0, 400, 400));
     }
 }
 
@@ -153,33 +116,28 @@ TEST_F(ArtInfoTest, RotationsTurnClockwiseByTheRemainderOfFour)
 {
     // Red on the left, blue on the right; one quarter turn clockwise puts red on top.
     const std::string source = WritePicture(File("p.png"), 200, 100);
-    const struct
-    {
-        int rotation;
-        QSize size;
-        QPoint redAt, blueAt;
-    } cases[] = {
-        {0, {200, 100}, {20, 50}, {180, 50}},  {1, {100, 200}, {50, 20}, {50, 180}},
-        {2, {200, 100}, {180, 50}, {20, 50}},  {3, {100, 200}, {50, 180}, {50, 20}},
-        {5, {100, 200}, {50, 20}, {50, 180}},  {-1, {200, 100}, {20, 50}, {180, 50}},
+    const struct { int rotation; QSize size; QPoint redAt, blueAt; } rows[] = {
+        {0, {200, 100}, {20, 50}, {180, 50}}, {1, {100, 200}, {50, 20}, {50, 180}},
+        {2, {200, 100}, {180, 50}, {20, 50}}, {3, {100, 200}, {50, 180}, {50, 20}},
+        {5, {100, 200}, {50, 20}, {50, 180}}, {-1, {200, 100}, {20, 50}, {180, 50}},
     };
-    ArtInfo art;
     std::vector<std::string> titles;
     std::vector<int> rotations;
-    for (const auto& c : cases) {
-        titles.push_back(std::to_string(c.rotation));
-        rotations.push_back(c.rotation);
+    for (const auto& row : rows) {
+        titles.push_back(std::to_string(row.rotation));
+        rotations.push_back(row.rotation);
     }
+    ArtInfo art;
     art.AddCollection(MakeCollection("A", titles));
     art.SaveToFile(File("r.tart").c_str(), {std::vector<std::string>(titles.size(), source)}, {rotations}, {""}, {0});
     const auto read = Read(File("r.tart"));
     ASSERT_TRUE(read);
-    for (std::size_t i = 0; i < std::size(cases); ++i) {
-        SCOPED_TRACE("rotation " + std::to_string(cases[i].rotation));
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        SCOPED_TRACE("rotation " + std::to_string(rows[i].rotation));
         const QImage image = read->GetImage(0, static_cast<int>(i));
-        EXPECT_EQ(cases[i].size, image.size());
-        EXPECT_TRUE(Near(image.pixelColor(cases[i].redAt), Qt::red));
-        EXPECT_TRUE(Near(image.pixelColor(cases[i].blueAt), Qt::blue));
+        EXPECT_EQ(rows[i].size, image.size());
+        EXPECT_TRUE(Near(image.pixelColor(rows[i].redAt), Qt::red));
+        EXPECT_TRUE(Near(image.pixelColor(rows[i].blueAt), Qt::blue));
     }
 }
 
@@ -190,25 +148,19 @@ TEST_F(ArtInfoTest, SavingTwiceKeepsTheOlderSetFirstAndItsStreams)
     ArtInfo first;
     first.AddCollection(MakeCollection("Lena Marsh", {"Salt Flat", "Low Tide"}));
     SaveWithPicture(first, File("a.tart"), red);
-    korva::ArtStorageReader before(File("a.tart"));
     const std::string streamName = first.GetCollections()[0].GetPictures()[1].GetFileName();
-    std::string oldBytes;
-    ASSERT_TRUE(before.ReadStream(streamName, oldBytes));
+    std::string oldBytes, newBytes;
+    ASSERT_TRUE(korva::ArtStorageReader(File("a.tart")).ReadStream(streamName, oldBytes));
 
     ArtInfo second;
     second.AddCollection(MakeCollection("Otto Brenn", {"Harbour"}));
     second.AddCollection(MakeCollection("Ida Lund", {"Field"}));
     SaveWithPicture(second, File("a.tart"), blue);
-
     const auto read = Read(File("a.tart"));
     ASSERT_TRUE(read);
-    ASSERT_EQ(3u, read->GetCollections().size());
-    EXPECT_EQ("Lena Marsh", read->GetCollections()[0].GetArtistName());
-    EXPECT_EQ("Otto Brenn", read->GetCollections()[1].GetArtistName());
-    EXPECT_EQ("Ida Lund", read->GetCollections()[2].GetArtistName());
+    EXPECT_EQ(Describe(first) + Describe(second), Describe(*read));
     EXPECT_TRUE(Near(read->GetImage(0, 1).pixelColor(5, 5), Qt::red));
     EXPECT_TRUE(Near(read->GetImage(2, 0).pixelColor(5, 5), Qt::blue));
-    std::string newBytes;
     ASSERT_TRUE(korva::ArtStorageReader(File("a.tart")).ReadStream(streamName, newBytes));
     EXPECT_EQ(oldBytes, newBytes);
     // "ArtInfo" and one stream per picture, no doubles.
@@ -224,37 +176,21 @@ TEST_F(ArtInfoTest, SavingTwiceKeepsTheOlderSetFirstAndItsStreams)
     EXPECT_TRUE(Near(again->GetImage(1, 0).pixelColor(5, 5), Qt::red));
 }
 
-TEST_F(ArtInfoTest, EmptyPortraitPathWritesNoPortrait)
-{
-    ArtInfo art;
-    art.AddCollection(MakeCollection("A", {"one"}, "face-a"));
-    art.AddCollection(MakeCollection("B", {"two"}, "face-b"));
-    const std::string source = WritePicture(File("p.png"), 20, 20);
-    art.SaveToFile(File("a.tart").c_str(), {{source}, {source}}, {{0}, {0}}, {"", source}, {0, 0});
-    const std::vector<std::string> streams = korva::ArtStorageReader(File("a.tart")).GetStreamNames();
-    EXPECT_EQ(0, std::count(streams.begin(), streams.end(), "face-a"));
-    EXPECT_EQ(1, std::count(streams.begin(), streams.end(), "face-b"));
-    const auto read = Read(File("a.tart"));
-    ASSERT_TRUE(read);
-    EXPECT_TRUE(read->GetIcon(0).isNull());
-    EXPECT_FALSE(read->GetIcon(1).isNull());
-}
-
 TEST_F(ArtInfoTest, ReadingWhatIsNoArtFileGivesNull)
 {
-    std::ofstream(File("text.tart")) << "22 serialization::archive 18 0 0 0 0 0 0\n";
-    std::ofstream(File("empty.tart"));
+    WriteFile(File("text.tart"), "22 serialization::archive 18 0 0 0 0 0 0\n");
+    WriteFile(File("empty.tart"), "");
     std::filesystem::create_directory(File("folder.tart"));
     WriteArtFile(File("nodescription.tart"), "", false);
     std::string random(4096, '\0');
     for (std::size_t i = 0; i < random.size(); ++i)
         random[i] = static_cast<char>((i * 7919u) >> 3);
-    std::ofstream(File("random.tart"), std::ios::binary) << random;
+    WriteFile(File("random.tart"), random);
     ArtInfo art;
     art.AddCollection(MakeCollection("A", {"one"}));
     SaveWithPicture(art, File("good.tart"), WritePicture(File("p.png"), 10, 10));
-    const std::string good = korva::test::ReadTextFile(File("good.tart"));
-    std::ofstream(File("truncated.tart"), std::ios::binary) << good.substr(0, good.size() / 2);
+    const std::string good = ReadFile(File("good.tart"));
+    WriteFile(File("truncated.tart"), good.substr(0, good.size() / 2));
 
     for (const char* name : {"missing.tart", "text.tart", "empty.tart", "folder.tart", "nodescription.tart",
                              "random.tart", "truncated.tart"}) {
@@ -267,129 +203,99 @@ TEST_F(ArtInfoTest, ReadingWhatIsNoArtFileGivesNull)
 TEST_F(ArtInfoTest, ReadsTheArchiveOfAnOlderLibraryRelease)
 {
     // Written by hand in the layout of library release 1.42 (archive version 7).
-    const std::string description = Fixture("archive-1.42.txt");
-    ASSERT_EQ(0u, description.rfind("22 serialization::archive 7 ", 0));
-    WriteArtFile(File("old.tart"), description);
+    WriteArtFile(File("old.tart"), Fixture("archive-1.42.txt"));
     const auto read = Read(File("old.tart"));
     ASSERT_TRUE(read);
-    ASSERT_EQ(2u, read->GetCollections().size());
-    const CollectionInfo& first = read->GetCollections()[0];
-    EXPECT_EQ(400u, first.GetMaxPictureWidth());
-    EXPECT_EQ(80u, first.GetMaxPortraitHeight());
-    EXPECT_EQ("1882-1961", first.GetLifeSpan());
-    EXPECT_EQ("p-lena", first.GetPortraitName());
-    ASSERT_EQ(2u, first.GetPictures().size());
-    EXPECT_EQ("Low Tide", first.GetPictures()[1].GetTitle());
-    const CollectionInfo& second = read->GetCollections()[1];
-    EXPECT_EQ("Otto Brenn", second.GetArtistName());
-    EXPECT_EQ("", second.GetLifeSpan());
-    ASSERT_EQ(1u, second.GetPictures().size());
-    EXPECT_EQ("pic03", second.GetPictures()[0].GetFileName());
-}
-
-TEST_F(ArtInfoTest, ClassVersionAboveZeroIsTheLibrarysUnsupportedClassVersion)
-{
-    // The fixture's CollectionInfo has class version 1; the others are made
-    // from the good fixture by raising one class record at a time.
-    std::vector<std::pair<std::string, std::string>> variants = {{"CollectionInfo", Fixture("archive-version-1.txt")}};
-    const std::string good = Fixture("archive-1.42.txt");
-    auto raise = [&](const std::string& record, const std::string& raised) {
-        std::string text = good;
-        const auto at = text.find(record);
-        text.replace(at, record.size(), raised);
-        return text;
-    };
-    variants.emplace_back("ArtInfo", raise("archive 7 0 0 ", "archive 7 0 1 "));
-    variants.emplace_back("CString", raise("0 0 10 Lena", "0 1 10 Lena"));
-    variants.emplace_back("PictureInfo", raise("0 0 9 Salt", "0 2 9 Salt"));
-    for (const auto& [what, description] : variants) {
-        SCOPED_TRACE(what);
-        WriteArtFile(File("v.tart"), description);
-        try {
-            Read(File("v.tart"));
-            ADD_FAILURE() << "no exception";
-        } catch (const boost::archive::archive_exception& exception) {
-            EXPECT_EQ(boost::archive::archive_exception::unsupported_class_version, exception.code);
-            EXPECT_EQ(11, exception.code);
-        }
-    }
+    EXPECT_EQ("Lena Marsh|1882-1961|400x300|64x80|p-lena|Salt Flat:pic01|Low Tide:pic02\n"
+              "Otto Brenn||300x400|0x0||Harbour:pic03\n", Describe(*read));
 }
 
 TEST_F(ArtInfoTest, DamagedDescriptionThrowsTheArchiveLibrarysException)
 {
+    using boost::archive::archive_exception;
     const std::string good = Fixture("archive-1.42.txt");
-    const std::vector<std::pair<std::string, std::string>> damaged = {
-        {"cut short", good.substr(0, good.size() / 2)},
-        {"no archive", "hello"},
-        {"other signature", "22 serialization::ARCHIVE 7 0 0"},
-        {"huge signature", "99999999999 serialization::archive 7"},
-        {"newer library", "22 serialization::archive 99 0 0 0 0 0 0"},
-        {"letters for a number", "22 serialization::archive 7 0 0 0 0 1 0 0 0 wide 300"},
-        // Counts and lengths that promise far more than the stream holds.
-        {"huge count", "22 serialization::archive 7 0 0 0 0 4000000000000 0 0 0 400 300 64 80 0 0 1 A"},
-        {"huge text", "22 serialization::archive 7 0 0 0 0 1 0 0 0 400 300 64 80 0 0 900000000000 Lena"},
-        {"negative text", "22 serialization::archive 7 0 0 0 0 1 0 0 0 400 300 64 80 0 0 -5 Lena"},
+    // A class version above 0 is the library's "unsupported class version": the
+    // fixture's CollectionInfo has version 1, the others raise one class record.
+    auto raise = [&](const std::string& record, const std::string& raised) {
+        return std::string(good).replace(good.find(record), record.size(), raised);
     };
-    for (const auto& [what, description] : damaged) {
-        SCOPED_TRACE(what);
-        WriteArtFile(File("d.tart"), description);
-        EXPECT_THROW(Read(File("d.tart")), boost::archive::archive_exception);
+    const struct { const char* what; std::string description; bool newerClass; } rows[] = {
+        {"CollectionInfo", Fixture("archive-version-1.txt"), true},
+        {"ArtInfo", raise("archive 7 0 0 ", "archive 7 0 1 "), true},
+        {"CString", raise("0 0 10 Lena", "0 1 10 Lena"), true},
+        {"PictureInfo", raise("0 0 9 Salt", "0 2 9 Salt"), true},
+        {"cut short", good.substr(0, good.size() / 2), false},
+        {"no archive", "hello", false},
+        {"other signature", "22 serialization::ARCHIVE 7 0 0", false},
+        {"huge signature", "99999999999 serialization::archive 7", false},
+        {"newer library", "22 serialization::archive 99 0 0 0 0 0 0", false},
+        {"letters for a number", "22 serialization::archive 7 0 0 0 0 1 0 0 0 wide 300", false},
+        // Counts and lengths that promise far more than the stream holds.
+        {"huge count", "22 serialization::archive 7 0 0 0 0 4000000000000 0 0 0 400 300 64 80 0 0 1 A", false},
+        {"huge text", "22 serialization::archive 7 0 0 0 0 1 0 0 0 400 300 64 80 0 0 900000000000 Lena", false},
+        {"negative text", "22 serialization::archive 7 0 0 0 0 1 0 0 0 400 300 64 80 0 0 -5 Lena", false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        WriteArtFile(File("d.tart"), row.description);
+        try {
+            Read(File("d.tart"));
+            ADD_FAILURE() << "no exception";
+        } catch (const archive_exception& exception) {
+            EXPECT_TRUE(!row.newerClass || exception.code == archive_exception::unsupported_class_version);
+        }
     }
 }
 
 TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTexts)
 {
     const std::string source = WritePicture(File("p.png"), 10, 10);
+    const std::string target = File("a.tart");
+    WriteFile(File("not-a-picture.png"), "no picture");
     ArtInfo art;
     art.AddCollection(MakeCollection("A", {"one", "two"}));
-    const std::string target = File("a.tart");
-    EXPECT_EQ("Internal error in ArtInfo::SaveToFile",
-              FailureOf([&] { art.SaveToFile(target.c_str(), {}, {{0, 0}}, {""}, {0}); }));
-    EXPECT_EQ("Internal error in ArtInfo::SaveToFile",
-              FailureOf([&] { art.SaveToFile(target.c_str(), {{source, source}}, {}, {""}, {0}); }));
-    EXPECT_EQ("Internal error in ArtInfo::SaveToFile",
-              FailureOf([&] { art.SaveToFile(target.c_str(), {{source}}, {{0, 0}}, {""}, {0}); }));
-
-    std::ofstream(File("not-a-picture.png")) << "no picture";
-    EXPECT_EQ(File("not-a-picture.png") + " could not be read.\nThe file was skipped.",
-              FailureOf([&] {
-                  art.SaveToFile(target.c_str(), {{source, File("not-a-picture.png")}}, {{0, 0}}, {""}, {0});
-              }));
-    EXPECT_EQ(File("missing.png") + " could not be read.\nThe file was skipped.",
-              FailureOf([&] { art.SaveToFile(target.c_str(), {{File("missing.png"), source}}, {{0, 0}}, {""}, {0}); }));
-
     // A picture without a stream name cannot be stored.
     ArtInfo unnamed;
     CollectionInfo collection;
     collection.AddPicture(PictureInfo());
     unnamed.AddCollection(collection);
-    EXPECT_EQ("The file  could not be saved.",
-              FailureOf([&] { unnamed.SaveToFile(File("b.tart").c_str(), {{source}}, {{0}}, {""}, {0}); }));
+    const std::string internal = "Internal error in ArtInfo::SaveToFile";
+    const struct { std::function<void()> save; std::string text; } rows[] = {
+        {[&] { art.SaveToFile(target.c_str(), {}, {{0, 0}}, {""}, {0}); }, internal},
+        {[&] { art.SaveToFile(target.c_str(), {{source, source}}, {}, {""}, {0}); }, internal},
+        {[&] { art.SaveToFile(target.c_str(), {{source}}, {{0, 0}}, {""}, {0}); }, internal},
+        {[&] { art.SaveToFile(target.c_str(), {{source, File("not-a-picture.png")}}, {{0, 0}}, {""}, {0}); },
+         File("not-a-picture.png") + " could not be read.\nThe file was skipped."},
+        {[&] { art.SaveToFile(target.c_str(), {{File("missing.png"), source}}, {{0, 0}}, {""}, {0}); },
+         File("missing.png") + " could not be read.\nThe file was skipped."},
+        {[&] { unnamed.SaveToFile(File("b.tart").c_str(), {{source}}, {{0}}, {""}, {0}); },
+         "The file  could not be saved."},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(row.text, FailureOf(row.save));
 
     // An old description that cannot be read stops the save before anything changes.
     WriteArtFile(File("damaged.tart"), "22 serialization::archive 7 0 0 0 0 1 0");
-    const std::string damagedBefore = korva::test::ReadTextFile(File("damaged.tart"));
+    const std::string damagedBefore = ReadFile(File("damaged.tart"));
     EXPECT_EQ("Reading from " + File("damaged.tart") + " failed.",
               FailureOf([&] { SaveWithPicture(art, File("damaged.tart"), source); }));
-    EXPECT_EQ(damagedBefore, korva::test::ReadTextFile(File("damaged.tart")));
+    EXPECT_EQ(damagedBefore, ReadFile(File("damaged.tart")));
 }
 
 TEST_F(ArtInfoTest, FileThatCannotBeOpenedIsToldThroughTheUserChannel)
 {
-    korva::test::MessageCatcher app;
+    MessageCatcher app;
     const std::string source = WritePicture(File("p.png"), 10, 10);
     ArtInfo art;
     art.AddCollection(MakeCollection("A", {"one"}));
 
-    std::ofstream(File("text.tart")) << "plain text";
+    WriteFile(File("text.tart"), "plain text");
     EXPECT_NO_THROW(SaveWithPicture(art, File("text.tart"), source));
-    ASSERT_EQ(1u, app.messages.size());
-    EXPECT_EQ("The file " + File("text.tart") + " could not be opened!", app.messages[0]);
-    EXPECT_EQ("plain text", korva::test::ReadTextFile(File("text.tart")));
-
     EXPECT_NO_THROW(SaveWithPicture(art, File("no/such/folder/a.tart"), source));
-    ASSERT_EQ(2u, app.messages.size());
-    EXPECT_EQ("The file " + File("no/such/folder/a.tart") + " could not be opened!", app.messages[1]);
+    EXPECT_EQ(app.messages, (std::vector<std::string>{"The file " + File("text.tart") + " could not be opened!",
+                                                      "The file " + File("no/such/folder/a.tart") +
+                                                          " could not be opened!"}));
+    EXPECT_EQ("plain text", ReadFile(File("text.tart")));
 
     if (geteuid() != 0) {
         // Root writes anyway; for everybody else a read-only file stays as it is.
@@ -430,20 +336,8 @@ TEST_F(ArtInfoTest, FailureInTheMiddleKeepsTheOldFileReadable)
     EXPECT_EQ("Portrayed", read->GetCollections()[1].GetArtistName());
     EXPECT_FALSE(read->GetImage(1, 0).isNull());
     EXPECT_TRUE(read->GetIcon(1).isNull());
-
     // No stray files are left beside it.
     EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(mDir.Path()), std::filesystem::directory_iterator()));
-}
-
-TEST_F(ArtInfoTest, EveryPictureGetsAStreamNameOfItsOwn)
-{
-    PictureInfo first;
-    PictureInfo second;
-    first.SetTitle("same");
-    second.SetTitle("same");
-    EXPECT_NE(first.GetFileName(), second.GetFileName());
-    EXPECT_FALSE(first.GetFileName().empty());
-    EXPECT_EQ(std::string::npos, first.GetFileName().find_first_not_of("0123456789"));
 }
 
 } // namespace

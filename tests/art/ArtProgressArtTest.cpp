@@ -8,13 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <thread>
-#include <vector>
 
-using korva::test::MakeCollection;
-using korva::test::SaveWithPicture;
-using korva::test::WritePicture;
+using namespace korva::test;
 
 namespace {
 
@@ -23,13 +19,11 @@ namespace {
 // and of the application's plug-in folder, with two collections of 3 and 2.
 TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
 {
-    TempDir home;
     TempDir plugins;
-    const std::string picture = WritePicture(home.File("p.png"), 90, 70);
-    ArtInfo three;
+    const std::string picture = WritePicture(plugins.File("p.png"), 90, 70);
+    ArtInfo three, two;
     three.AddCollection(MakeCollection("Three", {"T1", "T2", "T3"}));
     SaveWithPicture(three, plugins.File("a.tart"), picture);
-    ArtInfo two;
     CollectionInfo big = MakeCollection("Two", {"W1", "W2"});
     big.SetMaxPictureSize(399, 398);
     big.SetMaxPortraitSize(79, 78);
@@ -48,19 +42,19 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     ProgressArt::Init();
     ProgressArt::SetPluginFolder(nullptr);
     // Loaded once: the plug-in folder is forgotten, the catalogue stays.
-    const int collections = shipped + 2;
-    ASSERT_EQ(collections + 1, ProgressArt::GetNumArtists());
+    const int random = shipped + 2;
+    ASSERT_EQ(random + 1, ProgressArt::GetNumArtists());
     EXPECT_EQ(0, ProgressArt::GetPreferedArtist());
     EXPECT_EQ("Three", ProgressArt::GetArtistName(shipped, -1));
     EXPECT_EQ("Two", ProgressArt::GetArtistName(shipped + 1, -1));
-    EXPECT_EQ("<Random>", ProgressArt::GetArtistName(collections, -1));
-    EXPECT_EQ(shippedPictures + 5, ProgressArt::GetNumPaintings(collections));
-    EXPECT_EQ("W1", ProgressArt::GetPaintingName(collections, shippedPictures + 3));
+    EXPECT_EQ("<Random>", ProgressArt::GetArtistName(random, -1));
+    EXPECT_EQ(shippedPictures + 5, ProgressArt::GetNumPaintings(random));
+    EXPECT_EQ("W1", ProgressArt::GetPaintingName(random, shippedPictures + 3));
     EXPECT_EQ(QSize(90, 70), ProgressArt::GetPainting(shipped + 1, 1).size());
     EXPECT_EQ(std::max(programFolder.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
     EXPECT_EQ(std::max(programFolder.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
-    ProgressArt::SetPreferedArtist(collections);
-    EXPECT_EQ(collections, ProgressArt::GetPreferedArtist());
+    ProgressArt::SetPreferedArtist(random);
+    EXPECT_EQ(random, ProgressArt::GetPreferedArtist());
 
     // The break window's thread and the main thread ask at the same time.
     std::atomic<int> wrong{0};
@@ -69,9 +63,8 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
         threads.emplace_back([&, t] {
             for (int i = 0; i < 25; ++i) {
                 const int picture = shippedPictures + (i + t) % 5;
-                const std::string name = ProgressArt::GetPaintingName(collections, picture);
-                const QImage image = ProgressArt::GetPainting(collections, picture);
-                if (name.empty() || image.size() != QSize(90, 70))
+                if (ProgressArt::GetPaintingName(random, picture).empty() ||
+                    ProgressArt::GetPainting(random, picture).size() != QSize(90, 70))
                     ++wrong;
             }
         });
@@ -83,7 +76,7 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     SaveWithPicture(three, plugins.File("c.tart"), picture);
     ProgressArt::SetPluginFolder([&] { return plugins.Path(); });
     ProgressArt::Init();
-    EXPECT_EQ(collections + 1, ProgressArt::GetNumArtists());
+    EXPECT_EQ(random + 1, ProgressArt::GetNumArtists());
     ProgressArt::SetPluginFolder(nullptr);
 }
 

@@ -9,17 +9,18 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <fstream>
-#include <string>
 #include <thread>
 #include <vector>
+
+using korva::ArtStorageReader;
+using korva::ArtStorageWriter;
 
 namespace {
 
 // Writes `text` into stream "s" of a new compound file through the device.
 void WriteThroughDevice(const std::string& path, const std::string& text)
 {
-    korva::ArtStorageWriter writer(path);
+    ArtStorageWriter writer(path);
     ASSERT_TRUE(writer.IsOpen());
     const auto stream = writer.CreateStream("s");
     ASSERT_TRUE(stream);
@@ -33,6 +34,11 @@ void WriteThroughDevice(const std::string& path, const std::string& text)
     ASSERT_TRUE(writer.Commit());
 }
 
+int FilesIn(const std::string& folder)
+{
+    return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder), {}));
+}
+
 TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
 {
     TempDir dir;
@@ -42,17 +48,12 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
         text += std::to_string(i) + " ";
     WriteThroughDevice(dir.File("a.cf"), text);
 
-    std::shared_ptr<GsfInput> input;
-    {
-        korva::ArtStorageReader reader(dir.File("a.cf"));
-        input = reader.OpenStream("s");
-    }
     // The stream outlives the reader that opened it.
+    const std::shared_ptr<GsfInput> input = ArtStorageReader(dir.File("a.cf")).OpenStream("s");
     ASSERT_TRUE(input);
     boost::iostreams::stream<IStreamDevice> in{IStreamDevice(input.get())};
     in.exceptions(std::ios_base::badbit);
-    std::string all((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_EQ(text, all);
+    EXPECT_EQ(text, std::string(std::istreambuf_iterator<char>(in), {}));
 
     in.clear();
     in.seekg(6000);
@@ -87,7 +88,7 @@ TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommit)
     TempDir dir;
     WriteThroughDevice(dir.File("a.cf"), "old");
     {
-        korva::ArtStorageWriter writer(dir.File("a.cf"));
+        ArtStorageWriter writer(dir.File("a.cf"));
         ASSERT_TRUE(writer.WriteStream("s", "new", 3));
         // Names the format cannot hold, and doubles, are refused.
         EXPECT_FALSE(writer.CreateStream(""));
@@ -97,54 +98,44 @@ TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommit)
         // Not committed: dropped.
     }
     std::string content;
-    ASSERT_TRUE(korva::ArtStorageReader(dir.File("a.cf")).ReadStream("s", content));
+    ASSERT_TRUE(ArtStorageReader(dir.File("a.cf")).ReadStream("s", content));
     EXPECT_EQ("old", content);
-    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(dir.Path()), std::filesystem::directory_iterator()));
-
+    EXPECT_EQ(1, FilesIn(dir.Path()));
     {
-        korva::ArtStorageWriter writer(dir.File("a.cf"));
-        korva::ArtStorageReader old(dir.File("a.cf"));
+        ArtStorageWriter writer(dir.File("a.cf"));
+        ArtStorageReader old(dir.File("a.cf"));
         ASSERT_TRUE(writer.WriteStream("t", "added", 5));
         ASSERT_TRUE(writer.CopyMissing(old));
         ASSERT_TRUE(writer.Commit());
         EXPECT_FALSE(writer.Commit());
     }
-    korva::ArtStorageReader reader(dir.File("a.cf"));
+    ArtStorageReader reader(dir.File("a.cf"));
     EXPECT_EQ((std::vector<std::string>{"s", "t"}), reader.GetStreamNames());
     ASSERT_TRUE(reader.ReadStream("s", content));
     EXPECT_EQ("old", content);
     EXPECT_FALSE(reader.ReadStream("s", content, 2));
     EXPECT_FALSE(reader.ReadStream("u", content));
-
-    EXPECT_FALSE(korva::ArtStorageWriter(dir.File("missing/a.cf")).IsOpen());
+    EXPECT_FALSE(ArtStorageWriter(dir.File("missing/a.cf")).IsOpen());
 }
 
 TEST(ArtStreamDeviceTest, FilesKeptOpenForPicturesAreOpenedAfreshWhenReplaced)
 {
     TempDir dir;
     const std::string path = dir.File("a.cf");
-    WriteThroughDevice(path, "first");
     std::string content;
-    ASSERT_TRUE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
-    EXPECT_EQ("first", content);
-
-    // Replaced by renaming a new file over it, as the writer does.
-    WriteThroughDevice(path, "second, longer");
-    ASSERT_TRUE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
-    EXPECT_EQ("second, longer", content);
-
-    // Overwritten in place by a copy of another file.
+    // Replaced by renaming a new file over it, as the writer does, then overwritten in place.
     WriteThroughDevice(dir.File("b.cf"), "third, in place");
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out << std::ifstream(dir.File("b.cf"), std::ios::binary).rdbuf();
+    for (const char* text : {"first", "second, longer", "third, in place"}) {
+        if (text[0] == 't')
+            WriteFile(path, ReadFile(dir.File("b.cf")));
+        else
+            WriteThroughDevice(path, text);
+        ASSERT_TRUE(ArtStorageReader::ReadStreamOf(path, "s", content));
+        EXPECT_EQ(text, content);
     }
-    ASSERT_TRUE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
-    EXPECT_EQ("third, in place", content);
-
     std::remove(path.c_str());
-    EXPECT_FALSE(korva::ArtStorageReader::ReadStreamOf(path, "s", content));
-    EXPECT_FALSE(korva::ArtStorageReader::ReadStreamOf(dir.File("b.cf"), "t", content));
+    EXPECT_FALSE(ArtStorageReader::ReadStreamOf(path, "s", content));
+    EXPECT_FALSE(ArtStorageReader::ReadStreamOf(dir.File("b.cf"), "t", content));
 
     // More files than are kept open, read from several threads at once.
     for (int i = 0; i < 6; ++i)
@@ -154,10 +145,9 @@ TEST(ArtStreamDeviceTest, FilesKeptOpenForPicturesAreOpenedAfreshWhenReplaced)
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&, t] {
             for (int i = 0; i < 60; ++i) {
-                const int file = (i * 5 + t) % 6;
+                const std::string name = std::to_string((i * 5 + t) % 6);
                 std::string text;
-                if (!korva::ArtStorageReader::ReadStreamOf(dir.File(std::to_string(file) + ".cf"), "s", text) ||
-                    text != "file " + std::to_string(file))
+                if (!ArtStorageReader::ReadStreamOf(dir.File(name + ".cf"), "s", text) || text != "file " + name)
                     ++wrong;
             }
         });

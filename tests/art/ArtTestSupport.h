@@ -6,14 +6,13 @@
 
 #include <KORVAutl/UserComm.h>
 #include <KORVAutlwin/art/ArtInfo.h>
-#include <KORVAutlwin/art/ArtStorageReader.h>
 #include <KORVAutlwin/art/ArtStorageWriter.h>
 
 #include <QColor>
 #include <QImage>
 
-#include <fstream>
-#include <sstream>
+#include <cstdlib>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -73,20 +72,32 @@ inline void WriteArtFile(const std::string& path, const std::string& description
         throw std::runtime_error("cannot write " + path);
 }
 
-/// The text of the stream "ArtInfo" of `path`.
-inline std::string ReadDescription(const std::string& path)
+inline std::unique_ptr<const ArtInfo> Read(const std::string& path)
+{
+    return std::unique_ptr<const ArtInfo>(ArtInfo::ReadArtInfo(path.c_str()));
+}
+
+/// What a description holds, a line per collection: "artist|life|WxH|PWxPH|portrait|title:stream|...";
+/// without the stream names (made anew for every picture) when `streams` is false.
+inline std::string Describe(const ArtInfo& art, bool streams = true)
 {
     std::string text;
-    korva::ArtStorageReader(path).ReadStream("ArtInfo", text);
+    for (const CollectionInfo& c : art.GetCollections()) {
+        text += c.GetArtistName() + "|" + c.GetLifeSpan() + "|" + std::to_string(c.GetMaxPictureWidth()) + "x" +
+                std::to_string(c.GetMaxPictureHeight()) + "|" + std::to_string(c.GetMaxPortraitWidth()) + "x" +
+                std::to_string(c.GetMaxPortraitHeight()) + (streams ? "|" + c.GetPortraitName() : "");
+        for (const PictureInfo& picture : c.GetPictures())
+            text += "|" + picture.GetTitle() + (streams ? ":" + picture.GetFileName() : "");
+        text += "\n";
+    }
     return text;
 }
 
-inline std::string ReadTextFile(const std::string& path)
+/// Whether a colour read back from a JPEG is the one painted, within the loss of the encoding.
+inline bool Near(QColor actual, QColor expected)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
+    return std::abs(actual.red() - expected.red()) < 40 && std::abs(actual.green() - expected.green()) < 40 &&
+           std::abs(actual.blue() - expected.blue()) < 40;
 }
 
 /// A user channel that keeps what it is told instead of showing it.
