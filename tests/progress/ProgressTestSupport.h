@@ -1,26 +1,89 @@
 #pragma once
 // What the Progress tests share: an application with a real main frame (its
-// profile in a registry store of its own), a frame on the toolkit status bar,
-// and a break window that records every message it is sent.
+// profile in a registry store of its own), real input through the platform's
+// queue, answers to the stop question, and a break window that records every
+// message it is sent in the trace format of the companion.
 
 #include "../frame/MdiFrameTestSupport.h"
 
+#include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsStatusBar.h>
 #include <KORVAutlwin/frame/TsXTPStatusBar.h>
 #include <KORVAutlwin/progress/BreakWindowChannel.h>
 #include <KORVAutlwin/progress/Progress.h>
 
 #include <QEvent>
-#include <QObject>
-#include <QPointer>
+#include <QEventLoop>
+#include <QPushButton>
+#include <QWindow>
 
+#include <cstdio>
 #include <memory>
-#include <ostream>
 #include <string>
-#include <utility>
 #include <vector>
 
+// The platform's input queue, where real input waits until the event loop
+// takes it. QtGui exports these functions; their header is not installed.
+class QWindowSystemInterface
+{
+public:
+    struct SynchronousDelivery;
+    struct AsynchronousDelivery;
+    template <typename Delivery>
+    static bool handleCloseEvent(QWindow* window);
+    template <typename Delivery>
+    static bool handleMouseEvent(QWindow* window, const QPointF& local, const QPointF& global, Qt::MouseButtons state,
+                                 Qt::MouseButton button, QEvent::Type type, Qt::KeyboardModifiers modifiers,
+                                 Qt::MouseEventSource source);
+    template <typename Delivery>
+    static bool handleKeyEvent(QWindow* window, QEvent::Type type, int key, Qt::KeyboardModifiers modifiers,
+                               const QString& text, bool autorepeat, ushort count);
+    static bool sendWindowSystemEvents(QEventLoop::ProcessEventsFlags flags);
+};
+
 namespace korva::test {
+
+using Queue = QWindowSystemInterface;
+
+/// A click on the middle of `target`, queued by the platform as a user's would be.
+inline void QueueClick(QWidget* target)
+{
+    QWindow* window = target->window()->windowHandle();
+    const QPointF local = target->mapTo(target->window(), target->rect().center());
+    const QPointF global = target->mapToGlobal(target->rect().center());
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+        Queue::handleMouseEvent<Queue::AsynchronousDelivery>(
+            window, local, global, type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::LeftButton,
+            type, Qt::NoModifier, Qt::MouseEventNotSynthesized);
+}
+
+/// A key pressed and released on the window of `target`, queued by the platform.
+inline void QueueKey(QWidget* target, int key, bool release = true)
+{
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease})
+        if (type == QEvent::KeyPress || release)
+            Queue::handleKeyEvent<Queue::AsynchronousDelivery>(target->window()->windowHandle(), type, key,
+                                                               Qt::NoModifier, QString(), false, 1);
+}
+
+/// Clicks the button `answer` (IDYES, IDNO) of a box.
+inline void Click(QWidget* box, int answer)
+{
+    for (auto* button : box->findChildren<QPushButton*>())
+        if (button->property("ctrlId").toInt() == answer)
+            return QTest::mouseClick(button, Qt::LeftButton);
+    ADD_FAILURE() << "no button " << answer;
+}
+
+/// Answers the next modal box with `answer`, keeping its text in `asked`.
+inline void Answer(int answer, QString* asked = nullptr, std::chrono::milliseconds timeout = std::chrono::seconds(10))
+{
+    WhenModal([answer, asked](QWidget* box) {
+        if (asked)
+            *asked = BoxText(box);
+        Click(box, answer);
+    }, timeout);
+}
 
 /// Counts the events of one type that pass through the objects it filters, or
 /// that are sent to it (and takes those).
@@ -30,17 +93,15 @@ public:
     explicit EventCounter(QEvent::Type type) : mType(type) {}
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == mType)
-            ++count;
+        count += event->type() == mType;
         return QObject::eventFilter(watched, event);
     }
     bool event(QEvent* event) override
     {
-        if (event->type() == mType) {
-            ++count;
-            return true;
-        }
-        return QObject::event(event);
+        if (event->type() != mType)
+            return QObject::event(event);
+        ++count;
+        return true;
     }
     int count = 0;
 
@@ -54,10 +115,8 @@ class XTPFrame : public TessmaMDIFrame
 public:
     QWidget* GetMessageBar() override
     {
-        if (!mBar) {
-            mBar = new TsXTPStatusBar(this);
-            setStatusBar(mBar);
-        }
+        if (!mBar)
+            setStatusBar(mBar = new TsXTPStatusBar(this));
         return mBar;
     }
 
@@ -65,33 +124,14 @@ private:
     QPointer<TsXTPStatusBar> mBar;
 };
 
-/// One message of the break window protocol as the window received it.
-struct BreakMessage
+/// "x,y,width,height", as the companion traces a main window.
+inline std::string Geometry(const QRect& r)
 {
-    BreakMessage(unsigned int messageCode, float firstArgument = 0.0f, float secondArgument = 0.0f,
-                 std::string title = {})
-        : code(messageCode), first(firstArgument), second(secondArgument), text(std::move(title))
-    {
-    }
-
-    unsigned int code;
-    float first;       // value, range low, delay, show flag
-    float second;      // range high
-    std::string text;  // title
-
-    bool operator==(const BreakMessage& other) const
-    {
-        return code == other.code && first == other.first && second == other.second && text == other.text;
-    }
-};
-
-inline void PrintTo(const BreakMessage& message, std::ostream* out)
-{
-    *out << "{0x" << std::hex << message.code << std::dec << ", " << message.first << ", " << message.second << ", \""
-         << message.text << "\"}";
+    return std::to_string(r.x()) + "," + std::to_string(r.y()) + "," + std::to_string(r.width()) + "," +
+           std::to_string(r.height());
 }
 
-/// A break window that keeps what it is sent, in order, and can press stop.
+/// A break window that keeps what it is sent, in order, as the companion traces it, and can press stop.
 class RecordingBreakWindow : public BreakWindowChannel
 {
 public:
@@ -101,37 +141,38 @@ public:
         return exists;
     }
     bool IsWindow() const override { return exists; }
-    void Finish() override
-    {
-        messages.push_back({eFinish});
-        client = nullptr;
-    }
-    void SpinStep() override { messages.push_back({eSpinStep}); }
-    void SpinRest() override { messages.push_back({eSpinRest}); }
-    void SetTitle(const char* title) override { messages.push_back({eSetTitle, 0.0f, 0.0f, title}); }
-    void SetGaugeValue(float value) override { messages.push_back({eGaugeValue, value}); }
-    void SetGaugeRange(float low, float high) override { messages.push_back({eGaugeRange, low, high}); }
-    void ShowWindow(bool show) override { messages.push_back({eShowWindow, show ? 1.0f : 0.0f}); }
+    void Finish() override { Log("finish"); }
+    void SpinStep() override { Log("spinstep"); }
+    void SpinRest() override { Log("spinrest"); }
+    void SetTitle(const char* title) override { Log(std::string("title ") + title); }
+    void SetGaugeValue(float value) override { Log("value " + Number(value)); }
+    void SetGaugeRange(float low, float high) override { Log("range " + Number(low) + " " + Number(high)); }
+    void ShowWindow(bool show) override { Log(show ? "show 1" : "show 0"); }
     void Start(unsigned int delay, Progress* progress, const QRect& mainWindow) override
     {
-        messages.push_back({eStart, static_cast<float>(delay)});
         client = progress;
-        startGeometry = mainWindow;
-        startTexts = {progress->GetInfoText(), progress->GetStopQuestion(), progress->GetStopTitle(),
-                      progress->GetStopButton()};
-        startSwitches = {progress->GetAllowBreak(), progress->GetShowSpin(), progress->GetShowGauge()};
+        const BreakStartInfo info = StartInfo(*progress, delay, mainWindow);
+        Log("start " + std::to_string(delay) + " " + (info.allowBreak ? "1" : "0") + (info.showSpin ? "1" : "0") +
+            (info.showGauge ? "1" : "0") + " " + Geometry(info.mainWindow) + " " + info.infoText + "|" +
+            info.stopQuestion + "|" + info.stopTitle + "|" + info.stopButton);
     }
 
-    /// The user confirms the stop.
+    /// The user confirms the stop of the last client started.
     void PressStop() { SetBreakPressed(*client); }
 
     bool exists = true;
     int creates = 0;
     Progress* client = nullptr;
-    std::vector<BreakMessage> messages;
-    QRect startGeometry;
-    std::vector<std::string> startTexts;  // info text, question, title, button
-    std::vector<bool> startSwitches;      // allowBreak, showSpin, showGauge
+    std::vector<std::string> messages;
+
+private:
+    void Log(const std::string& line) { messages.push_back(line); }
+    static std::string Number(float value)
+    {
+        char text[32];
+        std::snprintf(text, sizeof text, "%g", static_cast<double>(value));
+        return text;
+    }
 };
 
 /// An application whose main window is a real frame, shown offscreen.
@@ -168,17 +209,6 @@ protected:
         mFrame->show();
         QCoreApplication::processEvents();
         return made;
-    }
-
-    /// The message bar's first pane with id 0.
-    std::string MessageText() const
-    {
-        QWidget* bar = mFrame->GetMessageBar();
-        if (auto* plain = qobject_cast<TsStatusBar*>(bar))
-            return plain->GetPaneText(plain->CommandToIndex(0));
-        if (auto* xtp = qobject_cast<TsXTPStatusBar*>(bar))
-            return xtp->GetPaneText(xtp->CommandToIndex(0));
-        return {};
     }
 
     std::unique_ptr<TessmaMDIFrame> mFrame;
