@@ -1,90 +1,64 @@
-// TsGauge: the frame arithmetic, the colour cycle driven by timer events, the
-// caption and its height, and what a frame really paints. Offscreen.
+// TsGauge (frame arithmetic, colour cycle, caption, what a frame paints) and
+// TsXTPGauge (percentages, one update per change of position). Offscreen.
 
-#include "../frame/TestApplication.h"
+#include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/TsGauge.h>
+#include <KORVAutlwin/progress/TsXTPGauge.h>
 #include <KORVAutlwin/toolkit/LogFont.h>
 
-#include <QCoreApplication>
-#include <QImage>
+#include <QSignalSpy>
 #include <QTimerEvent>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace {
 
-// --- Arithmetic ---------------------------------------------------------------------------
-
-TEST(GaugeArithmeticTest, BlendFactorFadesInHoldsAndFadesOut)
+TEST(GaugeArithmeticTest, AlertColourFadesInHoldsAndFadesOutPerChannel)
 {
-    const std::pair<int, float> points[] = {{70, 0.0f}, {71, 0.1f}, {75, 0.5f},  {80, 1.0f},
+    const std::pair<int, float> points[] = {{70, 0.0f},  {71, 0.1f},  {75, 0.5f},  {80, 1.0f},
                                             {100, 1.0f}, {101, 0.9f}, {110, 0.0f}, {179, 0.0f}};
     for (const auto& [phase, factor] : points)
         EXPECT_FLOAT_EQ(TsGauge::BlendFactor(phase), factor) << phase;
-
-    // Over a whole cycle: 21 frames at full alert colour and 9 on either fade,
-    // i.e. 2 seconds of change every 9 seconds at 20 frames a second.
-    int full = 0, fading = 0;
-    for (int phase = 0; phase < TsGauge::kPhaseCount; ++phase) {
-        const float f = TsGauge::BlendFactor(phase);
-        full += f == 1.0f;
-        fading += f > 0.0f && f < 1.0f;
-    }
-    EXPECT_EQ(full, 21);
-    EXPECT_EQ(fading, 18);
-    EXPECT_EQ(TsGauge::kPhaseCount * TsGauge::kFrameInterval, 9000);
-}
-
-TEST(GaugeArithmeticTest, ColoursBlendPerChannel)
-{
     EXPECT_EQ(TsGauge::BarColorAt(75), RGB(112, 64, 141));  // halfway, truncated
     EXPECT_EQ(TsGauge::TextColorAt(105), RGB(255, 229, 127));
-    // The fade in mirrors the fade out.
-    for (int step = 1; step < 10; ++step)
-        EXPECT_EQ(TsGauge::BarColorAt(70 + step), TsGauge::BarColorAt(110 - step)) << step;
     // Out-of-range factors are held at the ends.
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), 2.0f), RGB(200, 100, 0));
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), -1.0f), RGB(10, 20, 30));
 }
 
-TEST(GaugeArithmeticTest, BarWidthFollowsTheValueWithinTheRange)
+TEST(GaugeArithmeticTest, FilledPartIsTruncatedAndHeldWithinTheClientArea)
 {
-    EXPECT_EQ(TsGauge::BarWidth(99, 1.0f, 0.0f, 3.0f), 33);
-    EXPECT_EQ(TsGauge::BarWidth(100, 0.999f, 0.0f, 1.0f), 99);  // truncated, not rounded
-    EXPECT_EQ(TsGauge::BarWidth(200, -2.0f, -4.0f, 0.0f), 100);  // a range away from 0
-    // Values outside the range stay inside the client area.
-    EXPECT_EQ(TsGauge::BarWidth(200, -10.0f, 0.0f, 100.0f), 0);
-    EXPECT_EQ(TsGauge::BarWidth(200, 1e30f, 0.0f, 1.0f), 200);
-    // An empty range fills nothing at its value, everything beyond it.
-    EXPECT_EQ(TsGauge::BarWidth(200, 5.0f, 5.0f, 5.0f), 0);
-    EXPECT_EQ(TsGauge::BarWidth(200, 6.0f, 5.0f, 5.0f), 200);
+    // TsGauge in pixels of a client 200 wide, TsXTPGauge in percent. An empty
+    // range fills nothing at its value, everything beyond it; a reversed range
+    // is taken as given: rising values fall.
+    const struct { float value, low, high; int pixels, percent; } rows[] = {
+        {1.0f, 0.0f, 3.0f, 66, 33},      {0.999f, 0.0f, 1.0f, 199, 99}, {-2.0f, -4.0f, 0.0f, 100, 50},
+        {-10.0f, 0.0f, 100.0f, 0, 0},    {1e30f, 0.0f, 1.0f, 200, 100}, {5.0f, 5.0f, 5.0f, 0, 0},
+        {6.0f, 5.0f, 5.0f, 200, 100},    {0.25f, 1.0f, 0.0f, 150, 75},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.value << " in " << row.low << ".." << row.high);
+        EXPECT_EQ(TsGauge::BarWidth(200, row.value, row.low, row.high), row.pixels);
+        EXPECT_EQ(TsXTPGauge::PositionOf(row.value, row.low, row.high), row.percent);
+    }
     EXPECT_EQ(TsGauge::BarWidth(0, 50.0f, 0.0f, 100.0f), 0);
 }
 
-TEST(GaugeArithmeticTest, CaptionIsCutAt199Characters)
+TEST(GaugeArithmeticTest, CaptionIsCutAt199CharactersNotBytes)
 {
     EXPECT_TRUE(TsGauge::CutCaption(nullptr).isEmpty());
-    // Characters, not bytes: 300 two-byte letters keep 199 letters, whole.
-    std::string umlauts;
-    for (int i = 0; i < 300; ++i)
+    // Two-byte letters stay whole; a character beyond the 16-bit plane counts once and is never split.
+    std::string umlauts, emoji;
+    for (int i = 0; i < 300; ++i) {
         umlauts += "\xC3\xA4";
+        emoji += "\xF0\x9F\x98\x80";
+    }
     const QString cut = TsGauge::CutCaption(umlauts.c_str());
     EXPECT_EQ(cut.size(), 199);
     EXPECT_EQ(cut.count(QChar(0xE4)), 199);
-
-    // A character beyond the 16-bit plane counts once and is never split.
-    std::string emoji;
-    for (int i = 0; i < 250; ++i)
-        emoji += "\xF0\x9F\x98\x80";
     const QString cutEmoji = TsGauge::CutCaption(emoji.c_str());
     EXPECT_EQ(cutEmoji.toUcs4().size(), 199);
     EXPECT_EQ(cutEmoji.toStdString().size(), 199u * 4);
 }
-
-// --- The control --------------------------------------------------------------------------
 
 class GaugeWidgetTest : public ::testing::Test
 {
@@ -99,54 +73,45 @@ protected:
             QCoreApplication::sendEvent(&gauge, &event);
         }
     }
-
     static QRgb Pixel(const QImage& image, int x, int y) { return image.pixel(x, y) & 0xFFFFFF; }
     static QRgb Rgb(COLORREF color) { return qRgb(GetRValue(color), GetGValue(color), GetBValue(color)) & 0xFFFFFF; }
 };
 
-TEST_F(GaugeWidgetTest, CaptionFontAndRange)
+TEST_F(GaugeWidgetTest, CaptionFontRangeAndDesiredHeight)
 {
     TsGauge gauge;
     EXPECT_EQ(gauge.GetCaptionFont().weight(), QFont::Bold);
     EXPECT_EQ(gauge.GetCaptionFont().pixelSize(), korva::MulDiv(8, gauge.logicalDpiY(), 72));
     gauge.SetRange(5.0f, 1.0f);  // put in order
-    EXPECT_EQ(gauge.GetLow(), 1.0f);
-    EXPECT_EQ(gauge.GetHigh(), 5.0f);
+    EXPECT_EQ(std::make_pair(gauge.GetLow(), gauge.GetHigh()), std::make_pair(1.0f, 5.0f));
     gauge.SetValue(42.0f);  // out of range values are kept as given
     EXPECT_EQ(gauge.GetValue(), 42.0f);
+
+    EXPECT_EQ(gauge.GetDesiredHeight(), 2);  // no caption, no frame
+    gauge.SetCaption("Computing");
+    const int textOnly = gauge.GetDesiredHeight();
+    EXPECT_EQ(textOnly, static_cast<int>(QFontMetricsF(gauge.GetCaptionFont()).height() + 2));
+    gauge.setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    gauge.setLineWidth(2);
+    EXPECT_EQ(gauge.GetDesiredHeight(), textOnly + 2 * gauge.frameWidth());
 }
 
-TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameAndWraps)
-{
-    TsGauge gauge;
-    gauge.resize(100, 20);
-    EXPECT_EQ(gauge.GetAnimationTimerId(), 0);  // no timer while never shown
-    gauge.show();
-    ASSERT_NE(gauge.GetAnimationTimerId(), 0);
-
-    Tick(gauge, 1);
-    EXPECT_EQ(gauge.GetPhase(), 1);
-    Tick(gauge, 178);
-    EXPECT_EQ(gauge.GetPhase(), 179);
-    Tick(gauge, 1);
-    EXPECT_EQ(gauge.GetPhase(), 0);
-    Tick(gauge, 365);
-    EXPECT_EQ(gauge.GetPhase(), 5);
-
-    // A timer of someone else's does not move the cycle.
-    QTimerEvent foreign(gauge.GetAnimationTimerId() + 1000);
-    QCoreApplication::sendEvent(&gauge, &foreign);
-    EXPECT_EQ(gauge.GetPhase(), 5);
-}
-
-TEST_F(GaugeWidgetTest, AHiddenGaugeStartsItsCycleAgain)
+TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndStartsAgainWhenHidden)
 {
     QWidget parent;
     auto* gauge = new TsGauge(&parent);
     gauge->resize(100, 20);
+    EXPECT_EQ(gauge->GetAnimationTimerId(), 0);  // no timer while never shown
     parent.show();
-    Tick(*gauge, 40);
-    EXPECT_EQ(gauge->GetPhase(), 40);
+    ASSERT_NE(gauge->GetAnimationTimerId(), 0);
+    for (const auto& [ticks, phase] : {std::pair{1, 1}, {178, 179}, {1, 0}, {365, 5}}) {
+        Tick(*gauge, ticks);
+        EXPECT_EQ(gauge->GetPhase(), phase) << ticks;
+    }
+    // A timer of someone else's does not move the cycle.
+    QTimerEvent foreign(gauge->GetAnimationTimerId() + 1000);
+    QCoreApplication::sendEvent(gauge, &foreign);
+    EXPECT_EQ(gauge->GetPhase(), 5);
 
     gauge->hide();
     EXPECT_EQ(gauge->GetPhase(), 0);
@@ -154,27 +119,11 @@ TEST_F(GaugeWidgetTest, AHiddenGaugeStartsItsCycleAgain)
     gauge->show();
     Tick(*gauge, 3);
     EXPECT_EQ(gauge->GetPhase(), 3);
-
     // Hiding the window around it counts as well.
     parent.hide();
     EXPECT_EQ(gauge->GetPhase(), 0);
     parent.show();
     EXPECT_NE(gauge->GetAnimationTimerId(), 0);
-}
-
-TEST_F(GaugeWidgetTest, CaptionAndDesiredHeight)
-{
-    TsGauge gauge;
-    EXPECT_EQ(gauge.GetDesiredHeight(), 2);  // no caption, no frame
-
-    gauge.SetCaption("Computing");
-    const QFontMetricsF metrics(gauge.GetCaptionFont());
-    const int textOnly = gauge.GetDesiredHeight();
-    EXPECT_EQ(textOnly, static_cast<int>(metrics.height() + 2));
-
-    gauge.setFrameStyle(QFrame::Panel | QFrame::Sunken);
-    gauge.setLineWidth(2);
-    EXPECT_EQ(gauge.GetDesiredHeight(), textOnly + 2 * gauge.frameWidth());
 }
 
 TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)
@@ -190,12 +139,10 @@ TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)
     // Below the lighter band the bar has its own colour, at phase 0 the blue one.
     EXPECT_EQ(Pixel(frame, 10, 18), Rgb(TsGauge::kBarColor));
     EXPECT_EQ(Pixel(frame, 49, 18), Rgb(TsGauge::kBarColor));
-    // The band is lighter than the bar.
-    EXPECT_GT(qRed(frame.pixel(10, 2)), qRed(frame.pixel(10, 18)));
+    EXPECT_GT(qRed(frame.pixel(10, 2)), qRed(frame.pixel(10, 18))) << "the band is lighter";
     // The rest is the face colour under a faint wash of the bar colour.
     const QColor face = gauge.palette().color(QPalette::Button);
     const QRgb rest = Pixel(frame, 150, 10);
-    EXPECT_NE(rest, Pixel(frame, 10, 18));
     EXPECT_NEAR(qRed(rest), face.red() + (0x00 - face.red()) * 16 / 255, 1);
     EXPECT_NEAR(qBlue(rest), face.blue() + (0xE6 - face.blue()) * 16 / 255, 1);
     EXPECT_EQ(Pixel(frame, 50, 18), rest);  // the bar ends at a quarter
@@ -211,19 +158,60 @@ TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)
     // A caption is drawn in the middle in the text colour over a black shadow.
     gauge.SetCaption("MMMMMMMM");
     const QImage captioned = gauge.grab().toImage();
-    bool textColour = false, black = false, outside = true;
+    bool textColour = false, black = false, outside = false;
     for (int y = 0; y < captioned.height(); ++y)
         for (int x = 0; x < captioned.width(); ++x) {
             const QRgb pixel = Pixel(captioned, x, y);
             const bool text = pixel == Rgb(TsGauge::kTextAlertColor);
             textColour |= text;
             black |= pixel == 0;
-            if ((text || pixel == 0) && (x < 40 || x > 160))
-                outside = false;
+            outside |= (text || pixel == 0) && (x < 40 || x > 160);
         }
     EXPECT_TRUE(textColour);
     EXPECT_TRUE(black);
-    EXPECT_TRUE(outside);  // centred, nowhere near the ends
+    EXPECT_FALSE(outside);  // centred, nowhere near the ends
+}
+
+TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPosition)
+{
+    TsXTPGauge gauge;
+    EXPECT_FALSE(gauge.isTextVisible());
+    gauge.resize(300, 16);
+    gauge.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&gauge));
+    QCoreApplication::processEvents();
+    korva::test::EventCounter paints(QEvent::Paint);
+    gauge.installEventFilter(&paints);
+    QSignalSpy changes(&gauge, &QProgressBar::valueChanged);
+    auto expectUpdates = [&](int count) {
+        QCoreApplication::processEvents();
+        EXPECT_EQ(changes.count(), count);
+        EXPECT_EQ(paints.count, count);
+    };
+
+    gauge.SetRange(10.0f, 20.0f);
+    gauge.SetValue(12.5f);
+    EXPECT_EQ(gauge.value(), 25);
+    EXPECT_EQ(gauge.maximum(), 100);  // the control always counts in percent
+    expectUpdates(1);
+    // A new range changes nothing on display until the next value.
+    gauge.SetRange(0.0f, 10.0f);
+    EXPECT_EQ(gauge.value(), 25);
+    // Values within the same percent are not passed on at all.
+    for (float v = 2.5f; v < 2.6f; v += 0.001f)
+        gauge.SetValue(v);
+    EXPECT_EQ(gauge.GetPosition(), 25);
+    expectUpdates(1);
+    // Beyond the range: 100 once, however often it is repeated.
+    for (int i = 0; i < 20; ++i)
+        gauge.SetValue(50.0f + i);
+    EXPECT_EQ(gauge.value(), 100);
+    expectUpdates(2);
+    // Every step of ten percent is one change and one repaint.
+    for (int step = 0; step <= 10; ++step)
+        gauge.SetValue(static_cast<float>(step));
+    expectUpdates(2 + 11);
+    gauge.removeEventFilter(&paints);
 }
 
 } // namespace

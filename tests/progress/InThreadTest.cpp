@@ -2,77 +2,43 @@
 // window of its end by a posted event, and never after Stop. The events are
 // delivered by hand (sendPostedEvents), so a test sees exactly what is queued.
 
-#include "../frame/TestApplication.h"
+#include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/InThread.h>
 
 #include <KORVAutl/Exception.h>
 
-#include <QCoreApplication>
-#include <QEvent>
-#include <QObject>
-
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <functional>
 #include <thread>
 
 #include <sys/resource.h>
-#include <unistd.h>
-
-namespace {
 
 using namespace std::chrono_literals;
 
-const int kDone = QEvent::registerEventType();
+namespace {
 
-// Counts the completion notices that reach it, and on which thread.
-class Receiver : public QObject
-{
-public:
-    bool event(QEvent* event) override
-    {
-        if (event->type() != kDone)
-            return QObject::event(event);
-        ++notices;
-        noticeThread = std::this_thread::get_id();
-        return true;
-    }
-
-    /// Delivers what is queued for this receiver and returns the count so far.
-    int Deliver()
-    {
-        QCoreApplication::sendPostedEvents(this, kDone);
-        return notices;
-    }
-
-    int notices = 0;
-    std::thread::id noticeThread;
-};
+const auto kDone = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 // Waits, without handling events, until `condition` holds; false after 10 s.
 bool WaitUntil(const std::function<bool()>& condition)
 {
     const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
+    while (!condition() && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(1ms);
-    }
-    return true;
+    return condition();
 }
 
-// A function that runs until it is stopped or released, and reports what it saw.
+int NiceOfThisThread()
+{
+    return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+}
+
+// A function that runs until it is stopped (returns -1) or released (returns its call number).
 struct Controlled
 {
-    std::atomic<int> calls{0};
-    std::atomic<bool> entered{false};
-    std::atomic<bool> released{false};
-    std::atomic<int> stopsSeen{0};
-    std::atomic<bool> returned{false};
+    std::atomic<int> calls{0}, stopsSeen{0};
+    std::atomic<bool> entered{false}, released{false}, returned{false};
 
     std::function<float(bool&)> Function()
     {
@@ -98,75 +64,71 @@ class InThreadTest : public ::testing::Test
 {
 protected:
     void SetUp() override { korva::test::Application(); }
-    Receiver receiver;
+    // Delivers what is queued for the receiver and returns the count of notices so far.
+    int Deliver()
+    {
+        QCoreApplication::sendPostedEvents(&mReceiver, kDone);
+        return mReceiver.count;
+    }
+    korva::test::EventCounter mReceiver{kDone};
 };
 
-TEST_F(InThreadTest, GetBeforeStartReturnsTheStoredResultWithoutRunning)
+TEST_F(InThreadTest, RunToItsEndPostsOneNoticeButStopBeforeItIsHandledRemovesIt)
 {
-    Controlled work;  // would never return unless stopped
-    InThread thread(work.Function(), &receiver, kDone);
-    thread.Stop();  // harmless before a start
-    EXPECT_FALSE(thread.HasThread());
-    EXPECT_EQ(thread.get(), 0.0f);
-    EXPECT_EQ(work.calls.load(), 0);
-    EXPECT_EQ(receiver.Deliver(), 0);
-}
+    Controlled never;  // would never return unless stopped
+    InThread idle(never.Function(), &mReceiver, kDone);
+    idle.Stop();  // harmless before a start
+    EXPECT_EQ(idle.get(), 0.0f) << "the stored result, without running";
+    EXPECT_EQ(never.calls.load(), 0);
 
-TEST_F(InThreadTest, RunToItsEndPostsOneNoticeButStopAfterTheEndRemovesIt)
-{
-    InThread finished([](bool&) { return 2.5f; }, &receiver, kDone);
+    InThread finished([](bool&) { return 2.5f; }, &mReceiver, kDone);
     finished.Start();
     ASSERT_TRUE(WaitUntil([&] { return !finished.IsRunning(); }));
+    EXPECT_EQ(mReceiver.count, 0) << "posted, not sent from the thread";
     EXPECT_EQ(finished.get(), 2.5f);
-    EXPECT_EQ(receiver.Deliver(), 1);
-    EXPECT_EQ(receiver.noticeThread, std::this_thread::get_id());
-    EXPECT_EQ(receiver.Deliver(), 1) << "one notice per run";
+    EXPECT_EQ(Deliver(), 1);
+    EXPECT_EQ(Deliver(), 1) << "one notice per run";
 
-    // The same, but Stop comes after the end and before the notice is handled.
     bool stopSeen = true;
     InThread stopped(
         [&](bool& stop) {
             stopSeen = InThread::StopRequested(stop);
             return 4.0f;
         },
-        &receiver, kDone);
+        &mReceiver, kDone);
     stopped.Start();
     ASSERT_TRUE(WaitUntil([&] { return !stopped.IsRunning(); }));
     stopped.Stop();
     EXPECT_FALSE(stopped.HasThread());
-    EXPECT_EQ(receiver.Deliver(), 1) << "the waiting notice was removed";
+    EXPECT_EQ(Deliver(), 1) << "the waiting notice was removed";
     EXPECT_FALSE(stopSeen);
     EXPECT_EQ(stopped.get(), 4.0f);
 }
 
-TEST_F(InThreadTest, StoppedRunPostsNothingAndStopWaitsForTheFunction)
+TEST_F(InThreadTest, StoppedRunPostsNothingAndStopAndTheDestructorWaitForTheFunction)
 {
-    Controlled work;
-    InThread thread(work.Function(), &receiver, kDone);
+    Controlled work, other;
+    InThread thread(work.Function(), &mReceiver, kDone);
     thread.Start();
     ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
     thread.Stop();
     EXPECT_TRUE(work.returned.load()) << "Stop returned before the function";
     EXPECT_EQ(work.stopsSeen.load(), 1);
-    EXPECT_EQ(receiver.Deliver(), 0);
     EXPECT_EQ(thread.get(), -1.0f);
-
-    // The destructor stops too.
-    Controlled other;
     {
-        InThread scoped(other.Function(), &receiver, kDone);
+        InThread scoped(other.Function(), &mReceiver, kDone);
         scoped.Start();
         ASSERT_TRUE(WaitUntil([&] { return other.entered.load(); }));
     }
     EXPECT_TRUE(other.returned.load());
     EXPECT_EQ(other.stopsSeen.load(), 1);
-    EXPECT_EQ(receiver.Deliver(), 0);
+    EXPECT_EQ(Deliver(), 0);
 }
 
 TEST_F(InThreadTest, StartStopsARunningRunAndRestarts)
 {
     Controlled work;
-    InThread thread(work.Function(), &receiver, kDone);
+    InThread thread(work.Function(), &mReceiver, kDone);
     thread.Start();
     ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
     work.entered = false;
@@ -175,22 +137,21 @@ TEST_F(InThreadTest, StartStopsARunningRunAndRestarts)
     ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
     work.released = true;
     EXPECT_EQ(thread.get(), 2.0f);
-    EXPECT_EQ(receiver.Deliver(), 1) << "only the second run reports";
+    EXPECT_EQ(Deliver(), 1) << "only the second run reports";
 
     // Again after an ended run: the stop flag was cleared, the result is new.
     thread.Start();
     EXPECT_EQ(thread.get(), 3.0f);
     EXPECT_EQ(work.stopsSeen.load(), 1);
-    EXPECT_EQ(receiver.Deliver(), 2);
+    EXPECT_EQ(Deliver(), 2);
 }
 
 TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
 {
-    Controlled work;
-    InThread source(work.Function(), &receiver, kDone);
+    Controlled work, otherWork;
+    InThread source(work.Function(), &mReceiver, kDone);
     source.Start();
     ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
-
     InThread copy(source);
     EXPECT_FALSE(source.HasThread());
     EXPECT_TRUE(copy.HasThread());
@@ -199,7 +160,6 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     EXPECT_FALSE(work.returned.load());
 
     // Assignment stops the target's own run before it takes the other's.
-    Controlled otherWork;
     InThread target(otherWork.Function(), nullptr, 0);
     target.Start();
     ASSERT_TRUE(WaitUntil([&] { return otherWork.entered.load(); }));
@@ -209,17 +169,17 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     EXPECT_TRUE(target.HasThread());
 
     work.released = true;
-    EXPECT_EQ(target.get(), 1.0f);
     // One result for all three.
+    EXPECT_EQ(target.get(), 1.0f);
     EXPECT_EQ(copy.get(), 1.0f);
     EXPECT_EQ(source.get(), 1.0f);
-    EXPECT_EQ(receiver.Deliver(), 1);
+    EXPECT_EQ(Deliver(), 1);
 }
 
 TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromGet)
 {
     // An empty function fails on the thread with the system's text; the process lives on.
-    InThread empty(std::function<float(bool&)>(), &receiver, kDone);
+    InThread empty(std::function<float(bool&)>(), &mReceiver, kDone);
     empty.Start();
     for (int call = 0; call < 2; ++call) {
         try {
@@ -229,15 +189,15 @@ TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromGet)
             EXPECT_STREQ(exception.Why(), "call to empty boost::function");
         }
     }
-    EXPECT_EQ(receiver.Deliver(), 1) << "a failed run has ended too";
+    EXPECT_EQ(Deliver(), 1) << "a failed run has ended too";
 
     // A run that throws keeps the last result; the next start clears the failure.
     int call = 0;
     InThread flaky(
-        [&](bool&) -> float {
+        [&](bool&) {
             if (++call == 2)
                 throw Exception("bad data");
-            return static_cast<float>(call);
+            return float(call);
         },
         nullptr, 0);
     flaky.Start();
@@ -251,16 +211,15 @@ TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromGet)
 TEST_F(InThreadTest, RunsOnAThreadOfItsOwnAtTheLowestNicePriority)
 {
     errno = 0;
-    const int callerNice = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+    const int callerNice = NiceOfThisThread();
     ASSERT_EQ(errno, 0);
     ASSERT_LT(callerNice, InThread::kThreadNice);
-
     int threadNice = 0;
     std::thread::id runThread;
     InThread thread(
         [&](bool&) {
             runThread = std::this_thread::get_id();
-            threadNice = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+            threadNice = NiceOfThisThread();
             return 0.0f;
         },
         nullptr, 0);
@@ -268,7 +227,7 @@ TEST_F(InThreadTest, RunsOnAThreadOfItsOwnAtTheLowestNicePriority)
     thread.get();
     EXPECT_NE(runThread, std::this_thread::get_id());
     EXPECT_EQ(threadNice, InThread::kThreadNice);
-    EXPECT_EQ(getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())), callerNice) << "the caller keeps its priority";
+    EXPECT_EQ(NiceOfThisThread(), callerNice) << "the caller keeps its priority";
 }
 
 } // namespace
