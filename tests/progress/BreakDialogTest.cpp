@@ -1,8 +1,6 @@
-// BreakDialog as a transport drives it: the delay before it appears, the stop
-// question with every way of answering it (including a Finish that arrives while
-// it is open), the three layouts, and the shuffle of the paintings. Offscreen,
-// with real key and mouse input; the art comes from the collection shipped
-// beside the test program.
+// BreakDialog as a transport drives it: the delay, the stop question with every
+// way of answering it (a Finish while it is open included), the three layouts
+// and the shuffle of the paintings. The art is the collection shipped beside the test program.
 
 #include "ProgressTestSupport.h"
 
@@ -13,10 +11,7 @@
 
 #include <QLabel>
 
-#include <algorithm>
-#include <cstdlib>
 #include <numeric>
-#include <optional>
 
 using namespace korva::test;
 
@@ -24,16 +19,7 @@ namespace {
 
 BreakStartInfo Info(unsigned int delay, bool showSpin = false, bool allowBreak = true, bool showGauge = true)
 {
-    BreakStartInfo info;
-    info.delay = delay;
-    info.allowBreak = allowBreak;
-    info.showSpin = showSpin;
-    info.showGauge = showGauge;
-    info.infoText = "Fitting the model";
-    info.stopQuestion = "Stop the fit?";
-    info.stopTitle = "Model";
-    info.stopButton = "Halt";
-    return info;
+    return {delay, QRect(), allowBreak, showSpin, showGauge, "Fitting the model", "Stop the fit?", "Model", "Halt"};
 }
 
 // Hidden at once, or after its fade where the window system shows one.
@@ -78,64 +64,59 @@ protected:
     int mConfirmed = 0;
 };
 
-TEST_F(BreakDialogTest, WorkShorterThanTheDelayShowsNothing)
+TEST_F(BreakDialogTest, ComesUpAfterTheDelayOrAtShowWindowCentredOnTheMainWindow)
 {
+    // Work shorter than the delay shows nothing; the delay's timer goes with the client.
     mDialog->Start(Info(300));
     QTest::qWait(100);
     mDialog->show();  // nobody can bring it up during the delay
     EXPECT_FALSE(mDialog->isVisible());
     mDialog->Finish();
-    // The delay's timer went with the client.
     QTest::qWait(400);
     EXPECT_FALSE(mDialog->isVisible());
-    EXPECT_FALSE(mDialog->IsShown());
-}
 
-TEST_F(BreakDialogTest, ComesUpAfterTheDelayCentredOnTheMainWindowWithTheClientsTitle)
-{
     BreakStartInfo info = Info(250);
     info.mainWindow = QRect(100, 80, 900, 700);
     mDialog->Start(info);
     QTest::qWait(80);
-    EXPECT_FALSE(mDialog->isVisible());
-    EXPECT_FALSE(mDialog->IsShown());
+    EXPECT_FALSE(mDialog->isVisible() || mDialog->IsShown());
     EXPECT_TRUE(QTest::qWaitFor([&] { return mDialog->isVisible(); }, 3000));
     EXPECT_TRUE(mDialog->IsShown());
     EXPECT_EQ(mDialog->windowTitle(), "Fitting the model");
+    EXPECT_EQ(mDialog->GetStopButton()->text(), "Halt");
     const QPoint offset = mDialog->frameGeometry().center() - info.mainWindow.center();
     EXPECT_TRUE(std::abs(offset.x()) <= 2 && std::abs(offset.y()) <= 2) << offset.x() << "," << offset.y();
-    EXPECT_EQ(mDialog->GetStopButton()->text(), "Halt");
-
     mDialog->SetTitle("Second pass");
     EXPECT_EQ(mDialog->windowTitle(), "Second pass");
     mDialog->Finish();
     EXPECT_TRUE(GoesAway(mDialog.get()));
     EXPECT_FALSE(mDialog->IsServing());
-}
 
-TEST_F(BreakDialogTest, ShowWindowEndsTheDelayAndHidesForABoxOfTheClient)
-{
+    // ShowWindow ends the delay; hidden around a box of the client, the delay does not bring it back.
     mDialog->Start(Info(60000));
     mDialog->ShowWindow(true);
     EXPECT_TRUE(mDialog->isVisible());
-    EXPECT_TRUE(mDialog->IsShown());
-
-    // Hide around a box of the main thread; the delay does not bring it back.
     mDialog->ShowWindow(false);
     EXPECT_TRUE(GoesAway(mDialog.get()));
     EXPECT_TRUE(mDialog->IsShown());
     mDialog->ShowWindow(true);
     EXPECT_TRUE(mDialog->isVisible());
-
     // Between clients the window stays hidden, whatever is asked of it.
     mDialog->Finish();
     mDialog->ShowWindow(true);
     EXPECT_TRUE(GoesAway(mDialog.get()));
 }
 
-TEST_F(BreakDialogTest, YesConfirmsTheStopOnce)
+TEST_F(BreakDialogTest, EscapeAndTheCloseBoxAskAndYesConfirmsTheStopOnce)
 {
     StartShown(Info(0));
+    QString asked;
+    Answer(IDNO, &asked);
+    QTest::keyClick(mDialog.get(), Qt::Key_Escape);
+    EXPECT_EQ(asked, "Stop the fit?");
+    EXPECT_EQ(mConfirmed, 0) << "No confirms nothing";
+    EXPECT_TRUE(mDialog->GetStopButton()->isEnabled());
+
     QString text, title;
     bool openWhileAsked = false;
     WhenModal([&](QWidget* box) {
@@ -144,16 +125,14 @@ TEST_F(BreakDialogTest, YesConfirmsTheStopOnce)
         openWhileAsked = mDialog->IsQuestionOpen();
         Click(box, IDYES);
     });
-    QTest::mouseClick(mDialog->GetStopButton(), Qt::LeftButton);
-
-    EXPECT_EQ(text, "Stop the fit?");
-    EXPECT_EQ(title, "Model");
+    Queue::handleCloseEvent<Queue::SynchronousDelivery>(mDialog->windowHandle());
+    EXPECT_EQ(text + "|" + title, "Stop the fit?|Model");
     EXPECT_TRUE(openWhileAsked);
     EXPECT_FALSE(mDialog->IsQuestionOpen());
     EXPECT_EQ(mConfirmed, 1);
     EXPECT_EQ(mDialog->GetGauge()->GetCaption(), "Stopping...");
     EXPECT_FALSE(mDialog->GetStopButton()->isEnabled());
-
+    EXPECT_TRUE(mDialog->isVisible()) << "only its client ends the window";
     // Stopped is stopped: Escape does not ask again.
     EXPECT_FALSE(EscapeAsks());
     EXPECT_EQ(mConfirmed, 1);
@@ -162,28 +141,6 @@ TEST_F(BreakDialogTest, YesConfirmsTheStopOnce)
     mDialog->Finish();
     EXPECT_EQ(mDialog->GetGauge()->GetCaption(), "");
     EXPECT_TRUE(mDialog->GetStopButton()->isEnabled());
-}
-
-TEST_F(BreakDialogTest, EscapeAndTheCloseBoxAskTheQuestion)
-{
-    StartShown(Info(0));
-    QString asked;
-    Answer(IDNO, &asked);
-    QTest::keyClick(mDialog.get(), Qt::Key_Escape);
-    EXPECT_EQ(asked, "Stop the fit?");
-    // No confirms nothing.
-    EXPECT_EQ(mConfirmed, 0);
-    EXPECT_FALSE(mDialog->IsQuestionOpen());
-    EXPECT_TRUE(mDialog->GetStopButton()->isEnabled());
-    EXPECT_EQ(mDialog->GetGauge()->GetCaption(), "");
-
-    asked.clear();
-    Answer(IDYES, &asked);
-    Queue::handleCloseEvent<Queue::SynchronousDelivery>(mDialog->windowHandle());
-    EXPECT_EQ(asked, "Stop the fit?");
-    EXPECT_EQ(mConfirmed, 1);
-    // The window stays: only its client ends it.
-    EXPECT_TRUE(mDialog->isVisible());
 }
 
 TEST_F(BreakDialogTest, FinishWhileTheQuestionIsOpenAnswersNo)
@@ -198,10 +155,8 @@ TEST_F(BreakDialogTest, FinishWhileTheQuestionIsOpenAnswersNo)
     QTest::mouseClick(mDialog->GetStopButton(), Qt::LeftButton);
     EXPECT_TRUE(finishedWhileOpen);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    EXPECT_EQ(mConfirmed, 0);
     EXPECT_FALSE(mDialog->IsQuestionOpen());
     EXPECT_TRUE(GoesAway(mDialog.get()));
-    EXPECT_TRUE(mDialog->GetStopButton()->isEnabled());
 
     // Yes already pressed, but the work ended before the answer was taken in,
     // and the next client started at once: the new client is not stopped.
@@ -215,7 +170,6 @@ TEST_F(BreakDialogTest, FinishWhileTheQuestionIsOpenAnswersNo)
     EXPECT_EQ(mConfirmed, 0);
     EXPECT_TRUE(mDialog->IsServing());
     EXPECT_FALSE(mDialog->IsQuestionOpen());
-
     // And that client can still be stopped.
     mDialog->ShowWindow(true);
     Answer(IDYES);
@@ -230,19 +184,14 @@ TEST_F(BreakDialogTest, SpinnerLayoutWithButtonBesideItAndGaugeAcrossTheWidth)
     const int margin = BreakDialog::kMargin;
     Spinner* spinner = mDialog->GetSpinner();
     QWidget* button = mDialog->GetStopButton();
-    EXPECT_TRUE(spinner->isVisible());
-    EXPECT_FALSE(mDialog->GetPlaceholder()->isVisible());
-    EXPECT_FALSE(mDialog->GetArtistLabel()->isVisible());
-    EXPECT_FALSE(mDialog->GetPaintingLabel()->isVisible());
-    EXPECT_EQ(spinner->size(), spinner->sizeHint());
+    TsGauge* gauge = mDialog->GetGauge();
+    EXPECT_TRUE(spinner->isVisible() && gauge->isVisible());
+    EXPECT_FALSE(mDialog->GetPlaceholder()->isVisible() || mDialog->GetArtistLabel()->isVisible());
     EXPECT_EQ(spinner->x(), margin);
     EXPECT_EQ(button->geometry().right() + 1, mDialog->width() - margin);
     EXPECT_LE(std::abs(button->geometry().center().y() - spinner->geometry().center().y()), 1);
-    TsGauge* gauge = mDialog->GetGauge();
-    EXPECT_TRUE(gauge->isVisible());
     EXPECT_EQ(gauge->geometry(), QRect(margin, gauge->y(), mDialog->width() - 2 * margin, gauge->height()));
     EXPECT_EQ(gauge->geometry().bottom() + 1, mDialog->height() - margin);
-    EXPECT_GE(gauge->height(), gauge->GetDesiredHeight());
     EXPECT_GE(gauge->y(), std::max(spinner->geometry().bottom(), button->geometry().bottom()) + margin);
 
     // Finish leaves the spinner at rest for the next client.
@@ -250,40 +199,33 @@ TEST_F(BreakDialogTest, SpinnerLayoutWithButtonBesideItAndGaugeAcrossTheWidth)
     mDialog->SpinStep();
     ASSERT_EQ(spinner->GetFrame(), 0);
     QTest::qWait(Spinner::kStepInterval + 30);
-    const QSize full = mDialog->size();
+    const int fullHeight = mDialog->height();
     mDialog->Finish();
     EXPECT_EQ(spinner->GetFrame(), Spinner::kRestFrame);
 
-    // Without a gauge and without a stop button the window is smaller, and nothing asks.
+    // Without a gauge and without a stop button the window is lower, and nothing asks.
     StartShown(Info(0, true, false, false));
-    EXPECT_FALSE(gauge->isVisible());
-    EXPECT_FALSE(button->isVisible());
-    EXPECT_LT(mDialog->height(), full.height());
+    EXPECT_FALSE(gauge->isVisible() || button->isVisible());
+    EXPECT_LT(mDialog->height(), fullHeight);
     EXPECT_FALSE(EscapeAsks());
     EXPECT_EQ(mConfirmed, 0);
 }
 
-TEST_F(BreakDialogTest, PlaceholderWithoutArt)
+TEST_F(BreakDialogTest, PlaceholderWithoutArtButASpinningClientStillGetsItsSpinner)
 {
-    std::optional<BreakDialog> made;
     const int before = ProgressArt::GetPreferedArtist();
     ProgressArt::SetPreferedArtist(-1);
-    made.emplace([] {});
+    BreakDialog dialog([] {});
     ProgressArt::SetPreferedArtist(before);
-    BreakDialog& dialog = *made;
     EXPECT_TRUE(dialog.HasNoArt());
-    EXPECT_TRUE(dialog.GetOrder().empty());
-
     dialog.Start(Info(0));
     dialog.ShowWindow(true);
     EXPECT_EQ(dialog.GetLayout(), BreakDialog::ePlaceholderLayout);
     EXPECT_TRUE(dialog.GetPlaceholder()->isVisible());
-    EXPECT_FALSE(dialog.GetSpinner()->isVisible());
-    EXPECT_FALSE(dialog.GetPaintingLabel()->isVisible());
+    EXPECT_FALSE(dialog.GetSpinner()->isVisible() || dialog.GetPaintingLabel()->isVisible());
     EXPECT_TRUE(dialog.GetPainting().isNull());
     EXPECT_EQ(dialog.GetPlaceholder()->pos(), QPoint(BreakDialog::kMargin, BreakDialog::kMargin));
     dialog.Finish();
-    // A spinning client still gets its spinner.
     dialog.Start(Info(0, true));
     EXPECT_EQ(dialog.GetLayout(), BreakDialog::eSpinnerLayout);
     dialog.Finish();
@@ -291,21 +233,16 @@ TEST_F(BreakDialogTest, PlaceholderWithoutArt)
 
 TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
 {
-    // Artist 0 is the collection beside the program (other tests may add
-    // collections of their own to the process's catalogue and remove the files).
+    // Artist 0 is the collection beside the program.
     ASSERT_GT(ProgressArt::GetNumArtists(), 0) << "the shipped collection is missing beside the test program";
     ProgressArt::SetPreferedArtist(0);
-    mDialog = std::make_unique<BreakDialog>([this] { ++mConfirmed; });
+    mDialog = std::make_unique<BreakDialog>([] {});
     const int count = ProgressArt::GetNumPaintings(0);
-    ASSERT_FALSE(mDialog->HasNoArt());
     ASSERT_EQ(int(mDialog->GetOrder().size()), count);
-
     StartShown(Info(0));
     ASSERT_EQ(mDialog->GetLayout(), BreakDialog::eArtLayout);
-    EXPECT_FALSE(mDialog->GetPlaceholder()->isVisible());
-    EXPECT_FALSE(mDialog->GetSpinner()->isVisible());
-    EXPECT_TRUE(mDialog->GetArtistLabel()->isVisible());
-    EXPECT_TRUE(mDialog->GetPaintingLabel()->isVisible());
+    EXPECT_FALSE(mDialog->GetPlaceholder()->isVisible() || mDialog->GetSpinner()->isVisible());
+    EXPECT_TRUE(mDialog->GetArtistLabel()->isVisible() && mDialog->GetPaintingLabel()->isVisible());
 
     // The painting at the left, the portrait beside it with the artist under it,
     // the title under the painting, the button at the bottom right of the pictures.
@@ -315,10 +252,10 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
     EXPECT_GT(mDialog->GetPortraitRect().left(), picture.right());
     EXPECT_GT(mDialog->GetArtistLabel()->y(), mDialog->GetPortraitRect().bottom());
     EXPECT_GT(mDialog->GetPaintingLabel()->y(), picture.bottom());
-    QWidget* button = mDialog->GetStopButton();
-    EXPECT_EQ(button->geometry().right() + 1, mDialog->width() - BreakDialog::kMargin);
-    EXPECT_LT(button->geometry().bottom(), mDialog->GetPaintingLabel()->y());
-    EXPECT_GT(button->y(), mDialog->GetArtistLabel()->geometry().bottom());
+    const QRect button = mDialog->GetStopButton()->geometry();
+    EXPECT_EQ(button.right() + 1, mDialog->width() - BreakDialog::kMargin);
+    EXPECT_LT(button.bottom(), mDialog->GetPaintingLabel()->y());
+    EXPECT_GT(button.y(), mDialog->GetArtistLabel()->geometry().bottom());
 
     // One painting per client, in the shuffled order, wrapping at the end.
     for (int client = 0; client <= count; ++client) {
@@ -349,9 +286,8 @@ TEST(BreakDialogShuffleTest, IsAPermutationWithOneRandCallPerPositionAndMoreBeyo
 {
     // Up to position 32767 one call of 15 bits covers every partner; from
     // position 32768 on, two calls make 30 bits.
-    const struct { int count, calls; } rows[] = {{0, 0},     {1, 0},         {2, 1},
-                                                 {7, 6},     {100, 99},      {1000, 999},
-                                                 {32768, 32767}, {70000, 69999 + (70000 - 32768)}};
+    const struct { int count, calls; } rows[] = {{0, 0},     {1, 0},        {2, 1},         {7, 6},
+                                                 {100, 99}, {1000, 999}, {32768, 32767}, {70000, 69999 + 37232}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.count);
         std::srand(3);
@@ -367,9 +303,7 @@ TEST(BreakDialogShuffleTest, IsAPermutationWithOneRandCallPerPositionAndMoreBeyo
         std::sort(sorted.begin(), sorted.end());
         std::iota(identity.begin(), identity.end(), 0);
         EXPECT_EQ(sorted, identity);
-        if (row.count >= 100) {
-            EXPECT_NE(order, identity) << "numbers move about";
-        }
+        EXPECT_TRUE(row.count < 100 || order != identity) << "numbers move about";
     }
 }
 

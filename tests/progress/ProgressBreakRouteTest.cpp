@@ -1,21 +1,52 @@
-// Progress on the break route: every message of the break window protocol that
-// it sends, in order, to a break window that records them and to the real
-// companion (whose trace holds what it handled before the call returned); a
-// confirmed stop; and the route without any break window.
+// Progress on the break route: the protocol's messages in order, to a recording window and to the real
+// companion (whose trace holds what it handled before the call returned); a confirmed stop; the route
+// without a window; and a companion that dies, hangs or cannot start.
 
 #include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/BreakWindowProcess.h>
+#include <KORVAutlwin/progress/InProcessBreakWindow.h>
 #include <KORVAutlwin/progress/TsGauge.h>
 
+#include <cstring>
 #include <fstream>
-#include <thread>
+#include <optional>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
 
 using namespace korva::test;
 
 namespace {
 
 using Lines = std::vector<std::string>;
+using Clock = std::chrono::steady_clock;
+
+// Whether the process `pid` has ended and was reaped, waiting up to 5 s.
+bool Reaped(pid_t pid)
+{
+    for (const auto deadline = Clock::now() + std::chrono::seconds(5); kill(pid, 0) == 0 && Clock::now() < deadline;)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return kill(pid, 0) != 0;
+}
+
+// Sets an environment variable (null: removes it) for one scope.
+class ScopedEnv
+{
+public:
+    ScopedEnv(const char* name, const char* value) : mName(name)
+    {
+        if (const char* old = std::getenv(name))
+            mOld = old;
+        value ? setenv(name, value, 1) : unsetenv(name);
+    }
+    ~ScopedEnv() { mOld ? setenv(mName.c_str(), mOld->c_str(), 1) : unsetenv(mName.c_str()); }
+
+private:
+    std::string mName;
+    std::optional<std::string> mOld;
+};
 
 class ProgressBreakRouteTest : public ProgressFrameFixture
 {
@@ -34,11 +65,12 @@ protected:
         ProgressFrameFixture::TearDown();
     }
 
-    void UseCompanion()
+    BreakWindowProcess& UseCompanion()
     {
         setenv("KORVA_BREAKWIN_TRACE", mDir.File("trace").c_str(), 1);
         mProcess = std::make_unique<BreakWindowProcess>();
         BreakWindowChannel::SetChannel(mProcess.get());
+        return *mProcess;
     }
 
     // The messages handled since the last call (the companion's notes left out).
@@ -55,15 +87,6 @@ protected:
         const Lines taken(all.begin() + static_cast<std::ptrdiff_t>(mTaken), all.end());
         mTaken = all.size();
         return taken;
-    }
-
-    // The user confirms the stop in the window, on a thread other than the work's.
-    void PressStop()
-    {
-        if (mProcess)
-            ASSERT_TRUE(mProcess->PressStopInCompanion());
-        else
-            std::thread([this] { mWindow.PressStop(); }).join();
     }
 
     RecordingBreakWindow mWindow;
@@ -92,21 +115,18 @@ TEST_P(ProgressBreakTransportTest, EveryCallSendsItsMessagesInOrderBeforeItRetur
     const std::string geometry = Geometry(mFrame->frameGeometry());
     auto progress = std::make_unique<Progress>(nullptr, "Import", 0.0f, 4.0f, true, true, true, "Really stop?",
                                                "Importer", "Halt", 250);
-    ASSERT_TRUE(progress->IsActive());
     EXPECT_EQ(Taken(), (Lines{"start 250 111 " + geometry + " Import|Really stop?|Importer|Halt", "range 0 4",
                               "value 0"}));
     progress->Set(1.0f);
     progress->Set(9.0f);  // held at the range's end
     progress->SetRange(0.0f, 10.0f);
     EXPECT_EQ(Taken(), (Lines{"value 1", "value 4", "range 0 10", "value 0"}));
-
     // The first half of 0..10: the window's gauge spans the whole operation in
     // the sub-range's units, 0 to 2; popping leaves it where the half ended.
     progress->PushSubRange(0.0f, 5.0f);
     progress->Set(1.0f);
     progress->PopSubRange();
     EXPECT_EQ(Taken(), (Lines{"range 0 2", "value 0", "value 0", "value 1", "range 0 10", "value 0", "value 5"}));
-
     progress->NextSpin();
     progress->SpinDone();
     progress->SetInfoStr("Phase 2 – Ausgleich");
@@ -117,8 +137,7 @@ TEST_P(ProgressBreakTransportTest, EveryCallSendsItsMessagesInOrderBeforeItRetur
     EXPECT_EQ(Taken(), (Lines{"spinstep", "spinrest", "title Phase 2 – Ausgleich", "show 0", "show 1", "show 1",
                               "show 1"}));
     progress.reset();
-    // Nothing active: nothing to hide.
-    Progress::Hide();
+    Progress::Hide();  // nothing active: nothing to hide
     EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     EXPECT_EQ(Taken(), Lines{"finish"});
 
@@ -135,8 +154,12 @@ TEST_P(ProgressBreakTransportTest, ConfirmedStopMakesEveryReportReturnFalseWhile
     {
         Progress progress(nullptr, "Long work", 0.0f, 10.0f, false, true, true);
         EXPECT_TRUE(progress.Set(1.0f));
-        PressStop();
-        // The report travels ahead of the acknowledgement: no waiting needed.
+        // The user confirms in the window, on another thread; the report travels
+        // ahead of the acknowledgement: no waiting needed.
+        if (mProcess)
+            EXPECT_TRUE(mProcess->PressStopInCompanion());
+        else
+            std::thread([this] { mWindow.PressStop(); }).join();
         EXPECT_TRUE(progress.IsBreakPressed());
         Taken();
         EXPECT_FALSE(progress.Set(2.0f));
@@ -147,16 +170,13 @@ TEST_P(ProgressBreakTransportTest, ConfirmedStopMakesEveryReportReturnFalseWhile
         EXPECT_FALSE(progress.SetRange(0.0f, 1.0f));
         const Lines sent = Taken();
         ASSERT_GE(sent.size(), 3u);
-        EXPECT_EQ(sent[0], "value 2");
-        EXPECT_EQ(sent[2], "title Stopping");
-        EXPECT_TRUE(progress.IsBreakPressed()) << "never goes back";
-        EXPECT_TRUE(BreakWindowChannel::GetChannel()->IsWindow()) << "the window goes on until the work ends";
+        EXPECT_EQ(sent[0] + "|" + sent[2], "value 2|title Stopping") << "the display goes on";
+        EXPECT_TRUE(BreakWindowChannel::GetChannel()->IsWindow());
     }
     // Between clients a stop goes nowhere, and the next client starts afresh.
     EXPECT_TRUE(!mProcess || mProcess->PressStopInCompanion());
     Progress next(nullptr, "More work", 0.0f, 10.0f, false, true, true);
     EXPECT_TRUE(next.Set(1.0f));
-    EXPECT_FALSE(next.IsBreakPressed());
 }
 
 TEST_F(ProgressBreakRouteTest, WithoutGaugeOnlyTheStartIsSentAndTheStatusGaugeStepsAside)
@@ -195,7 +215,6 @@ TEST_F(ProgressBreakRouteTest, InactiveObjectsSendNothingAndAShortTaskBringsTheW
     }
     EXPECT_EQ(Taken(), Lines{});
     EXPECT_EQ(mWindow.creates, 1);
-
     Progress quick("Quick look");
     EXPECT_FALSE(quick.IsActive());
     EXPECT_EQ(Taken(), Lines{"show 1"});
@@ -213,9 +232,155 @@ TEST_F(ProgressBreakRouteTest, WithoutBreakWindowTheRouteCountsAndShowsNothing)
         EXPECT_FLOAT_EQ(progress.GetValue(), 1.0f);
         EXPECT_TRUE(progress.SetInfoStr("Still counting"));
         Progress::Hide();
-        Progress::Show();
         EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     }
     EXPECT_EQ(mWindow.creates, 1);
     EXPECT_EQ(Taken(), Lines{});
+}
+
+TEST_F(ProgressBreakRouteTest, OurEndOfTheCompanionsSocketIsCloseOnExecAndTheCompanionHoldsOnlyItsOwn)
+{
+    BreakWindowProcess& process = UseCompanion();
+    ASSERT_TRUE(process.Create());
+    const int socket = process.GetSocket();
+    ASSERT_GE(socket, 0);
+    EXPECT_NE(fcntl(socket, F_GETFD) & FD_CLOEXEC, 0);
+    // The companion got its end as descriptor 3, a socket other than ours.
+    const pid_t companion = process.GetCompanionPid();
+    char link[256] = {};
+    const std::string fd3 = "/proc/" + std::to_string(companion) + "/fd/3";
+    ASSERT_GT(readlink(fd3.c_str(), link, sizeof link - 1), 0);
+    EXPECT_EQ(std::string(link).rfind("socket:", 0), 0u) << link;
+    struct stat ours = {}, theirs = {};
+    ASSERT_EQ(fstat(socket, &ours) | stat(fd3.c_str(), &theirs), 0);
+    EXPECT_NE(ours.st_ino, theirs.st_ino);
+    EXPECT_TRUE(process.Create()) << "a running companion is kept";
+    EXPECT_EQ(process.GetCompanionPid(), companion);
+}
+
+TEST_F(ProgressBreakRouteTest, AKilledCompanionLeavesProgressWorkingAndTheNextCreateStartsANewOne)
+{
+    BreakWindowProcess& process = UseCompanion();
+    Progress progress(nullptr, "Doomed window", 0.0f, 100.0f, false, true, true);
+    const pid_t first = process.GetCompanionPid();
+    ASSERT_GT(first, 0);
+    ASSERT_EQ(kill(first, SIGKILL), 0);
+    const auto before = Clock::now();
+    for (int i = 0; i < 50; ++i)
+        EXPECT_TRUE(progress.Set(float(i)) && progress.NextSpin() && progress.SetInfoStr("still going"));
+    // Far below the acknowledgement timeout: the death was noticed, not waited out.
+    EXPECT_LT(Clock::now() - before, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout / 2));
+    EXPECT_FALSE(process.IsWindow());
+    EXPECT_EQ(process.GetCompanionPid(), 0);
+    EXPECT_TRUE(Reaped(first));
+    EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
+    ASSERT_TRUE(process.Create());
+    EXPECT_NE(process.GetCompanionPid(), first);
+    EXPECT_TRUE(progress.Set(60.0f));
+}
+
+TEST_F(ProgressBreakRouteTest, ACompanionThatStopsAnsweringIsGivenUpAfterTheTimeout)
+{
+    BreakWindowProcess& process = UseCompanion();
+    ASSERT_TRUE(process.Create());
+    const pid_t companion = process.GetCompanionPid();
+    ASSERT_EQ(kill(companion, SIGSTOP), 0);
+    const auto before = Clock::now();
+    process.SpinStep();
+    const auto waited = Clock::now() - before;
+    EXPECT_GE(waited, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout - 100));
+    EXPECT_LT(waited, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout * 2));
+    EXPECT_FALSE(process.IsWindow());
+    EXPECT_TRUE(Reaped(companion)) << "killed and reaped";
+    const auto after = Clock::now();
+    process.SpinStep();
+    EXPECT_LT(Clock::now() - after, std::chrono::milliseconds(100)) << "later calls return at once";
+}
+
+TEST_F(ProgressBreakRouteTest, ACompanionThatCannotStartMakesCreateFalse)
+{
+    BreakWindowProcess& process = UseCompanion();
+    {
+        ScopedEnv program("KORVA_BREAKWIN", "/nonexistent/breakwin");
+        EXPECT_EQ(BreakWindowProcess::GetProgramPath(), "/nonexistent/breakwin");
+        EXPECT_FALSE(process.Create());
+        // Progress takes that as no window at all.
+        Progress progress(nullptr, "Without window", 0.0f, 1.0f, false, true, true);
+        EXPECT_TRUE(progress.Set(0.5f));
+        EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
+    }
+    {
+        // No display: the companion says so and ends.
+        ScopedEnv platform("QT_QPA_PLATFORM", nullptr), display("DISPLAY", nullptr), wayland("WAYLAND_DISPLAY", nullptr);
+        EXPECT_FALSE(process.Create());
+    }
+    {
+        // A companion of another version: its "ready" is refused at once and it is ended.
+        BreakWire::Buffer ready;
+        const std::size_t size = BreakWire::Encode(BreakWire::Make(BreakWire::eReady), ready);
+        const std::uint32_t newer = BreakWire::kMagic | (BreakWire::kVersion + 1);
+        std::memcpy(ready.data(), &newer, sizeof newer);
+        WriteFile(mDir.File("ready.bin"), std::string(reinterpret_cast<const char*>(ready.data()), size));
+        const std::string script = mDir.File("old-breakwin"), pidFile = mDir.File("old.pid");
+        WriteFile(script, "#!/bin/sh\necho $$ > '" + pidFile + "'\ncat '" + mDir.File("ready.bin") +
+                              "' >&3\nexec sleep 30\n");
+        chmod(script.c_str(), 0755);
+        ScopedEnv program("KORVA_BREAKWIN", script.c_str());
+        const auto before = Clock::now();
+        EXPECT_FALSE(process.Create());
+        EXPECT_LT(Clock::now() - before, std::chrono::seconds(5));
+        const pid_t old = static_cast<pid_t>(std::atoi(ReadFile(pidFile).c_str()));
+        ASSERT_GT(old, 0);
+        EXPECT_NE(kill(old, 0), 0) << "ended and reaped";
+    }
+    EXPECT_TRUE(process.Create()) << "the real one starts again";
+}
+
+TEST(BreakWindowDefaultTest, TheProcessMakesItsOwnBreakWindowAtTheFirstNeed)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    // Each row in a fresh process: the choice is made once per process.
+    const struct { const char* variable; const char* value; bool companion; } rows[] = {
+        {nullptr, nullptr, true},
+        {"KORVA_BREAK_WINDOW", "inprocess", false},
+        {"KORVA_BREAKWIN", "/nonexistent/breakwin", false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EXIT(
+            {
+                if (row.variable)
+                    setenv(row.variable, row.value, 1);
+                Application();
+                BreakWindowChannel* channel = BreakWindowChannel::GetChannel();
+                auto* process = dynamic_cast<BreakWindowProcess*>(channel);
+                const bool right = row.companion ? process && process->IsWindow()
+                                                 : dynamic_cast<InProcessBreakWindow*>(channel) != nullptr;
+                std::_Exit(right && BreakWindowChannel::GetChannel() == channel ? 0 : 1);
+            },
+            ::testing::ExitedWithCode(0), "")
+            << (row.value ? row.value : "no variable");
+    }
+    EXPECT_EXIT(
+        {
+            Application();
+            BreakWindowChannel::SetChannel(nullptr);
+            std::_Exit(BreakWindowChannel::GetChannel() == nullptr ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+TEST(BreakWindowCompanionTest, StartedByHandItSaysWhatItIsFor)
+{
+    for (const char* argument : {" --help", ""}) {
+        // Our own descriptor 3 (if any) must not look like a connection to it.
+        FILE* pipe = popen(("'" + BreakWindowProcess::GetProgramPath() + "'" + argument + " 3<&- 2>&1").c_str(), "r");
+        ASSERT_NE(pipe, nullptr);
+        std::string output;
+        char chunk[256];
+        while (std::fgets(chunk, sizeof chunk, pipe))
+            output += chunk;
+        const int status = pclose(pipe);
+        EXPECT_NE(output.find("not meant to be started by hand"), std::string::npos) << output;
+        EXPECT_EQ(WEXITSTATUS(status), *argument ? 0 : 2);
+    }
 }

@@ -1,8 +1,6 @@
 #pragma once
-// What the Progress tests share: an application with a real main frame (its
-// profile in a registry store of its own), real input through the platform's
-// queue, answers to the stop question, and a break window that records every
-// message it is sent in the trace format of the companion.
+// What the Progress tests share: a real main frame, real input through the platform's queue,
+// answers to the stop question, and a break window that records its messages as the companion traces them.
 
 #include "../frame/MdiFrameTestSupport.h"
 
@@ -12,18 +10,14 @@
 #include <KORVAutlwin/progress/BreakWindowChannel.h>
 #include <KORVAutlwin/progress/Progress.h>
 
-#include <QEvent>
-#include <QEventLoop>
 #include <QPushButton>
 #include <QWindow>
 
-#include <cstdio>
-#include <memory>
-#include <string>
-#include <vector>
+#include <atomic>
+#include <chrono>
+#include <thread>
 
-// The platform's input queue, where real input waits until the event loop
-// takes it. QtGui exports these functions; their header is not installed.
+// The platform's input queue, where real input waits for the event loop; QtGui exports it, its header is not installed.
 class QWindowSystemInterface
 {
 public:
@@ -85,8 +79,7 @@ inline void Answer(int answer, QString* asked = nullptr, std::chrono::millisecon
     }, timeout);
 }
 
-/// Counts the events of one type that pass through the objects it filters, or
-/// that are sent to it (and takes those).
+/// Counts the events of one type that pass through the objects it filters, or that are sent to it.
 class EventCounter : public QObject
 {
 public:
