@@ -14,61 +14,48 @@ namespace {
 class ArtCatalogueTest : public ::testing::Test
 {
 protected:
-    // A file in the folder with one collection per entry of `titles`, pictures
-    // of `width` by `height` and a 40 by 60 portrait.
-    void WriteCollections(const std::string& name, const std::vector<std::vector<std::string>>& titles, int width,
-                          int height)
+    // A file in the folder with one collection per entry of `titles` (the artist
+    // named after the file), pictures of `width` by `height` and a 40 by 60 portrait.
+    void Write(const std::string& name, const std::vector<std::vector<std::string>>& titles, int width, int height)
     {
-        const std::string picture = WritePicture(mSources.File(name + ".png"), width, height);
-        const std::string portrait = WritePicture(mSources.File(name + "-face.png"), 40, 60);
         ArtInfo art;
-        std::vector<std::vector<std::string>> pictures;
-        std::vector<std::vector<int>> rotations;
         for (std::size_t i = 0; i < titles.size(); ++i) {
-            CollectionInfo collection =
-                MakeCollection(name + std::to_string(i), titles[i], name + "-face" + std::to_string(i));
+            CollectionInfo collection = MakeCollection(name + std::to_string(i), titles[i], "face" + std::to_string(i));
             collection.SetMaxPictureSize(static_cast<unsigned>(width), static_cast<unsigned>(height));
             collection.SetMaxPortraitSize(40, 60);
             art.AddCollection(collection);
-            pictures.emplace_back(titles[i].size(), picture);
-            rotations.emplace_back(titles[i].size(), 0);
         }
-        art.SaveToFile(mFolder.File(name).c_str(), pictures, rotations,
-                       std::vector<std::string>(titles.size(), portrait), std::vector<int>(titles.size(), 0));
+        SaveWithPicture(art, mFolder.File(name), WritePicture(mSources.File(name + ".png"), width, height),
+                        WritePicture(mSources.File("face.png"), 40, 60));
     }
-
-    static ArtCatalogue Load(const std::string& folder)
+    ArtCatalogue Load(const std::string& folder)
     {
         ArtCatalogue catalogue;
         catalogue.LoadPainters(folder);
         catalogue.Finish();
         return catalogue;
     }
-
-    TempDir mFolder;
-    TempDir mSources;
+    TempDir mFolder, mSources;
 };
 
 TEST_F(ArtCatalogueTest, WithoutFilesThereIsNoArtistAndOneCollectionHasNoRandomArtist)
 {
     WriteFile(mFolder.File("readme.txt"), "no art here");
     for (const std::string& folder : {mFolder.Path(), mFolder.File("no-such-folder")}) {
-        ArtCatalogue catalogue = Load(folder);
-        EXPECT_EQ(0, catalogue.GetNumArtists());
-        EXPECT_EQ(-1, catalogue.GetPreferedArtist());
-        EXPECT_EQ(QPoint(0, 0), catalogue.GetMaxBitmapSize());
-        EXPECT_EQ("", catalogue.GetArtistName(0, -1));
-        EXPECT_TRUE(catalogue.GetPainting(0, 0).isNull());
-        catalogue.SetPreferedArtist(99);
-        EXPECT_EQ(-1, catalogue.GetPreferedArtist());
+        ArtCatalogue none = Load(folder);
+        EXPECT_EQ(0, none.GetNumArtists());
+        EXPECT_EQ(-1, none.GetPreferedArtist());
+        EXPECT_EQ(QPoint(0, 0), none.GetMaxBitmapSize());
+        EXPECT_EQ("", none.GetArtistName(0, -1));
+        EXPECT_TRUE(none.GetPainting(0, 0).isNull());
+        none.SetPreferedArtist(99);
+        EXPECT_EQ(-1, none.GetPreferedArtist());
     }
-
-    WriteCollections("one.tart", {{"Dawn", "Noon"}}, 100, 50);
+    Write("one.tart", {{"Dawn", "Noon"}}, 100, 50);
     ArtCatalogue catalogue = Load(mFolder.Path());
     EXPECT_EQ(1, catalogue.GetNumArtists());
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
-    EXPECT_EQ("one.tart0", catalogue.GetArtistName(0, -1));
-    EXPECT_EQ("life of one.tart0", catalogue.GetArtistLifeSpan(0, -1));
+    EXPECT_EQ("one.tart0|life of one.tart0", catalogue.GetArtistName(0, -1) + "|" + catalogue.GetArtistLifeSpan(0, -1));
     EXPECT_EQ("Noon", catalogue.GetPaintingName(0, 1));
     EXPECT_EQ("", catalogue.GetPaintingName(0, 2));
     EXPECT_EQ(QSize(100, 50), catalogue.GetPainting(0, 0).size());
@@ -78,27 +65,23 @@ TEST_F(ArtCatalogueTest, WithoutFilesThereIsNoArtistAndOneCollectionHasNoRandomA
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
 }
 
-TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPictures)
+TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPicturesAndARandomArtistOverBoth)
 {
-    WriteCollections("a.tart", {{"A1", "A2", "A3"}}, 300, 100);
-    WriteCollections("b.tart", {{"B1", "B2"}}, 120, 250);
+    Write("a.tart", {{"A1", "A2", "A3"}}, 300, 100);
+    Write("b.tart", {{"B1", "B2"}}, 120, 250);
     ArtCatalogue catalogue = Load(mFolder.Path());
     ASSERT_EQ(3, catalogue.GetNumArtists());
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
-    EXPECT_EQ(3, catalogue.GetNumPaintings(0));
-    EXPECT_EQ(2, catalogue.GetNumPaintings(1));
-    EXPECT_EQ(5, catalogue.GetNumPaintings(2));
-
+    for (const auto& [artist, count] : {std::pair{0, 3}, {1, 2}, {2, 5}})
+        EXPECT_EQ(count, catalogue.GetNumPaintings(artist)) << artist;
     // The pseudo artist's pictures run through both artists in file order.
     const char* titles[] = {"A1", "A2", "A3", "B1", "B2", ""};
+    const char* artists[] = {"a.tart0", "a.tart0", "a.tart0", "b.tart0", "b.tart0", ""};
     for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(titles[i], catalogue.GetPaintingName(2, i));
-    EXPECT_EQ("a.tart0", catalogue.GetArtistName(2, 2));
-    EXPECT_EQ("b.tart0", catalogue.GetArtistName(2, 3));
+        EXPECT_EQ(std::string(titles[i]) + "|" + artists[i],
+                  catalogue.GetPaintingName(2, i) + "|" + catalogue.GetArtistName(2, i));
     EXPECT_EQ("life of b.tart0", catalogue.GetArtistLifeSpan(2, 4));
-    EXPECT_EQ("", catalogue.GetArtistName(2, 5));
-    EXPECT_EQ("<Random>", catalogue.GetArtistName(2, -1));
-    EXPECT_EQ("", catalogue.GetArtistLifeSpan(2, -1));
+    EXPECT_EQ("<Random>|", catalogue.GetArtistName(2, -1) + "|" + catalogue.GetArtistLifeSpan(2, -1));
     EXPECT_EQ(QSize(120, 250), catalogue.GetPainting(2, 3).size());
     EXPECT_TRUE(catalogue.GetPainting(2, 5).isNull());
     EXPECT_FALSE(catalogue.GetArtistPortrait(2, 4).isNull());
@@ -106,7 +89,6 @@ TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPictures)
     int artist = 2, picture = 4;
     ASSERT_TRUE(catalogue.ResolvePicture(artist, picture));
     EXPECT_EQ(std::make_pair(1, 1), std::make_pair(artist, picture));
-
     // Each size for itself: the widest picture of one, the highest of the other.
     EXPECT_EQ(QPoint(300, 250), catalogue.GetMaxBitmapSize());
     EXPECT_EQ(QPoint(40, 60), catalogue.GetMaxPortraitSize());
@@ -118,19 +100,18 @@ TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPictures)
 
 TEST_F(ArtCatalogueTest, BrokenFilesAmongGoodOnesAreSkipped)
 {
-    WriteCollections("1-good.tart", {{"First"}}, 50, 50);
+    Write("1-good.tart", {{"First"}}, 50, 50);
     WriteArtFile(mFolder.File("2-damaged.tart"), "22 serialization::archive 7 0 0 0 0 3 0 0 0 1");
     WriteFile(mFolder.File("3-text.TART"), "just text");
     WriteArtFile(mFolder.File("4-nodescription.tart"), "", false);
-    WriteCollections("5-good.Tart", {{"Second", "Third"}, {"Fourth"}}, 60, 40);
-    WriteCollections("6-ignored.tart.bak", {{"Backup"}}, 60, 40);
+    Write("5-good.Tart", {{"Second", "Third"}, {"Fourth"}}, 60, 40);
+    Write("6-ignored.tart.bak", {{"Backup"}}, 60, 40);
     std::filesystem::create_directory(mFolder.File("7-folder.tart"));
-
     ArtCatalogue catalogue = Load(mFolder.Path());
     ASSERT_EQ(4, catalogue.GetNumArtists());
-    EXPECT_EQ("1-good.tart0", catalogue.GetArtistName(0, -1));
-    EXPECT_EQ("5-good.Tart0", catalogue.GetArtistName(1, -1));
-    EXPECT_EQ("5-good.Tart1", catalogue.GetArtistName(2, -1));
+    const char* names[] = {"1-good.tart0", "5-good.Tart0", "5-good.Tart1"};
+    for (int artist = 0; artist < 3; ++artist)
+        EXPECT_EQ(names[artist], catalogue.GetArtistName(artist, -1));
     EXPECT_EQ("Fourth", catalogue.GetPaintingName(3, 3));
 }
 

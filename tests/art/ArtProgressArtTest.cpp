@@ -14,9 +14,9 @@ using namespace korva::test;
 
 namespace {
 
-// ProgressArt loads once per process, so this is its only test: the catalogue
-// of the executable's folder (the collection that ships beside the programs)
-// and of the application's plug-in folder, with two collections of 3 and 2.
+// ProgressArt loads once per process, so this is its only test: the catalogue of the executable's
+// folder (the collection shipped beside the programs, which the break window shows) and of the
+// application's plug-in folder, here with two collections of 3 and 2.
 TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
 {
     TempDir plugins;
@@ -30,29 +30,33 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     two.AddCollection(big);
     SaveWithPicture(two, plugins.File("b.tart"), picture);
 
-    // What the executable's folder brings by itself.
-    korva::ArtCatalogue programFolder;
-    programFolder.LoadPainters(TsGetExecutableDirectory());
-    programFolder.Finish();
-    const int shipped = programFolder.GetNumArtists() >= 2 ? programFolder.GetNumArtists() - 1
-                                                            : programFolder.GetNumArtists();
-    const int shippedPictures = programFolder.GetNumPaintings(shipped);
+    korva::ArtCatalogue shipped;
+    shipped.LoadPainters(TsGetExecutableDirectory());
+    shipped.Finish();
+    ASSERT_EQ(shipped.GetNumArtists(), 1) << "the collection shipped beside the test program";
+    const int pictures = shipped.GetNumPaintings(0);
+    EXPECT_EQ(pictures, 6);
+    EXPECT_FALSE(shipped.GetArtistPortrait(0, -1).isNull());
+    for (int i = 0; i < pictures; ++i) {
+        const QSize size = shipped.GetPainting(0, i).size();
+        EXPECT_TRUE(!size.isEmpty() && size.width() <= shipped.GetMaxBitmapSize().x() &&
+                    size.height() <= shipped.GetMaxBitmapSize().y()) << i;
+    }
 
     ProgressArt::SetPluginFolder([&] { return plugins.Path(); });
     ProgressArt::Init();
     ProgressArt::SetPluginFolder(nullptr);
     // Loaded once: the plug-in folder is forgotten, the catalogue stays.
-    const int random = shipped + 2;
+    const int random = 3;
     ASSERT_EQ(random + 1, ProgressArt::GetNumArtists());
     EXPECT_EQ(0, ProgressArt::GetPreferedArtist());
-    EXPECT_EQ("Three", ProgressArt::GetArtistName(shipped, -1));
-    EXPECT_EQ("Two", ProgressArt::GetArtistName(shipped + 1, -1));
-    EXPECT_EQ("<Random>", ProgressArt::GetArtistName(random, -1));
-    EXPECT_EQ(shippedPictures + 5, ProgressArt::GetNumPaintings(random));
-    EXPECT_EQ("W1", ProgressArt::GetPaintingName(random, shippedPictures + 3));
-    EXPECT_EQ(QSize(90, 70), ProgressArt::GetPainting(shipped + 1, 1).size());
-    EXPECT_EQ(std::max(programFolder.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
-    EXPECT_EQ(std::max(programFolder.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
+    EXPECT_EQ("Three|Two|<Random>", ProgressArt::GetArtistName(1, -1) + "|" + ProgressArt::GetArtistName(2, -1) +
+                                        "|" + ProgressArt::GetArtistName(random, -1));
+    EXPECT_EQ(pictures + 5, ProgressArt::GetNumPaintings(random));
+    EXPECT_EQ("W1", ProgressArt::GetPaintingName(random, pictures + 3));
+    EXPECT_EQ(QSize(90, 70), ProgressArt::GetPainting(2, 1).size());
+    EXPECT_EQ(std::max(shipped.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
+    EXPECT_EQ(std::max(shipped.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
     ProgressArt::SetPreferedArtist(random);
     EXPECT_EQ(random, ProgressArt::GetPreferedArtist());
 
@@ -62,10 +66,9 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&, t] {
             for (int i = 0; i < 25; ++i) {
-                const int picture = shippedPictures + (i + t) % 5;
-                if (ProgressArt::GetPaintingName(random, picture).empty() ||
-                    ProgressArt::GetPainting(random, picture).size() != QSize(90, 70))
-                    ++wrong;
+                const int at = pictures + (i + t) % 5;
+                wrong += ProgressArt::GetPaintingName(random, at).empty() ||
+                         ProgressArt::GetPainting(random, at).size() != QSize(90, 70);
             }
         });
     for (std::thread& thread : threads)

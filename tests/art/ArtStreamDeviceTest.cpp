@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 using korva::ArtStorageReader;
 using korva::ArtStorageWriter;
@@ -21,22 +20,19 @@ namespace {
 void WriteThroughDevice(const std::string& path, const std::string& text)
 {
     ArtStorageWriter writer(path);
-    ASSERT_TRUE(writer.IsOpen());
     const auto stream = writer.CreateStream("s");
     ASSERT_TRUE(stream);
     {
         boost::iostreams::stream<IStreamDevice> out{IStreamDevice(stream.get())};
-        out << text;
-        out.flush();
-        ASSERT_TRUE(out.good());
+        ASSERT_TRUE((out << text).flush().good());
     }
-    ASSERT_TRUE(writer.CloseStream(stream));
-    ASSERT_TRUE(writer.Commit());
+    ASSERT_TRUE(writer.CloseStream(stream) && writer.Commit());
 }
 
-int FilesIn(const std::string& folder)
+std::string ReadOf(const std::string& path, const std::string& name = "s")
 {
-    return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder), {}));
+    std::string content;
+    return ArtStorageReader::ReadStreamOf(path, name, content) ? content : "(unreadable)";
 }
 
 TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
@@ -54,7 +50,6 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
     boost::iostreams::stream<IStreamDevice> in{IStreamDevice(input.get())};
     in.exceptions(std::ios_base::badbit);
     EXPECT_EQ(text, std::string(std::istreambuf_iterator<char>(in), {}));
-
     in.clear();
     in.seekg(6000);
     EXPECT_EQ(6000, in.tellg());
@@ -77,8 +72,7 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
         EXPECT_STREQ("seek failed", error.what());
     }
     EXPECT_THROW(device.seek(1, std::ios_base::end), std::ios_base::failure);
-    // A device for reading writes nothing.
-    EXPECT_THROW(device.write("x", 1), IStreamDevice::IStreamDeviceError);
+    EXPECT_THROW(device.write("x", 1), IStreamDevice::IStreamDeviceError) << "a device for reading writes nothing";
     // Through a stream with bad-bit exceptions, the device's failure arrives as itself.
     EXPECT_THROW(in.seekg(-1, std::ios_base::beg), IStreamDevice::IStreamDeviceError);
 }
@@ -91,26 +85,22 @@ TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommit)
         ArtStorageWriter writer(dir.File("a.cf"));
         ASSERT_TRUE(writer.WriteStream("s", "new", 3));
         // Names the format cannot hold, and doubles, are refused.
-        EXPECT_FALSE(writer.CreateStream(""));
-        EXPECT_FALSE(writer.CreateStream("s"));
-        EXPECT_FALSE(writer.CreateStream(std::string(32, 'n')));
+        for (const std::string& name : {std::string(), std::string("s"), std::string(32, 'n')})
+            EXPECT_FALSE(writer.CreateStream(name)) << name;
         EXPECT_TRUE(writer.WriteStream(std::string(31, 'n'), "", 0));
-        // Not committed: dropped.
+        // Not committed: dropped, without a file left behind.
     }
-    std::string content;
-    ASSERT_TRUE(ArtStorageReader(dir.File("a.cf")).ReadStream("s", content));
-    EXPECT_EQ("old", content);
-    EXPECT_EQ(1, FilesIn(dir.Path()));
+    EXPECT_EQ("old", ReadOf(dir.File("a.cf")));
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(dir.Path()), {}));
     {
         ArtStorageWriter writer(dir.File("a.cf"));
         ArtStorageReader old(dir.File("a.cf"));
-        ASSERT_TRUE(writer.WriteStream("t", "added", 5));
-        ASSERT_TRUE(writer.CopyMissing(old));
-        ASSERT_TRUE(writer.Commit());
+        ASSERT_TRUE(writer.WriteStream("t", "added", 5) && writer.CopyMissing(old) && writer.Commit());
         EXPECT_FALSE(writer.Commit());
     }
     ArtStorageReader reader(dir.File("a.cf"));
     EXPECT_EQ((std::vector<std::string>{"s", "t"}), reader.GetStreamNames());
+    std::string content;
     ASSERT_TRUE(reader.ReadStream("s", content));
     EXPECT_EQ("old", content);
     EXPECT_FALSE(reader.ReadStream("s", content, 2));
@@ -122,20 +112,15 @@ TEST(ArtStreamDeviceTest, FilesKeptOpenForPicturesAreOpenedAfreshWhenReplaced)
 {
     TempDir dir;
     const std::string path = dir.File("a.cf");
-    std::string content;
-    // Replaced by renaming a new file over it, as the writer does, then overwritten in place.
-    WriteThroughDevice(dir.File("b.cf"), "third, in place");
-    for (const char* text : {"first", "second, longer", "third, in place"}) {
-        if (text[0] == 't')
-            WriteFile(path, ReadFile(dir.File("b.cf")));
-        else
-            WriteThroughDevice(path, text);
-        ASSERT_TRUE(ArtStorageReader::ReadStreamOf(path, "s", content));
-        EXPECT_EQ(text, content);
-    }
+    WriteThroughDevice(path, "first");
+    EXPECT_EQ("first", ReadOf(path));
+    // Overwritten in place by a copy of another file.
+    WriteThroughDevice(dir.File("b.cf"), "second, in place");
+    WriteFile(path, ReadFile(dir.File("b.cf")));
+    EXPECT_EQ("second, in place", ReadOf(path));
     std::remove(path.c_str());
-    EXPECT_FALSE(ArtStorageReader::ReadStreamOf(path, "s", content));
-    EXPECT_FALSE(ArtStorageReader::ReadStreamOf(dir.File("b.cf"), "t", content));
+    EXPECT_EQ("(unreadable)", ReadOf(path));
+    EXPECT_EQ("(unreadable)", ReadOf(dir.File("b.cf"), "t"));
 
     // More files than are kept open, read from several threads at once.
     for (int i = 0; i < 6; ++i)
@@ -146,9 +131,7 @@ TEST(ArtStreamDeviceTest, FilesKeptOpenForPicturesAreOpenedAfreshWhenReplaced)
         threads.emplace_back([&, t] {
             for (int i = 0; i < 60; ++i) {
                 const std::string name = std::to_string((i * 5 + t) % 6);
-                std::string text;
-                if (!ArtStorageReader::ReadStreamOf(dir.File(name + ".cf"), "s", text) || text != "file " + name)
-                    ++wrong;
+                wrong += ReadOf(dir.File(name + ".cf")) != "file " + name;
             }
         });
     for (std::thread& thread : threads)

@@ -1,6 +1,5 @@
 #pragma once
-// Helpers of the art tests: source pictures, collections, and compound files
-// with a description of our own making.
+// Helpers of the art tests: source pictures, collections, and compound files with a description of our own making.
 
 #include "../utl/TempDir.h"
 
@@ -9,13 +8,9 @@
 #include <KORVAutlwin/art/ArtStorageWriter.h>
 
 #include <QColor>
-#include <QImage>
 
-#include <cstdlib>
 #include <memory>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace korva::test {
 
@@ -24,9 +19,10 @@ inline std::string WritePicture(const std::string& path, int width, int height, 
                                 QColor right = Qt::blue)
 {
     QImage image(width, height, QImage::Format_RGB32);
-    for (int x = 0; x < width; ++x)
+    image.fill(right);
+    for (int x = 0; x < width / 2; ++x)
         for (int y = 0; y < height; ++y)
-            image.setPixelColor(x, y, x < width / 2 ? left : right);
+            image.setPixelColor(x, y, left);
     if (!image.save(QString::fromStdString(path), "PNG"))
         throw std::runtime_error("cannot write " + path);
     return path;
@@ -48,8 +44,9 @@ inline CollectionInfo MakeCollection(const std::string& artist, const std::vecto
     return collection;
 }
 
-/// Saves `art` into `path` with `source` for every picture, no rotation and no portraits.
-inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const std::string& source)
+/// Saves `art` into `path` with `source` for every picture and `portrait` for every portrait, no rotation.
+inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const std::string& source,
+                            const std::string& portrait = std::string())
 {
     std::vector<std::vector<std::string>> pictures;
     std::vector<std::vector<int>> rotations;
@@ -57,11 +54,12 @@ inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const s
         pictures.emplace_back(collection.GetPictures().size(), source);
         rotations.emplace_back(collection.GetPictures().size(), 0);
     }
-    art.SaveToFile(path.c_str(), pictures, rotations, std::vector<std::string>(art.GetCollections().size()),
-                   std::vector<int>(art.GetCollections().size(), 0));
+    const std::size_t count = art.GetCollections().size();
+    art.SaveToFile(path.c_str(), pictures, rotations, std::vector<std::string>(count, portrait),
+                   std::vector<int>(count, 0));
 }
 
-/// A compound file at `path` whose stream "ArtInfo" holds `description` (plus a stream "other").
+/// A compound file whose stream "ArtInfo" holds `description` (plus a stream "other").
 inline void WriteArtFile(const std::string& path, const std::string& description, bool withDescription = true)
 {
     korva::ArtStorageWriter writer(path);
@@ -93,9 +91,10 @@ inline std::string Describe(const ArtInfo& art, bool streams = true)
     return text;
 }
 
-/// Whether a colour read back from a JPEG is the one painted, within the loss of the encoding.
-inline bool Near(QColor actual, QColor expected)
+/// Whether the colour at `at` (read back from a JPEG) is `expected`, within the loss of the encoding.
+inline bool Near(const QImage& image, QPoint at, QColor expected)
 {
+    const QColor actual = image.pixelColor(at);
     return std::abs(actual.red() - expected.red()) < 40 && std::abs(actual.green() - expected.green()) < 40 &&
            std::abs(actual.blue() - expected.blue()) < 40;
 }
