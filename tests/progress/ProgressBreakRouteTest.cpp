@@ -1,6 +1,6 @@
-// Progress on the break route: the protocol's messages in order, to a recording window and to the real
-// companion (whose trace holds what it handled before the call returned); a confirmed stop; the route
-// without a window; and a companion that dies, hangs or cannot start.
+// Progress on the break route with the window in its companion process, run for real: the protocol's
+// messages in order, each handled (in the companion's trace) before the call returns; a confirmed stop;
+// the route without a window; and a companion that dies, hangs or cannot start.
 
 #include "ProgressTestSupport.h"
 
@@ -10,7 +10,7 @@
 
 #include <cstring>
 #include <fstream>
-#include <optional>
+#include <map>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -31,23 +31,6 @@ bool Reaped(pid_t pid)
     return kill(pid, 0) != 0;
 }
 
-// Sets an environment variable (null: removes it) for one scope.
-class ScopedEnv
-{
-public:
-    ScopedEnv(const char* name, const char* value) : mName(name)
-    {
-        if (const char* old = std::getenv(name))
-            mOld = old;
-        value ? setenv(name, value, 1) : unsetenv(name);
-    }
-    ~ScopedEnv() { mOld ? setenv(mName.c_str(), mOld->c_str(), 1) : unsetenv(mName.c_str()); }
-
-private:
-    std::string mName;
-    std::optional<std::string> mOld;
-};
-
 class ProgressBreakRouteTest : public ProgressFrameFixture
 {
 protected:
@@ -55,64 +38,40 @@ protected:
     {
         ProgressFrameFixture::SetUp();
         MakeFrame();
-        BreakWindowChannel::SetChannel(&mWindow);
+        setenv("KORVA_BREAKWIN_TRACE", mDir.File("trace").c_str(), 1);
+        BreakWindowChannel::SetChannel(&mProcess);
     }
     void TearDown() override
     {
-        BreakWindowChannel::SetChannel(nullptr);
-        mProcess.reset();
-        unsetenv("KORVA_BREAKWIN_TRACE");
         ProgressFrameFixture::TearDown();
+        unsetenv("KORVA_BREAKWIN_TRACE");
+        unsetenv("KORVA_BREAKWIN");
     }
 
-    BreakWindowProcess& UseCompanion()
-    {
-        setenv("KORVA_BREAKWIN_TRACE", mDir.File("trace").c_str(), 1);
-        mProcess = std::make_unique<BreakWindowProcess>();
-        BreakWindowChannel::SetChannel(mProcess.get());
-        return *mProcess;
-    }
-
-    // The messages handled since the last call (the companion's notes left out).
+    // The messages the companion handled since the last call (its notes left out).
     Lines Taken()
     {
-        Lines all = mWindow.messages;
-        if (mProcess) {
-            all.clear();
-            std::ifstream in(mDir.File("trace"));
-            for (std::string line; std::getline(in, line);)
-                if (!line.empty() && line[0] != '#')
-                    all.push_back(line);
-        }
+        Lines all;
+        std::ifstream in(mDir.File("trace"));
+        for (std::string line; std::getline(in, line);)
+            if (!line.empty() && line[0] != '#')
+                all.push_back(line);
         const Lines taken(all.begin() + static_cast<std::ptrdiff_t>(mTaken), all.end());
         mTaken = all.size();
         return taken;
     }
 
-    RecordingBreakWindow mWindow;
-    std::unique_ptr<BreakWindowProcess> mProcess;
+    BreakWindowProcess mProcess;
     std::size_t mTaken = 0;
 };
 
-class ProgressBreakTransportTest : public ProgressBreakRouteTest, public ::testing::WithParamInterface<bool>
-{
-protected:
-    void SetUp() override
-    {
-        ProgressBreakRouteTest::SetUp();
-        if (GetParam())
-            UseCompanion();
-    }
-};
-
-INSTANTIATE_TEST_SUITE_P(, ProgressBreakTransportTest, ::testing::Bool(),
-                         [](const auto& info) { return info.param ? "Companion" : "Recorder"; });
-
 } // namespace
 
-TEST_P(ProgressBreakTransportTest, EveryCallSendsItsMessagesInOrderBeforeItReturns)
+TEST_F(ProgressBreakRouteTest, EveryCallSendsItsMessagesInOrderAndTheyAreHandledBeforeItReturns)
 {
-    const std::string geometry = Geometry(mFrame->frameGeometry());
+    const QRect frame = mFrame->frameGeometry();
+    const std::string geometry = std::to_string(frame.x()) + "," + std::to_string(frame.y()) + "," +
+                                 std::to_string(frame.width()) + "," + std::to_string(frame.height());
     auto progress = std::make_unique<Progress>(nullptr, "Import", 0.0f, 4.0f, true, true, true, "Really stop?",
                                                "Importer", "Halt", 250);
     EXPECT_EQ(Taken(), (Lines{"start 250 111 " + geometry + " Import|Really stop?|Importer|Halt", "range 0 4",
@@ -133,7 +92,7 @@ TEST_P(ProgressBreakTransportTest, EveryCallSendsItsMessagesInOrderBeforeItRetur
     Progress::Hide();
     Progress::Show();
     Progress::ForceCreate();
-    EXPECT_EQ(Progress::GetBreakWindow(), BreakWindowChannel::GetChannel());
+    EXPECT_EQ(Progress::GetBreakWindow(), &mProcess);
     EXPECT_EQ(Taken(), (Lines{"spinstep", "spinrest", "title Phase 2 – Ausgleich", "show 0", "show 1", "show 1",
                               "show 1"}));
     progress.reset();
@@ -141,25 +100,21 @@ TEST_P(ProgressBreakTransportTest, EveryCallSendsItsMessagesInOrderBeforeItRetur
     EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     EXPECT_EQ(Taken(), Lines{"finish"});
 
-    // The window stays for the next client, which gets its own texts and switches.
-    const pid_t companion = mProcess ? mProcess->GetCompanionPid() : 0;
+    // The companion stays for the next client, which gets its own texts and switches.
+    const pid_t companion = mProcess.GetCompanionPid();
     Progress(nullptr, "Export", 0.0f, 1.0f, true, true, false, nullptr, nullptr, nullptr, 0);
     EXPECT_EQ(Taken(), (Lines{"start 0 110 " + geometry + " Export|Do you really want to stop?|MdiFrameTest|Stop",
                               "finish"}));
-    EXPECT_EQ(mProcess ? mProcess->GetCompanionPid() : 0, companion);
+    EXPECT_EQ(mProcess.GetCompanionPid(), companion);
 }
 
-TEST_P(ProgressBreakTransportTest, ConfirmedStopMakesEveryReportReturnFalseWhileTheDisplayGoesOn)
+TEST_F(ProgressBreakRouteTest, ConfirmedStopMakesEveryReportReturnFalseWhileTheDisplayGoesOn)
 {
     {
         Progress progress(nullptr, "Long work", 0.0f, 10.0f, false, true, true);
         EXPECT_TRUE(progress.Set(1.0f));
-        // The user confirms in the window, on another thread; the report travels
-        // ahead of the acknowledgement: no waiting needed.
-        if (mProcess)
-            EXPECT_TRUE(mProcess->PressStopInCompanion());
-        else
-            std::thread([this] { mWindow.PressStop(); }).join();
+        // The report comes on the connection's thread, ahead of the acknowledgement: no waiting needed.
+        ASSERT_TRUE(mProcess.PressStopInCompanion());
         EXPECT_TRUE(progress.IsBreakPressed());
         Taken();
         EXPECT_FALSE(progress.Set(2.0f));
@@ -171,10 +126,9 @@ TEST_P(ProgressBreakTransportTest, ConfirmedStopMakesEveryReportReturnFalseWhile
         const Lines sent = Taken();
         ASSERT_GE(sent.size(), 3u);
         EXPECT_EQ(sent[0] + "|" + sent[2], "value 2|title Stopping") << "the display goes on";
-        EXPECT_TRUE(BreakWindowChannel::GetChannel()->IsWindow());
     }
     // Between clients a stop goes nowhere, and the next client starts afresh.
-    EXPECT_TRUE(!mProcess || mProcess->PressStopInCompanion());
+    EXPECT_TRUE(mProcess.PressStopInCompanion());
     Progress next(nullptr, "More work", 0.0f, 10.0f, false, true, true);
     EXPECT_TRUE(next.Set(1.0f));
 }
@@ -214,18 +168,16 @@ TEST_F(ProgressBreakRouteTest, InactiveObjectsSendNothingAndAShortTaskBringsTheW
         inner.PushSubRange(0.0f, 0.5f);
     }
     EXPECT_EQ(Taken(), Lines{});
-    EXPECT_EQ(mWindow.creates, 1);
     Progress quick("Quick look");
     EXPECT_FALSE(quick.IsActive());
     EXPECT_EQ(Taken(), Lines{"show 1"});
 }
 
-TEST_F(ProgressBreakRouteTest, WithoutBreakWindowTheRouteCountsAndShowsNothing)
+TEST_F(ProgressBreakRouteTest, WithoutBreakWindowOrWithOneThatCannotStartTheRouteCountsAndShowsNothing)
 {
-    // No break window at all, and one that cannot come into being, are the same.
-    for (bool none : {true, false}) {
-        BreakWindowChannel::SetChannel(none ? nullptr : &mWindow);
-        mWindow.exists = false;
+    for (const bool none : {true, false}) {
+        BreakWindowChannel::SetChannel(none ? nullptr : &mProcess);
+        setenv("KORVA_BREAKWIN", "/nonexistent/breakwin", 1);
         Progress progress(nullptr, "No window", 0.0f, 2.0f, true, true, true);
         EXPECT_TRUE(progress.IsActive());
         EXPECT_TRUE(progress.Set(1.0f));
@@ -234,19 +186,18 @@ TEST_F(ProgressBreakRouteTest, WithoutBreakWindowTheRouteCountsAndShowsNothing)
         Progress::Hide();
         EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     }
-    EXPECT_EQ(mWindow.creates, 1);
-    EXPECT_EQ(Taken(), Lines{});
+    EXPECT_FALSE(mProcess.IsWindow());
+    unsetenv("KORVA_BREAKWIN");
+    EXPECT_TRUE(mProcess.Create()) << "the real one starts again";
 }
 
 TEST_F(ProgressBreakRouteTest, OurEndOfTheCompanionsSocketIsCloseOnExecAndTheCompanionHoldsOnlyItsOwn)
 {
-    BreakWindowProcess& process = UseCompanion();
-    ASSERT_TRUE(process.Create());
-    const int socket = process.GetSocket();
-    ASSERT_GE(socket, 0);
+    ASSERT_TRUE(mProcess.Create());
+    const int socket = mProcess.GetSocket();
     EXPECT_NE(fcntl(socket, F_GETFD) & FD_CLOEXEC, 0);
     // The companion got its end as descriptor 3, a socket other than ours.
-    const pid_t companion = process.GetCompanionPid();
+    const pid_t companion = mProcess.GetCompanionPid();
     char link[256] = {};
     const std::string fd3 = "/proc/" + std::to_string(companion) + "/fd/3";
     ASSERT_GT(readlink(fd3.c_str(), link, sizeof link - 1), 0);
@@ -254,15 +205,14 @@ TEST_F(ProgressBreakRouteTest, OurEndOfTheCompanionsSocketIsCloseOnExecAndTheCom
     struct stat ours = {}, theirs = {};
     ASSERT_EQ(fstat(socket, &ours) | stat(fd3.c_str(), &theirs), 0);
     EXPECT_NE(ours.st_ino, theirs.st_ino);
-    EXPECT_TRUE(process.Create()) << "a running companion is kept";
-    EXPECT_EQ(process.GetCompanionPid(), companion);
+    EXPECT_TRUE(mProcess.Create()) << "a running companion is kept";
+    EXPECT_EQ(mProcess.GetCompanionPid(), companion);
 }
 
 TEST_F(ProgressBreakRouteTest, AKilledCompanionLeavesProgressWorkingAndTheNextCreateStartsANewOne)
 {
-    BreakWindowProcess& process = UseCompanion();
     Progress progress(nullptr, "Doomed window", 0.0f, 100.0f, false, true, true);
-    const pid_t first = process.GetCompanionPid();
+    const pid_t first = mProcess.GetCompanionPid();
     ASSERT_GT(first, 0);
     ASSERT_EQ(kill(first, SIGKILL), 0);
     const auto before = Clock::now();
@@ -270,80 +220,70 @@ TEST_F(ProgressBreakRouteTest, AKilledCompanionLeavesProgressWorkingAndTheNextCr
         EXPECT_TRUE(progress.Set(float(i)) && progress.NextSpin() && progress.SetInfoStr("still going"));
     // Far below the acknowledgement timeout: the death was noticed, not waited out.
     EXPECT_LT(Clock::now() - before, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout / 2));
-    EXPECT_FALSE(process.IsWindow());
-    EXPECT_EQ(process.GetCompanionPid(), 0);
+    EXPECT_FALSE(mProcess.IsWindow());
+    EXPECT_EQ(mProcess.GetCompanionPid(), 0);
     EXPECT_TRUE(Reaped(first));
     EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
-    ASSERT_TRUE(process.Create());
-    EXPECT_NE(process.GetCompanionPid(), first);
+    ASSERT_TRUE(mProcess.Create());
+    EXPECT_NE(mProcess.GetCompanionPid(), first);
     EXPECT_TRUE(progress.Set(60.0f));
 }
 
 TEST_F(ProgressBreakRouteTest, ACompanionThatStopsAnsweringIsGivenUpAfterTheTimeout)
 {
-    BreakWindowProcess& process = UseCompanion();
-    ASSERT_TRUE(process.Create());
-    const pid_t companion = process.GetCompanionPid();
+    ASSERT_TRUE(mProcess.Create());
+    const pid_t companion = mProcess.GetCompanionPid();
     ASSERT_EQ(kill(companion, SIGSTOP), 0);
     const auto before = Clock::now();
-    process.SpinStep();
+    mProcess.SpinStep();
     const auto waited = Clock::now() - before;
     EXPECT_GE(waited, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout - 100));
     EXPECT_LT(waited, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout * 2));
-    EXPECT_FALSE(process.IsWindow());
+    EXPECT_FALSE(mProcess.IsWindow());
     EXPECT_TRUE(Reaped(companion)) << "killed and reaped";
     const auto after = Clock::now();
-    process.SpinStep();
+    mProcess.SpinStep();
     EXPECT_LT(Clock::now() - after, std::chrono::milliseconds(100)) << "later calls return at once";
 }
 
-TEST_F(ProgressBreakRouteTest, ACompanionThatCannotStartMakesCreateFalse)
+TEST_F(ProgressBreakRouteTest, ACompanionWithoutDisplayOrOfAnotherVersionMakesCreateFalse)
 {
-    BreakWindowProcess& process = UseCompanion();
-    {
-        ScopedEnv program("KORVA_BREAKWIN", "/nonexistent/breakwin");
-        EXPECT_EQ(BreakWindowProcess::GetProgramPath(), "/nonexistent/breakwin");
-        EXPECT_FALSE(process.Create());
-        // Progress takes that as no window at all.
-        Progress progress(nullptr, "Without window", 0.0f, 1.0f, false, true, true);
-        EXPECT_TRUE(progress.Set(0.5f));
-        EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
-    }
-    {
-        // No display: the companion says so and ends.
-        ScopedEnv platform("QT_QPA_PLATFORM", nullptr), display("DISPLAY", nullptr), wayland("WAYLAND_DISPLAY", nullptr);
-        EXPECT_FALSE(process.Create());
-    }
-    {
-        // A companion of another version: its "ready" is refused at once and it is ended.
-        BreakWire::Buffer ready;
-        const std::size_t size = BreakWire::Encode(BreakWire::Make(BreakWire::eReady), ready);
-        const std::uint32_t newer = BreakWire::kMagic | (BreakWire::kVersion + 1);
-        std::memcpy(ready.data(), &newer, sizeof newer);
-        WriteFile(mDir.File("ready.bin"), std::string(reinterpret_cast<const char*>(ready.data()), size));
-        const std::string script = mDir.File("old-breakwin"), pidFile = mDir.File("old.pid");
-        WriteFile(script, "#!/bin/sh\necho $$ > '" + pidFile + "'\ncat '" + mDir.File("ready.bin") +
-                              "' >&3\nexec sleep 30\n");
-        chmod(script.c_str(), 0755);
-        ScopedEnv program("KORVA_BREAKWIN", script.c_str());
-        const auto before = Clock::now();
-        EXPECT_FALSE(process.Create());
-        EXPECT_LT(Clock::now() - before, std::chrono::seconds(5));
-        const pid_t old = static_cast<pid_t>(std::atoi(ReadFile(pidFile).c_str()));
-        ASSERT_GT(old, 0);
-        EXPECT_NE(kill(old, 0), 0) << "ended and reaped";
-    }
-    EXPECT_TRUE(process.Create()) << "the real one starts again";
+    std::map<std::string, std::string> display;
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        if (const char* value = std::getenv(name); value && !unsetenv(name))
+            display[name] = value;
+    EXPECT_FALSE(mProcess.Create()) << "no display: the companion says so and ends";
+    for (const auto& [name, value] : display)
+        setenv(name.c_str(), value.c_str(), 1);
+
+    // A companion of another version: its "ready" is refused at once and it is ended.
+    BreakWire::Buffer ready;
+    const std::size_t size = BreakWire::Encode(BreakWire::Make(BreakWire::eReady), ready);
+    const std::uint32_t newer = BreakWire::kMagic | (BreakWire::kVersion + 1);
+    std::memcpy(ready.data(), &newer, sizeof newer);
+    WriteFile(mDir.File("ready.bin"), std::string(reinterpret_cast<const char*>(ready.data()), size));
+    const std::string script = mDir.File("old-breakwin"), pidFile = mDir.File("old.pid");
+    WriteFile(script, "#!/bin/sh\necho $$ > '" + pidFile + "'\ncat '" + mDir.File("ready.bin") + "' >&3\nexec sleep 30\n");
+    chmod(script.c_str(), 0755);
+    setenv("KORVA_BREAKWIN", script.c_str(), 1);
+    EXPECT_EQ(BreakWindowProcess::GetProgramPath(), script);
+    const auto before = Clock::now();
+    EXPECT_FALSE(mProcess.Create());
+    EXPECT_LT(Clock::now() - before, std::chrono::seconds(5));
+    const pid_t old = static_cast<pid_t>(std::atoi(ReadFile(pidFile).c_str()));
+    ASSERT_GT(old, 0);
+    EXPECT_NE(kill(old, 0), 0) << "ended and reaped";
 }
 
 TEST(BreakWindowDefaultTest, TheProcessMakesItsOwnBreakWindowAtTheFirstNeed)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     // Each row in a fresh process: the choice is made once per process.
-    const struct { const char* variable; const char* value; bool companion; } rows[] = {
-        {nullptr, nullptr, true},
-        {"KORVA_BREAK_WINDOW", "inprocess", false},
-        {"KORVA_BREAKWIN", "/nonexistent/breakwin", false},
+    const struct { const char* variable; const char* value; bool companion, removed; } rows[] = {
+        {nullptr, nullptr, true, false},
+        {"KORVA_BREAK_WINDOW", "inprocess", false, false},
+        {"KORVA_BREAKWIN", "/nonexistent/breakwin", false, false},
+        {nullptr, nullptr, false, true},
     };
     for (const auto& row : rows) {
         EXPECT_EXIT(
@@ -351,22 +291,18 @@ TEST(BreakWindowDefaultTest, TheProcessMakesItsOwnBreakWindowAtTheFirstNeed)
                 if (row.variable)
                     setenv(row.variable, row.value, 1);
                 Application();
+                if (row.removed)
+                    BreakWindowChannel::SetChannel(nullptr);
                 BreakWindowChannel* channel = BreakWindowChannel::GetChannel();
                 auto* process = dynamic_cast<BreakWindowProcess*>(channel);
-                const bool right = row.companion ? process && process->IsWindow()
-                                                 : dynamic_cast<InProcessBreakWindow*>(channel) != nullptr;
+                const bool right = row.removed     ? channel == nullptr
+                                   : row.companion ? process && process->IsWindow()
+                                                   : dynamic_cast<InProcessBreakWindow*>(channel) != nullptr;
                 std::_Exit(right && BreakWindowChannel::GetChannel() == channel ? 0 : 1);
             },
             ::testing::ExitedWithCode(0), "")
-            << (row.value ? row.value : "no variable");
+            << &row - rows;
     }
-    EXPECT_EXIT(
-        {
-            Application();
-            BreakWindowChannel::SetChannel(nullptr);
-            std::_Exit(BreakWindowChannel::GetChannel() == nullptr ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
 }
 
 TEST(BreakWindowCompanionTest, StartedByHandItSaysWhatItIsFor)

@@ -5,6 +5,7 @@
 #include "ProgressTestSupport.h"
 
 #include <KORVAutl/LanguageString.h>
+#include <KORVAutlwin/progress/BreakWindowProcess.h>
 #include <KORVAutlwin/progress/SpinWindow.h>
 #include <KORVAutlwin/progress/TsGauge.h>
 #include <KORVAutlwin/progress/TsXTPGauge.h>
@@ -222,7 +223,7 @@ TEST_F(ProgressStatusBarTest, ShortFormRunsTheSpinIndicatorAloneAndGivesTheGauge
 TEST_F(ProgressStatusBarTest, ShowProgressDialogOffForcesTheStatusBarRoute)
 {
     MakeFrame();
-    RecordingBreakWindow window;
+    BreakWindowProcess window;
     BreakWindowChannel::SetChannel(&window);
     Progress::SetShowProgressDialog(false);
     {
@@ -236,8 +237,7 @@ TEST_F(ProgressStatusBarTest, ShowProgressDialogOffForcesTheStatusBarRoute)
         Progress::Hide();
         EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     }
-    EXPECT_EQ(window.creates, 0);
-    EXPECT_TRUE(window.messages.empty());
+    EXPECT_EQ(window.GetCompanionPid(), 0) << "never asked to come into being";
 }
 
 TEST_F(ProgressStatusBarTest, WaitCursorLastsAsLongAsTheObjectAndComesBackAfterEachPump)

@@ -1,6 +1,6 @@
 #pragma once
 // What the Progress tests share: a real main frame, real input through the platform's queue,
-// answers to the stop question, and a break window that records its messages as the companion traces them.
+// answers to the stop question, and a counter of events.
 
 #include "../frame/MdiFrameTestSupport.h"
 
@@ -42,16 +42,16 @@ using Queue = QWindowSystemInterface;
 /// A click on the middle of `target`, queued by the platform as a user's would be.
 inline void QueueClick(QWidget* target)
 {
-    QWindow* window = target->window()->windowHandle();
     const QPointF local = target->mapTo(target->window(), target->rect().center());
     const QPointF global = target->mapToGlobal(target->rect().center());
     for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
         Queue::handleMouseEvent<Queue::AsynchronousDelivery>(
-            window, local, global, type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::LeftButton,
-            type, Qt::NoModifier, Qt::MouseEventNotSynthesized);
+            target->window()->windowHandle(), local, global,
+            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::LeftButton, type, Qt::NoModifier,
+            Qt::MouseEventNotSynthesized);
 }
 
-/// A key pressed and released on the window of `target`, queued by the platform.
+/// A key pressed (and released) on the window of `target`, queued by the platform.
 inline void QueueKey(QWidget* target, int key, bool release = true)
 {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease})
@@ -117,57 +117,6 @@ private:
     QPointer<TsXTPStatusBar> mBar;
 };
 
-/// "x,y,width,height", as the companion traces a main window.
-inline std::string Geometry(const QRect& r)
-{
-    return std::to_string(r.x()) + "," + std::to_string(r.y()) + "," + std::to_string(r.width()) + "," +
-           std::to_string(r.height());
-}
-
-/// A break window that keeps what it is sent, in order, as the companion traces it, and can press stop.
-class RecordingBreakWindow : public BreakWindowChannel
-{
-public:
-    bool Create() override
-    {
-        ++creates;
-        return exists;
-    }
-    bool IsWindow() const override { return exists; }
-    void Finish() override { Log("finish"); }
-    void SpinStep() override { Log("spinstep"); }
-    void SpinRest() override { Log("spinrest"); }
-    void SetTitle(const char* title) override { Log(std::string("title ") + title); }
-    void SetGaugeValue(float value) override { Log("value " + Number(value)); }
-    void SetGaugeRange(float low, float high) override { Log("range " + Number(low) + " " + Number(high)); }
-    void ShowWindow(bool show) override { Log(show ? "show 1" : "show 0"); }
-    void Start(unsigned int delay, Progress* progress, const QRect& mainWindow) override
-    {
-        client = progress;
-        const BreakStartInfo info = StartInfo(*progress, delay, mainWindow);
-        Log("start " + std::to_string(delay) + " " + (info.allowBreak ? "1" : "0") + (info.showSpin ? "1" : "0") +
-            (info.showGauge ? "1" : "0") + " " + Geometry(info.mainWindow) + " " + info.infoText + "|" +
-            info.stopQuestion + "|" + info.stopTitle + "|" + info.stopButton);
-    }
-
-    /// The user confirms the stop of the last client started.
-    void PressStop() { SetBreakPressed(*client); }
-
-    bool exists = true;
-    int creates = 0;
-    Progress* client = nullptr;
-    std::vector<std::string> messages;
-
-private:
-    void Log(const std::string& line) { messages.push_back(line); }
-    static std::string Number(float value)
-    {
-        char text[32];
-        std::snprintf(text, sizeof text, "%g", static_cast<double>(value));
-        return text;
-    }
-};
-
 /// An application whose main window is a real frame, shown offscreen.
 class ProgressFrameFixture : public MdiFrameFixture
 {
@@ -190,18 +139,14 @@ protected:
     }
 
     template <typename Frame = TessmaMDIFrame>
-    Frame& MakeFrame()
+    void MakeFrame()
     {
-        auto frame = std::make_unique<Frame>();
-        Frame& made = *frame;
-        mFrame = std::move(frame);
+        mFrame = std::make_unique<Frame>();
         mApp->SetMainWnd(mFrame.get());
         mFrame->resize(800, 600);
-        // The message bar exists before any work starts, as in an application.
-        mFrame->GetMessageBar();
+        mFrame->GetMessageBar();  // the message bar exists before any work starts, as in an application
         mFrame->show();
         QCoreApplication::processEvents();
-        return made;
     }
 
     std::unique_ptr<TessmaMDIFrame> mFrame;
