@@ -1,16 +1,11 @@
-// InThread: a restartable computation on a low-priority thread that tells a
-// window of its end by a posted event, and never after Stop. The events are
-// delivered by hand (sendPostedEvents), so a test sees exactly what is queued.
+// InThread: a restartable computation on a low-priority thread that tells a window of its end by a
+// posted event, and never after Stop. Notices are delivered by hand, so a test sees what is queued.
 
 #include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/InThread.h>
 
 #include <KORVAutl/Exception.h>
-
-#include <atomic>
-#include <cerrno>
-#include <thread>
 
 #include <sys/resource.h>
 
@@ -23,13 +18,13 @@ const auto kDone = static_cast<QEvent::Type>(QEvent::registerEventType());
 // Waits, without handling events, until `condition` holds; false after 10 s.
 bool WaitUntil(const std::function<bool()>& condition)
 {
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (!condition() && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(1ms);
-    return condition();
+    for (const auto deadline = std::chrono::steady_clock::now() + 10s; !condition();)
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+    return true;
 }
 
-int NiceOfThisThread()
+int Nice()
 {
     return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
 }
@@ -46,18 +41,14 @@ struct Controlled
             const int call = ++calls;
             returned = false;
             entered = true;
-            while (!released.load()) {
-                if (InThread::StopRequested(stop)) {
-                    ++stopsSeen;
-                    returned = true;
-                    return -1.0f;
-                }
+            while (!released && !InThread::StopRequested(stop))
                 std::this_thread::sleep_for(1ms);
-            }
+            stopsSeen += !released;
             returned = true;
-            return static_cast<float>(call);
+            return released ? float(call) : -1.0f;
         };
     }
+    bool Entered() { return WaitUntil([this] { return entered.exchange(false); }); }
 };
 
 class InThreadTest : public ::testing::Test
@@ -89,13 +80,8 @@ TEST_F(InThreadTest, RunToItsEndPostsOneNoticeButStopBeforeItIsHandledRemovesIt)
     EXPECT_EQ(Deliver(), 1);
     EXPECT_EQ(Deliver(), 1) << "one notice per run";
 
-    bool stopSeen = true;
-    InThread stopped(
-        [&](bool& stop) {
-            stopSeen = InThread::StopRequested(stop);
-            return 4.0f;
-        },
-        &mReceiver, kDone);
+    std::atomic<bool> stopSeen{true};
+    InThread stopped([&](bool& stop) { stopSeen = InThread::StopRequested(stop); return 4.0f; }, &mReceiver, kDone);
     stopped.Start();
     ASSERT_TRUE(WaitUntil([&] { return !stopped.IsRunning(); }));
     stopped.Stop();
@@ -105,44 +91,33 @@ TEST_F(InThreadTest, RunToItsEndPostsOneNoticeButStopBeforeItIsHandledRemovesIt)
     EXPECT_EQ(stopped.get(), 4.0f);
 }
 
-TEST_F(InThreadTest, StoppedRunPostsNothingAndStopAndTheDestructorWaitForTheFunction)
+TEST_F(InThreadTest, StopWaitsForTheFunctionStartStopsARunningRunAndTheDestructorStopsToo)
 {
     Controlled work, other;
     InThread thread(work.Function(), &mReceiver, kDone);
     thread.Start();
-    ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
+    ASSERT_TRUE(work.Entered());
     thread.Stop();
-    EXPECT_TRUE(work.returned.load()) << "Stop returned before the function";
-    EXPECT_EQ(work.stopsSeen.load(), 1);
+    EXPECT_TRUE(work.returned) << "Stop returned before the function";
     EXPECT_EQ(thread.get(), -1.0f);
+    thread.Start();
+    ASSERT_TRUE(work.Entered());
+    thread.Start();
+    EXPECT_EQ(work.stopsSeen.load(), 2) << "the running run was stopped";
+    ASSERT_TRUE(work.Entered());
+    work.released = true;
+    EXPECT_EQ(thread.get(), 3.0f);
+    EXPECT_EQ(Deliver(), 1) << "only the run that ended reports";
+    // Again after an ended run: the stop flag was cleared, the result is new.
+    thread.Start();
+    EXPECT_EQ(thread.get(), 4.0f);
+    EXPECT_EQ(Deliver(), 2);
     {
         InThread scoped(other.Function(), &mReceiver, kDone);
         scoped.Start();
-        ASSERT_TRUE(WaitUntil([&] { return other.entered.load(); }));
+        ASSERT_TRUE(other.Entered());
     }
-    EXPECT_TRUE(other.returned.load());
-    EXPECT_EQ(other.stopsSeen.load(), 1);
-    EXPECT_EQ(Deliver(), 0);
-}
-
-TEST_F(InThreadTest, StartStopsARunningRunAndRestarts)
-{
-    Controlled work;
-    InThread thread(work.Function(), &mReceiver, kDone);
-    thread.Start();
-    ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
-    work.entered = false;
-    thread.Start();
-    EXPECT_EQ(work.stopsSeen.load(), 1) << "the first run was stopped";
-    ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
-    work.released = true;
-    EXPECT_EQ(thread.get(), 2.0f);
-    EXPECT_EQ(Deliver(), 1) << "only the second run reports";
-
-    // Again after an ended run: the stop flag was cleared, the result is new.
-    thread.Start();
-    EXPECT_EQ(thread.get(), 3.0f);
-    EXPECT_EQ(work.stopsSeen.load(), 1);
+    EXPECT_TRUE(other.returned && other.stopsSeen == 1);
     EXPECT_EQ(Deliver(), 2);
 }
 
@@ -151,23 +126,20 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     Controlled work, otherWork;
     InThread source(work.Function(), &mReceiver, kDone);
     source.Start();
-    ASSERT_TRUE(WaitUntil([&] { return work.entered.load(); }));
+    ASSERT_TRUE(work.Entered());
     InThread copy(source);
     EXPECT_FALSE(source.HasThread());
     EXPECT_TRUE(copy.HasThread());
     source.Stop();  // no longer its thread: the run goes on
-    EXPECT_EQ(work.stopsSeen.load(), 0);
-    EXPECT_FALSE(work.returned.load());
-
+    EXPECT_FALSE(work.returned || work.stopsSeen);
     // Assignment stops the target's own run before it takes the other's.
     InThread target(otherWork.Function(), nullptr, 0);
     target.Start();
-    ASSERT_TRUE(WaitUntil([&] { return otherWork.entered.load(); }));
+    ASSERT_TRUE(otherWork.Entered());
     target = copy;
     EXPECT_EQ(otherWork.stopsSeen.load(), 1);
     EXPECT_FALSE(copy.HasThread());
     EXPECT_TRUE(target.HasThread());
-
     work.released = true;
     // One result for all three.
     EXPECT_EQ(target.get(), 1.0f);
@@ -176,7 +148,7 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     EXPECT_EQ(Deliver(), 1);
 }
 
-TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromGet)
+TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromEveryGetUntilTheNextStart)
 {
     // An empty function fails on the thread with the system's text; the process lives on.
     InThread empty(std::function<float(bool&)>(), &mReceiver, kDone);
@@ -190,16 +162,9 @@ TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromGet)
         }
     }
     EXPECT_EQ(Deliver(), 1) << "a failed run has ended too";
-
-    // A run that throws keeps the last result; the next start clears the failure.
+    // A run that throws keeps the last result.
     int call = 0;
-    InThread flaky(
-        [&](bool&) {
-            if (++call == 2)
-                throw Exception("bad data");
-            return float(call);
-        },
-        nullptr, 0);
+    InThread flaky([&](bool&) { return ++call == 2 ? throw Exception("bad data") : float(call); }, nullptr, 0);
     flaky.Start();
     EXPECT_EQ(flaky.get(), 1.0f);
     flaky.Start();
@@ -210,24 +175,16 @@ TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromGet)
 
 TEST_F(InThreadTest, RunsOnAThreadOfItsOwnAtTheLowestNicePriority)
 {
-    errno = 0;
-    const int callerNice = NiceOfThisThread();
-    ASSERT_EQ(errno, 0);
+    const int callerNice = Nice();
     ASSERT_LT(callerNice, InThread::kThreadNice);
-    int threadNice = 0;
+    std::atomic<int> threadNice{0};
     std::thread::id runThread;
-    InThread thread(
-        [&](bool&) {
-            runThread = std::this_thread::get_id();
-            threadNice = NiceOfThisThread();
-            return 0.0f;
-        },
-        nullptr, 0);
+    InThread thread([&](bool&) { runThread = std::this_thread::get_id(); threadNice = Nice(); return 0.0f; }, nullptr, 0);
     thread.Start();
     thread.get();
     EXPECT_NE(runThread, std::this_thread::get_id());
     EXPECT_EQ(threadNice, InThread::kThreadNice);
-    EXPECT_EQ(NiceOfThisThread(), callerNice) << "the caller keeps its priority";
+    EXPECT_EQ(Nice(), callerNice) << "the caller keeps its priority";
 }
 
 } // namespace
