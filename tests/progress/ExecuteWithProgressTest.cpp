@@ -1,24 +1,14 @@
-// ExecuteWithProgress and its dialog: the work runs on another thread behind a
-// modal ProgressDialog that the user cannot close; the dialog closes when the
-// work ends, however short; failures of the work come back on the caller's
-// thread; the cancel button calls the cancel function. Real input, offscreen.
+// ExecuteWithProgress: the work runs on another thread behind a modal ProgressDialog that the user cannot
+// close, which closes when the work ends, however short; failures come back on the caller's thread.
 
-#include "../frame/TestApplication.h"
+#include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/ExecuteWithProgress.h>
 #include <KORVAutlwin/progress/IndeterminateProgressCtrl.h>
 #include <KORVAutlwin/progress/ProgressDialog.h>
 
-#include <QPushButton>
-#include <QTest>
-
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <stdexcept>
 #include <typeinfo>
-
-#include <unistd.h>
 
 namespace {
 
@@ -67,27 +57,24 @@ TEST_F(ExecuteWithProgressTest, FailureOfTheWorkIsThrownOnTheCallersThread)
     public:
         DerivedException() : Exception("x", Exception("cause")) {}
     };
-    // An Exception comes as a new Exception with its text, without the derived class or the causes.
-    for (const auto& work : {std::function<void()>([] { throw Exception("x"); }), {[] { throw DerivedException(); }}}) {
+    // What the call throws: an Exception as a new one with its text (neither the derived class nor
+    // the causes come along), anything else, and an empty function, as UnknownException with a text.
+    auto thrown = [](const std::function<void()>& work) -> std::string {
         try {
             ExecuteWithProgress(work, "Failing", nullptr);
-            ADD_FAILURE() << "nothing thrown";
-        } catch (const Exception& exception) {
-            EXPECT_STREQ(exception.Why(), "x");
-            EXPECT_EQ(typeid(exception), typeid(Exception));
-            EXPECT_EQ(exception.Cause(), nullptr);
-        }
-    }
-    // Anything else, and an empty function, as UnknownException with a text of its own.
-    for (const auto& work : {std::function<void()>([] { throw std::runtime_error("not ours"); }),
-                             {[] { throw 42; }}, std::function<void()>()}) {
-        try {
-            ExecuteWithProgress(work, "Failing", nullptr);
-            ADD_FAILURE() << "nothing thrown";
         } catch (const ProgressInfo::UnknownException& exception) {
-            EXPECT_STRNE(exception.Why(), "");
+            return std::string("unknown") + (*exception.Why() ? " with a text" : "");
+        } catch (const Exception& exception) {
+            return (typeid(exception) == typeid(Exception) ? "Exception " : "derived ") + std::string(exception.Why()) +
+                   (exception.Cause() ? " and causes" : "");
         }
-    }
+        return "nothing";
+    };
+    EXPECT_EQ(thrown([] { throw Exception("x"); }), "Exception x");
+    EXPECT_EQ(thrown([] { throw DerivedException(); }), "Exception x");
+    EXPECT_EQ(thrown([] { throw std::runtime_error("not ours"); }), "unknown with a text");
+    EXPECT_EQ(thrown([] { throw 42; }), "unknown with a text");
+    EXPECT_EQ(thrown(std::function<void()>()), "unknown with a text");
 }
 
 TEST_F(ExecuteWithProgressTest, DialogIsModalAndTitledAndEscapeReturnAndTheCloseBoxDoNothing)

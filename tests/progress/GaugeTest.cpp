@@ -1,5 +1,5 @@
-// TsGauge (frame arithmetic, colour cycle, caption, what a frame paints) and
-// TsXTPGauge (percentages, one update per change of position). Offscreen.
+// TsGauge (frame arithmetic, colour cycle, caption, what a frame paints) and TsXTPGauge (percentages,
+// one update per change of position).
 
 #include "ProgressTestSupport.h"
 
@@ -12,28 +12,24 @@
 
 namespace {
 
-TEST(GaugeArithmeticTest, AlertColourFadesInHoldsAndFadesOutPerChannel)
+TEST(GaugeArithmeticTest, ColoursFadeByPhaseFilledPartIsTruncatedAndCaptionIsCutAt199Characters)
 {
     const std::pair<int, float> points[] = {{70, 0.0f},  {71, 0.1f},  {75, 0.5f},  {80, 1.0f},
                                             {100, 1.0f}, {101, 0.9f}, {110, 0.0f}, {179, 0.0f}};
     for (const auto& [phase, factor] : points)
         EXPECT_FLOAT_EQ(TsGauge::BlendFactor(phase), factor) << phase;
-    EXPECT_EQ(TsGauge::BarColorAt(75), RGB(112, 64, 141));  // halfway, truncated
+    EXPECT_EQ(TsGauge::BarColorAt(75), RGB(112, 64, 141));  // halfway, per channel, truncated
     EXPECT_EQ(TsGauge::TextColorAt(105), RGB(255, 229, 127));
     // Out-of-range factors are held at the ends.
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), 2.0f), RGB(200, 100, 0));
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), -1.0f), RGB(10, 20, 30));
-}
 
-TEST(GaugeArithmeticTest, FilledPartIsTruncatedAndHeldWithinTheClientArea)
-{
-    // TsGauge in pixels of a client 200 wide, TsXTPGauge in percent. An empty
-    // range fills nothing at its value, everything beyond it; a reversed range
-    // is taken as given: rising values fall.
+    // TsGauge in pixels of a client 200 wide, TsXTPGauge in percent. An empty range fills nothing
+    // at its value, everything beyond it; a reversed range is taken as given: rising values fall.
     const struct { float value, low, high; int pixels, percent; } rows[] = {
-        {1.0f, 0.0f, 3.0f, 66, 33},      {0.999f, 0.0f, 1.0f, 199, 99}, {-2.0f, -4.0f, 0.0f, 100, 50},
-        {-10.0f, 0.0f, 100.0f, 0, 0},    {1e30f, 0.0f, 1.0f, 200, 100}, {5.0f, 5.0f, 5.0f, 0, 0},
-        {6.0f, 5.0f, 5.0f, 200, 100},    {0.25f, 1.0f, 0.0f, 150, 75},
+        {1.0f, 0.0f, 3.0f, 66, 33},   {0.999f, 0.0f, 1.0f, 199, 99}, {-2.0f, -4.0f, 0.0f, 100, 50},
+        {-10.0f, 0.0f, 100.0f, 0, 0}, {1e30f, 0.0f, 1.0f, 200, 100}, {5.0f, 5.0f, 5.0f, 0, 0},
+        {6.0f, 5.0f, 5.0f, 200, 100}, {0.25f, 1.0f, 0.0f, 150, 75},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.value << " in " << row.low << ".." << row.high);
@@ -41,23 +37,13 @@ TEST(GaugeArithmeticTest, FilledPartIsTruncatedAndHeldWithinTheClientArea)
         EXPECT_EQ(TsXTPGauge::PositionOf(row.value, row.low, row.high), row.percent);
     }
     EXPECT_EQ(TsGauge::BarWidth(0, 50.0f, 0.0f, 100.0f), 0);
-}
 
-TEST(GaugeArithmeticTest, CaptionIsCutAt199CharactersNotBytes)
-{
+    // Characters, not bytes: letters of two bytes stay whole, one beyond the 16-bit plane counts once.
     EXPECT_TRUE(TsGauge::CutCaption(nullptr).isEmpty());
-    // Two-byte letters stay whole; a character beyond the 16-bit plane counts once and is never split.
-    std::string umlauts, emoji;
-    for (int i = 0; i < 300; ++i) {
-        umlauts += "\xC3\xA4";
-        emoji += "\xF0\x9F\x98\x80";
-    }
-    const QString cut = TsGauge::CutCaption(umlauts.c_str());
-    EXPECT_EQ(cut.size(), 199);
-    EXPECT_EQ(cut.count(QChar(0xE4)), 199);
-    const QString cutEmoji = TsGauge::CutCaption(emoji.c_str());
-    EXPECT_EQ(cutEmoji.toUcs4().size(), 199);
-    EXPECT_EQ(cutEmoji.toStdString().size(), 199u * 4);
+    EXPECT_EQ(TsGauge::CutCaption(QString(300, QChar(0xE4)).toStdString().c_str()), QString(199, QChar(0xE4)));
+    const std::u32string emoji(300, U'\U0001F600');
+    EXPECT_EQ(TsGauge::CutCaption(QString::fromStdU32String(emoji).toStdString().c_str()),
+              QString::fromStdU32String(emoji.substr(0, 199)));
 }
 
 class GaugeWidgetTest : public ::testing::Test
@@ -77,25 +63,6 @@ protected:
     static QRgb Rgb(COLORREF color) { return qRgb(GetRValue(color), GetGValue(color), GetBValue(color)) & 0xFFFFFF; }
 };
 
-TEST_F(GaugeWidgetTest, CaptionFontRangeAndDesiredHeight)
-{
-    TsGauge gauge;
-    EXPECT_EQ(gauge.GetCaptionFont().weight(), QFont::Bold);
-    EXPECT_EQ(gauge.GetCaptionFont().pixelSize(), korva::MulDiv(8, gauge.logicalDpiY(), 72));
-    gauge.SetRange(5.0f, 1.0f);  // put in order
-    EXPECT_EQ(std::make_pair(gauge.GetLow(), gauge.GetHigh()), std::make_pair(1.0f, 5.0f));
-    gauge.SetValue(42.0f);  // out of range values are kept as given
-    EXPECT_EQ(gauge.GetValue(), 42.0f);
-
-    EXPECT_EQ(gauge.GetDesiredHeight(), 2);  // no caption, no frame
-    gauge.SetCaption("Computing");
-    const int textOnly = gauge.GetDesiredHeight();
-    EXPECT_EQ(textOnly, static_cast<int>(QFontMetricsF(gauge.GetCaptionFont()).height() + 2));
-    gauge.setFrameStyle(QFrame::Panel | QFrame::Sunken);
-    gauge.setLineWidth(2);
-    EXPECT_EQ(gauge.GetDesiredHeight(), textOnly + 2 * gauge.frameWidth());
-}
-
 TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndStartsAgainWhenHidden)
 {
     QWidget parent;
@@ -108,11 +75,9 @@ TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndStartsAgainWhenH
         Tick(*gauge, ticks);
         EXPECT_EQ(gauge->GetPhase(), phase) << ticks;
     }
-    // A timer of someone else's does not move the cycle.
     QTimerEvent foreign(gauge->GetAnimationTimerId() + 1000);
     QCoreApplication::sendEvent(gauge, &foreign);
-    EXPECT_EQ(gauge->GetPhase(), 5);
-
+    EXPECT_EQ(gauge->GetPhase(), 5) << "a timer of someone else's does not move the cycle";
     gauge->hide();
     EXPECT_EQ(gauge->GetPhase(), 0);
     EXPECT_EQ(gauge->GetAnimationTimerId(), 0);  // no frames while nobody sees them
@@ -126,12 +91,22 @@ TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndStartsAgainWhenH
     EXPECT_NE(gauge->GetAnimationTimerId(), 0);
 }
 
-TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)
+TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaptionInItsFont)
 {
     TsGauge gauge;
+    EXPECT_EQ(gauge.GetCaptionFont().weight(), QFont::Bold);
+    EXPECT_EQ(gauge.GetCaptionFont().pixelSize(), korva::MulDiv(8, gauge.logicalDpiY(), 72));
+    EXPECT_EQ(gauge.GetDesiredHeight(), 2);  // no caption, no frame
+    gauge.SetCaption("Computing");
+    const int textOnly = gauge.GetDesiredHeight();
+    EXPECT_EQ(textOnly, static_cast<int>(QFontMetricsF(gauge.GetCaptionFont()).height() + 2));
+    gauge.setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    EXPECT_EQ(gauge.GetDesiredHeight(), textOnly + 2 * gauge.frameWidth());
+    gauge.setFrameStyle(QFrame::NoFrame);
+    gauge.SetCaption(nullptr);
     gauge.resize(200, 20);
-    gauge.SetRange(0.0f, 4.0f);
-    gauge.SetValue(1.0f);  // a quarter
+    gauge.SetRange(4.0f, 0.0f);  // put in order
+    gauge.SetValue(1.0f);       // a quarter
     gauge.show();
 
     const QImage frame = gauge.grab().toImage();
@@ -167,9 +142,8 @@ TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)
             black |= pixel == 0;
             outside |= (text || pixel == 0) && (x < 40 || x > 160);
         }
-    EXPECT_TRUE(textColour);
-    EXPECT_TRUE(black);
-    EXPECT_FALSE(outside);  // centred, nowhere near the ends
+    EXPECT_TRUE(textColour && black);
+    EXPECT_FALSE(outside) << "centred, nowhere near the ends";
 }
 
 TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPosition)
