@@ -1,6 +1,5 @@
-// The records between a process and its break window companion: every message
-// survives encoding and decoding, texts are cut at a character boundary, and
-// records of another version or shape are refused.
+// The records between a process and its break window companion: every message survives encoding and
+// decoding, texts are cut at a character boundary, records of another version or shape are refused.
 
 #include <KORVAutlwin/progress/BreakWire.h>
 
@@ -25,9 +24,8 @@ std::string Show(const Wire::Message& m)
     return out.str();
 }
 
-Wire::Message RoundTrip(Wire::Message message, std::uint32_t sequence = 0, std::size_t* size = nullptr)
+Wire::Message RoundTrip(const Wire::Message& message, std::size_t* size = nullptr)
 {
-    message.sequence = sequence ? sequence : message.sequence;
     Wire::Buffer buffer;
     const std::size_t encoded = Wire::Encode(message, buffer);
     if (size)
@@ -37,44 +35,21 @@ Wire::Message RoundTrip(Wire::Message message, std::uint32_t sequence = 0, std::
     return decoded;
 }
 
-// Whether `text` is well-formed UTF-8 (enough for the cuts made here).
-bool IsUtf8(const std::string& text)
+BreakStartInfo SampleStart(bool spin = false)
 {
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const std::size_t length = lead < 0x80 ? 1 : (lead >> 5) == 6 ? 2 : (lead >> 4) == 14 ? 3 : (lead >> 3) == 30 ? 4 : 0;
-        if (length == 0 || i + length > text.size())
-            return false;
-        for (std::size_t k = 1; k < length; ++k)
-            if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80)
-                return false;
-        i += length;
-    }
-    return true;
-}
-
-BreakStartInfo SampleStart()
-{
-    BreakStartInfo info;
-    info.delay = 2500;
-    info.mainWindow = QRect(-40, 25, 1024, 768);
-    info.allowBreak = true;
-    info.showGauge = true;
-    info.infoText = "Kalibrierung läuft";
-    info.stopQuestion = "Wirklich abbrechen?";
-    info.stopTitle = "Modell";
-    info.stopButton = "Halt";
-    return info;
+    // A spinning client here has neither stop button, gauge nor main window.
+    return {2500, spin ? QRect() : QRect(-40, 25, 1024, 768), !spin, spin, !spin, "Kalibrierung läuft",
+            "Wirklich abbrechen?", "Modell", "Halt"};
 }
 
 } // namespace
 
 TEST(BreakWireTest, EveryMessageSurvivesTheWireWithItsFixedSize)
 {
-    BreakStartInfo spinning = SampleStart();
-    spinning.showSpin = true;
-    spinning.allowBreak = spinning.showGauge = false;
-    spinning.mainWindow = QRect();  // no main window
+    auto numbered = [](Wire::Message message, std::uint32_t sequence) {
+        message.sequence = sequence;
+        return message;
+    };
     const struct { Wire::Message message; std::size_t size; } rows[] = {
         {Wire::Make(Wire::eFinish, 7), 16},
         {Wire::Make(Wire::eSpinStep, 8), 16},
@@ -85,22 +60,18 @@ TEST(BreakWireTest, EveryMessageSurvivesTheWireWithItsFixedSize)
         {Wire::Make(Wire::eAcknowledge, 0xFFFFFFFFu), 16},
         {Wire::Make(Wire::eStopConfirmed, 0, 42), 16},
         {Wire::Make(Wire::ePressStop, 12), 16},
-        {Wire::MakeGaugeValue(-0.125f), 20},
-        {Wire::MakeGaugeRange(-3.5f, 1e6f), 24},
-        {Wire::MakeTitle("Phase 2 – Ausgleich"), 16 + Wire::kTextSize},
-        {Wire::MakeStart(SampleStart()), Wire::kStartRecordSize},
-        {Wire::MakeStart(spinning), Wire::kStartRecordSize},
+        {numbered(Wire::MakeGaugeValue(-0.125f), 13), 20},
+        {numbered(Wire::MakeGaugeRange(-3.5f, 1e6f), 14), 24},
+        {numbered(Wire::MakeTitle("Phase 2 – Ausgleich"), 15), 16 + Wire::kTextSize},
+        {numbered(Wire::MakeStart(SampleStart()), 16), Wire::kStartRecordSize},
+        {numbered(Wire::MakeStart(SampleStart(true)), 17), Wire::kStartRecordSize},
     };
-    std::uint32_t sequence = 13;
     for (const auto& row : rows) {
         SCOPED_TRACE(Show(row.message));
-        Wire::Message expected = row.message;
-        expected.sequence = expected.sequence ? expected.sequence : sequence;
         std::size_t size = 0;
-        EXPECT_EQ(Show(RoundTrip(row.message, expected.sequence, &size)), Show(expected));
+        EXPECT_EQ(Show(RoundTrip(row.message, &size)), Show(row.message));
         EXPECT_EQ(size, row.size);
         EXPECT_EQ(Wire::RecordSize(row.message.type), row.size);
-        ++sequence;
     }
     // A start's delay is its argument, whatever the message said.
     Wire::Message start = Wire::MakeStart(SampleStart());
@@ -119,16 +90,11 @@ TEST(BreakWireTest, LongTextsAreCutAtACharacterBoundary)
                 text += character;
             SCOPED_TRACE(character + " shifted by " + std::to_string(shift));
             const std::string title = RoundTrip(Wire::MakeTitle(text)).text;
-            EXPECT_LE(title.size(), limit);
-            EXPECT_GT(title.size(), limit - character.size());
-            EXPECT_TRUE(IsUtf8(title));
-            EXPECT_EQ(text.compare(0, title.size(), title), 0) << "a prefix of the text";
-
+            EXPECT_EQ(title, text.substr(0, shift + (limit - shift) / character.size() * character.size()));
             BreakStartInfo info = SampleStart();
             info.stopQuestion = text;
             const BreakStartInfo got = RoundTrip(Wire::MakeStart(info)).start;
-            EXPECT_EQ(got.stopQuestion, title);
-            EXPECT_EQ(got.stopTitle, "Modell") << "the next field is intact";
+            EXPECT_EQ(got.stopQuestion + "|" + got.stopTitle, title + "|Modell") << "the next field is intact";
         }
     }
     const std::string exact(limit, 'x');
@@ -136,7 +102,6 @@ TEST(BreakWireTest, LongTextsAreCutAtACharacterBoundary)
     EXPECT_EQ(RoundTrip(Wire::MakeTitle(exact + "y")).text, exact);
     EXPECT_EQ(Wire::CutText(std::string("ab\0cd", 5), 10), "ab") << "a C text ends at its NUL";
     EXPECT_EQ(Wire::CutText("€", 2), "");
-    EXPECT_EQ(RoundTrip(Wire::MakeTitle("")).text, "");
 }
 
 TEST(BreakWireTest, RecordsOfAnotherVersionOrShapeAreRefusedAndChangeNothing)
@@ -144,19 +109,19 @@ TEST(BreakWireTest, RecordsOfAnotherVersionOrShapeAreRefusedAndChangeNothing)
     Wire::Buffer buffer;
     const std::size_t size = Wire::Encode(Wire::MakeGaugeValue(0.5f), buffer);
     Wire::Message untouched = Wire::MakeTitle("unchanged");
-    auto decode = [&](const Wire::Buffer& record, std::size_t length) {
-        return Wire::Decode(record.data(), length, untouched);
-    };
     auto withWord = [&](std::size_t at, std::uint32_t word) {
         Wire::Buffer changed = buffer;
         std::memcpy(changed.data() + at, &word, 4);
         return changed;
     };
+    auto decode = [&](const Wire::Buffer& record, std::size_t length = 0) {
+        return Wire::Decode(record.data(), length ? length : size, untouched);
+    };
     EXPECT_EQ(buffer, withWord(0, Wire::kMagic | Wire::kVersion));
     for (const std::uint32_t version : {0u, Wire::kVersion + 1, 0xFFu})
-        EXPECT_EQ(decode(withWord(0, Wire::kMagic | version), size), Wire::eWrongVersion) << version;
-    EXPECT_EQ(decode(withWord(0, (Wire::kMagic ^ 0x01000000u) | Wire::kVersion), size), Wire::eMalformed);
-    EXPECT_EQ(decode(withWord(4, 0x409), size), Wire::eMalformed) << "unknown type";
+        EXPECT_EQ(decode(withWord(0, Wire::kMagic | version)), Wire::eWrongVersion) << version;
+    EXPECT_EQ(decode(withWord(0, (Wire::kMagic ^ 0x01000000u) | Wire::kVersion)), Wire::eMalformed);
+    EXPECT_EQ(decode(withWord(4, 0x409)), Wire::eMalformed) << "unknown type";
     for (const std::size_t length : {size - 1, size + 4, std::size_t(8)})
         EXPECT_EQ(decode(buffer, length), Wire::eMalformed) << length;
     EXPECT_EQ(Wire::Decode(nullptr, 0, untouched), Wire::eMalformed);
