@@ -1,14 +1,24 @@
-// TsGauge (frame arithmetic, colour cycle, caption, what a frame paints) and TsXTPGauge (percentages,
-// one update per change of position).
+// The bars and spin indicators: TsGauge (frame arithmetic, colour cycle, caption) and TsXTPGauge
+// (percentages, one update per change of position); IndeterminateProgressCtrl (colour steps, moving
+// bands) with ProgressDlg; SpinWindow (100 ms rule, rounds, colour walk, stripes) and Spinner (250 ms
+// rule, six turning frames and one at rest); and what each really paints.
 
 #include "ProgressTestSupport.h"
 
+#include <KORVAutlwin/progress/IndeterminateProgressCtrl.h>
+#include <KORVAutlwin/progress/ProgressDlg.h>
+#include <KORVAutlwin/progress/SpinWindow.h>
+#include <KORVAutlwin/progress/Spinner.h>
 #include <KORVAutlwin/progress/TsGauge.h>
 #include <KORVAutlwin/progress/TsXTPGauge.h>
+#include <KORVAutlwin/toolkit/DisplayColor.h>
 #include <KORVAutlwin/toolkit/LogFont.h>
 
 #include <QSignalSpy>
 #include <QTimerEvent>
+
+#include <map>
+#include <set>
 
 namespace {
 
@@ -58,6 +68,12 @@ protected:
             QTimerEvent event(gauge.GetAnimationTimerId());
             QCoreApplication::sendEvent(&gauge, &event);
         }
+    }
+    // A round of the spin window's animation, as its timer would deliver it.
+    static void Round(SpinWindow& spin)
+    {
+        QTimerEvent event(spin.GetAnimationTimerId());
+        QCoreApplication::sendEvent(&spin, &event);
     }
     static QRgb Pixel(const QImage& image, int x, int y) { return image.pixel(x, y) & 0xFFFFFF; }
     static QRgb Rgb(COLORREF color) { return qRgb(GetRValue(color), GetGValue(color), GetBValue(color)) & 0xFFFFFF; }
@@ -186,6 +202,291 @@ TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPositi
         gauge.SetValue(static_cast<float>(step));
     expectUpdates(2 + 11);
     gauge.removeEventFilter(&paints);
+}
+
+using Ctrl = IndeterminateProgressCtrl;
+
+// The pen that a client pixel should show (-1: the background): bands repeat
+// every 25 pixels along the top edge and lean right by one pixel per row; of a
+// band's columns k = 1 .. 10, column 6 is left to the background.
+int ExpectedPen(const QRect& client, int offset, int x, int y)
+{
+    constexpr int kPenOfColumn[11] = {-1, Ctrl::eDarker2, Ctrl::eDarker1, Ctrl::eBase, Ctrl::eLighter1, Ctrl::eLighter2,
+                                      -1, Ctrl::eLighter2, Ctrl::eLighter1, Ctrl::eBase, Ctrl::eDarker1};
+    const int k = ((x - client.left() - (y - client.top()) - offset) % Ctrl::kBandSpacing + Ctrl::kBandSpacing) %
+                  Ctrl::kBandSpacing;
+    return k >= 1 && k <= 10 ? kPenOfColumn[k] : -1;
+}
+
+TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAtBothEnds)
+{
+    const struct { COLORREF color; int delta; COLORREF expected; } steps[] = {
+        {RGB(10, 100, 250), 51, RGB(61, 151, 255)}, {RGB(10, 100, 250), -51, RGB(0, 49, 199)},
+        {RGB(0, 0, 0), -51, RGB(0, 0, 0)},          {RGB(255, 255, 255), 51, RGB(255, 255, 255)},
+        {RGB(204, 205, 0), 51, RGB(255, 255, 51)},  // no carry into the next channel
+    };
+    for (const auto& step : steps)
+        EXPECT_EQ(Ctrl::AddToChannels(step.color, step.delta), step.expected) << step.color << " " << step.delta;
+    EXPECT_EQ(Ctrl::AddToChannels(RGB(255, 255, 255), 51) >> 24, 0u) << "the unused high byte stays clear";
+
+    // Two steps darker, the base, two steps lighter, and the background a third lighter.
+    const struct { COLORREF base; std::array<COLORREF, Ctrl::ePenCount> pens; COLORREF background; } colours[] = {
+        {RGB(0, 120, 215), {RGB(0, 18, 113), RGB(0, 69, 164), RGB(0, 120, 215), RGB(51, 171, 255), RGB(102, 222, 255)},
+         RGB(153, 255, 255)},
+        {RGB(0, 0, 0), {RGB(0, 0, 0), RGB(0, 0, 0), RGB(0, 0, 0), RGB(51, 51, 51), RGB(102, 102, 102)}, RGB(153, 153, 153)},
+        {RGB(255, 255, 255), {RGB(153, 153, 153), RGB(204, 204, 204), RGB(255, 255, 255), RGB(255, 255, 255),
+                              RGB(255, 255, 255)}, RGB(255, 255, 255)},
+    };
+    for (const auto& colour : colours) {
+        const Ctrl::Colors derived = Ctrl::DeriveColors(colour.base);
+        EXPECT_EQ(derived.pens, colour.pens) << colour.base;
+        EXPECT_EQ(derived.background, colour.background) << colour.base;
+    }
+}
+
+TEST(IndeterminateProgressArithmeticTest, BandsRepeatEvery25PixelsAndCoverEveryPixelWithTheRightPen)
+{
+    for (int offset = 0; offset < Ctrl::kBandSpacing - 1; ++offset)
+        EXPECT_EQ(Ctrl::NextOffset(offset), offset + 1);
+    EXPECT_EQ(Ctrl::NextOffset(24), 0);
+
+    // 100 / 25 + 2 bands of nine lines; one more in front once the bar is higher than 16 pixels.
+    EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 16), 24).size(), 6u * 9u);
+    EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 17), 0).size(), 7u * 9u);
+
+    // For every offset and several shapes, bars higher than 16 pixels included,
+    // each client pixel is drawn by exactly the pen of its column.
+    for (const QRect client : {QRect(0, 0, 100, 12), QRect(3, 5, 37, 16), QRect(-4, 2, 260, 1), QRect(0, 0, 24, 9),
+                               QRect(0, 0, 60, 17), QRect(2, 1, 30, 41), QRect(0, 0, 200, 90)}) {
+        for (int offset = 0; offset < Ctrl::kBandSpacing; ++offset) {
+            std::map<std::pair<int, int>, int> drawn;
+            for (const auto& line : Ctrl::BandLines(client, offset))
+                for (int step = 0; step < line.to.y() - line.from.y(); ++step)
+                    drawn[{line.from.x() + step, line.from.y() + step}] = line.pen;
+            for (int y = client.top(); y <= client.bottom(); ++y)
+                for (int x = client.left(); x <= client.right(); ++x) {
+                    const auto found = drawn.find({x, y});
+                    ASSERT_EQ(found == drawn.end() ? -1 : found->second, ExpectedPen(client, offset, x, y))
+                        << "client " << client.width() << "x" << client.height() << " offset " << offset << " at "
+                        << x << "," << y;
+                }
+        }
+    }
+}
+
+
+TEST_F(GaugeWidgetTest, PaintsTheBandsInTheColoursOfThePalettesHighlightAndMovesThemOnTimer13)
+{
+    Ctrl ctrl;
+    QPalette palette = ctrl.palette();
+    palette.setColor(QPalette::Highlight, QColor(200, 40, 90));
+    ctrl.setPalette(palette);
+    EXPECT_EQ(ctrl.GetColors().pens[Ctrl::eBase], RGB(200, 40, 90));
+    EXPECT_EQ(ctrl.GetColors().background, RGB(255, 193, 243));
+    ctrl.resize(100, 12);
+    ctrl.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&ctrl));
+
+    const QImage image = ctrl.grab().toImage();
+    const qreal ratio = image.devicePixelRatio();
+    const int offset = ctrl.GetOffset();  // what this frame was painted with
+    const Ctrl::Colors& colors = ctrl.GetColors();
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 100; ++x) {
+            const int pen = ExpectedPen(QRect(0, 0, 100, 12), offset, x, y);
+            const COLORREF painted = korva::FromQColor(QColor(image.pixel(int(x * ratio), int(y * ratio))));
+            ASSERT_EQ(painted, pen < 0 ? colors.background : colors.pens[pen]) << x << "," << y << " offset " << offset;
+        }
+
+    ctrl.OnTimer(Ctrl::kTimerId + 1);
+    EXPECT_EQ(ctrl.GetOffset(), offset);
+    ctrl.OnTimer(Ctrl::kTimerId);
+    EXPECT_EQ(ctrl.GetOffset(), Ctrl::NextOffset(offset));
+    // The real timer, every 50 ms.
+    const int before = ctrl.GetOffset();
+    QTest::qWait(300);
+    EXPECT_NE(ctrl.GetOffset(), before);
+}
+
+TEST_F(GaugeWidgetTest, ProgressDlgIsShownModelessOnTopAlwaysTitledAndStepsAround)
+{
+    ProgressDlg dialog("Importing", nullptr);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_FALSE(dialog.isModal());
+    EXPECT_TRUE(dialog.windowFlags() & Qt::WindowStaysOnTopHint);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Importing"));
+    for (const char* title : {static_cast<const char*>(nullptr), ""})
+        EXPECT_FALSE(ProgressDlg(title, nullptr).windowTitle().isEmpty());
+
+    QProgressBar* bar = dialog.GetProgressCtrl();
+    dialog.SetRange(0, 50);
+    EXPECT_EQ(dialog.SetPos(70), 0);
+    EXPECT_EQ(bar->value(), 50) << "held at the upper end";
+    EXPECT_EQ(dialog.SetPos(-5), 50);
+    EXPECT_EQ(bar->value(), 0);
+    // Step 10 at start; past the upper end it comes round from the lower end.
+    dialog.SetPos(45);
+    EXPECT_EQ(dialog.StepIt(), 45);
+    EXPECT_EQ(bar->value(), 5);
+    EXPECT_EQ(dialog.SetStep(-20), 10);
+    EXPECT_EQ(dialog.StepIt(), 5);
+    EXPECT_EQ(bar->value(), 35) << "and before the lower end from the upper end";
+    // A narrower range takes the position along; an empty one pins it.
+    dialog.SetRange(10, 20);
+    EXPECT_EQ(std::make_tuple(bar->value(), bar->minimum(), bar->maximum()), std::make_tuple(20, 10, 20));
+    EXPECT_EQ(ProgressDlg::SteppedPosition(7, 3, 7, 7), 7);
+}
+
+TEST(SpinArithmeticTest, StepsOnlyAfterTheirIntervalAlsoAcrossTheClockWrap)
+{
+    // SpinWindow: more than 100 ms; position 9 wraps to 0.
+    SpinWindow::SpinState state;
+    state.lastTick = 1000;
+    EXPECT_FALSE(SpinWindow::StepState(state, 1100));
+    EXPECT_TRUE(SpinWindow::StepState(state, 1101));
+    EXPECT_EQ(std::make_pair(state.position, state.lastTick), std::make_pair(1, 1101u));
+    state.position = 9;
+    state.lastTick = 0xFFFFFFF0u;
+    EXPECT_FALSE(SpinWindow::StepState(state, 0x50u));  // 96 ms later
+    EXPECT_TRUE(SpinWindow::StepState(state, 0x60u));   // 112 ms later
+    EXPECT_EQ(state.position, 0) << "9 wraps to 0";
+
+    // Spinner: more than 250 ms; from rest the turning starts at 0, and the
+    // rest frame never comes by turning.
+    int frame = Spinner::kRestFrame;
+    std::uint32_t lastTick = 1000;
+    EXPECT_FALSE(Spinner::StepFrame(frame, lastTick, 1250));
+    EXPECT_EQ(std::make_pair(frame, lastTick), std::make_pair(Spinner::kRestFrame, 1000u));
+    std::vector<int> seen;
+    for (std::uint32_t now = 1251; seen.size() < 8; now += 251) {
+        ASSERT_TRUE(Spinner::StepFrame(frame, lastTick, now));
+        seen.push_back(frame);
+    }
+    EXPECT_EQ(seen, (std::vector<int>{0, 1, 2, 3, 4, 5, 0, 1}));
+    EXPECT_EQ(lastTick, 1251u + 7 * 251);
+    lastTick = 0xFFFFFF80u;
+    EXPECT_FALSE(Spinner::StepFrame(frame, lastTick, 0x70u));  // 240 ms later
+    EXPECT_TRUE(Spinner::StepFrame(frame, lastTick, 0x80u));   // 256 ms later
+}
+
+TEST(SpinArithmeticTest, RoundsMoveTheHueWhenVisibleAndTheStripesEverySecondRoundWhichStartLeftOfTheWindow)
+{
+    SpinWindow::SpinState state;
+    // Not running: only the hue moves, and only while visible.
+    SpinWindow::AnimateState(state, true, 500);
+    SpinWindow::AnimateState(state, false, 550);
+    EXPECT_EQ(std::make_pair(state.hue, state.position), std::make_pair(1, 0));
+
+    // Running, rounds every 50 ms from lastTick 0: a step is due only on even
+    // rounds, and only once more than 100 ms have passed, so every 200 ms here.
+    state = SpinWindow::SpinState{};
+    state.running = true;
+    std::vector<int> positions;
+    for (std::uint32_t round = 1; round <= 8; ++round) {
+        SpinWindow::AnimateState(state, true, round * 50);
+        positions.push_back(state.position);
+    }
+    EXPECT_EQ(positions, (std::vector<int>{0, 0, 0, 1, 1, 1, 1, 2}));
+    EXPECT_EQ(state.hue, 8);
+    // The hue walks the circle in 73 steps of 5 degrees, at low saturation.
+    state.hue = SpinWindow::kHueSteps - 1;
+    SpinWindow::AnimateState(state, true, 1000);
+    EXPECT_EQ(state.hue, 0);
+    const std::pair<int, COLORREF> colours[] = {{0, RGB(178, 124, 124)}, {6, RGB(178, 151, 124)},
+                                                {24, RGB(124, 178, 124)}, {48, RGB(124, 124, 178)},
+                                                {72, RGB(178, 124, 124)}};
+    for (const auto& [hue, colour] : colours)
+        EXPECT_EQ(SpinWindow::StripeColor(hue), colour) << hue;
+
+    // Height 10, position 0: the stripe at 0 is coloured; two steps back its
+    // lower left corner reaches the left edge.
+    const auto stripes = SpinWindow::Stripes(0, 20, 10, 0);
+    ASSERT_EQ(stripes.size(), 6u);
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(stripes[i].left, 5 * i - 10) << i;
+        EXPECT_EQ(stripes[i].colored, i % 2 == 0) << i;
+    }
+    // For every position and several shapes: the stripes cover every column of
+    // every row, and a column's colour depends on its offset from the position only.
+    const int left = 7, right = 107, width = SpinWindow::kStripeWidth;
+    for (int height : {1, 4, 16, 23}) {
+        for (int position = 0; position < SpinWindow::kPositions; ++position) {
+            SCOPED_TRACE(testing::Message() << "height " << height << " position " << position);
+            const auto all = SpinWindow::Stripes(left, right, height, position);
+            ASSERT_FALSE(all.empty());
+            EXPECT_TRUE(all.front().left + height <= left && all.front().left + height > left - width);
+            EXPECT_TRUE(all.back().left < right && all.back().left + width >= right);
+            for (const auto& stripe : all) {
+                const int offset = stripe.left - (left + position);
+                EXPECT_EQ(offset % width, 0);
+                EXPECT_EQ(stripe.colored, (offset / width) % 2 == 0);
+            }
+        }
+    }
+}
+
+
+TEST_F(GaugeWidgetTest, SpinWindowPaintsLeaningStripesInTheCurrentColourOnTheButtonFace)
+{
+    SpinWindow spin;
+    EXPECT_NE(spin.GetAnimationTimerId(), 0) << "rounds run for the window's life";
+    Round(spin);
+    EXPECT_EQ(spin.GetHueIndex(), 0) << "hidden";
+    spin.resize(100, 16);
+    spin.show();
+    Round(spin);
+    EXPECT_EQ(spin.GetHueIndex(), 1) << "visible";
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&spin));
+    for (int i = 0; i < 24; ++i)
+        Round(spin);
+    const QColor stripe = korva::ToQColor(SpinWindow::StripeColor(spin.GetHueIndex()));
+    const QColor face = spin.palette().color(korva::SysColorRole(COLOR_BTNFACE));
+    ASSERT_NE(stripe.rgb(), face.rgb());
+
+    const QImage image = spin.grab().toImage();
+    const qreal ratio = image.devicePixelRatio();
+    auto at = [&](int x, int y) { return QColor(image.pixel(int(x * ratio), int(y * ratio))).rgb(); };
+    // Position 0: coloured stripes start at 0, 10, 20 ... on the top row,
+    // and the same stripes lean right by the height on the way down.
+    for (const auto& [x, y, coloured] : {std::tuple{22, 0, true}, {27, 0, false}, {32, 0, true}, {30, 8, true},
+                                         {35, 8, false}})
+        EXPECT_EQ(at(x, y), coloured ? stripe.rgb() : face.rgb()) << x << "," << y;
+    // The left edge is covered too, by a stripe that begins outside the window.
+    EXPECT_EQ(at(0, 12), at(10, 12));
+}
+
+TEST_F(GaugeWidgetTest, SpinnerStepsRestsAndPaintsOneOfSevenDifferentFrames)
+{
+    Spinner spinner;
+    EXPECT_EQ(spinner.GetFrame(), Spinner::kRestFrame);
+    // Rest counts as a move: a step right after it stays put.
+    spinner.Rest();
+    spinner.Step();
+    EXPECT_EQ(spinner.GetFrame(), Spinner::kRestFrame);
+    std::this_thread::sleep_for(std::chrono::milliseconds(Spinner::kStepInterval + 20));
+    spinner.Step();
+    spinner.Step();  // too soon after the first
+    EXPECT_EQ(spinner.GetFrame(), 0);
+    spinner.Rest();
+    EXPECT_EQ(spinner.GetFrame(), Spinner::kRestFrame);
+
+    std::set<QByteArray> pictures;
+    for (int index = 0; index < Spinner::kFrameCount; ++index) {
+        const QImage& image = Spinner::FrameImage(index);
+        pictures.insert(QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()));
+    }
+    EXPECT_EQ(pictures.size(), std::size_t(Spinner::kFrameCount)) << "seven different pictures";
+    // What is on the widget is the frame's picture, inside the margins.
+    spinner.setContentsMargins(2, 3, 2, 3);
+    EXPECT_EQ(spinner.sizeHint(), QSize(Spinner::kFrameSize + 4, Spinner::kFrameSize + 6));
+    spinner.resize(spinner.sizeHint());
+    const QImage grabbed = spinner.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QImage expected = Spinner::FrameImage(Spinner::kRestFrame);
+    int differing = 0;
+    for (int y = 0; y < Spinner::kFrameSize; ++y)
+        for (int x = 0; x < Spinner::kFrameSize; ++x)
+            differing += qAlpha(expected.pixel(x, y)) == 255 && grabbed.pixel(x + 2, y + 3) != expected.pixel(x, y);
+    EXPECT_EQ(differing, 0);
 }
 
 } // namespace
