@@ -319,7 +319,6 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
     for (int i = 0; text.size() < 20000; ++i)
         text += std::to_string(i) + " ";
     WriteThroughDevice(dir.File("a.cf"), text);
-
     // The stream outlives the reader that opened it.
     const std::shared_ptr<GsfInput> input = ArtStorageReader(dir.File("a.cf")).OpenStream("s");
     ASSERT_TRUE(input);
@@ -328,14 +327,13 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
     EXPECT_EQ(text, std::string(std::istreambuf_iterator<char>(in), {}));
     in.clear();
     in.seekg(6000);
-    EXPECT_EQ(6000, in.tellg());
-    EXPECT_EQ(text[6000], in.get());
-    in.seekg(-3, std::ios_base::end);
-    std::string tail(3, '\0');
-    in.read(tail.data(), 3);
-    EXPECT_EQ(text.substr(text.size() - 3), tail);
     in.seekg(-10, std::ios_base::cur);
-    EXPECT_EQ(static_cast<std::streamoff>(text.size() - 10), static_cast<std::streamoff>(in.tellg()));
+    EXPECT_EQ(5990, in.tellg());
+    in.seekg(-3, std::ios_base::end);
+    EXPECT_EQ(text.substr(text.size() - 3), std::string(std::istreambuf_iterator<char>(in), {}));
+    // Through a stream with bad-bit exceptions, the device's failure arrives as itself.
+    in.clear();
+    EXPECT_THROW(in.seekg(-1, std::ios_base::beg), IStreamDevice::IStreamDeviceError);
 
     IStreamDevice device(input.get());
     device.seek(0, std::ios_base::end);
@@ -349,16 +347,16 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
     }
     EXPECT_THROW(device.seek(1, std::ios_base::end), std::ios_base::failure);
     EXPECT_THROW(device.write("x", 1), IStreamDevice::IStreamDeviceError) << "a device for reading writes nothing";
-    // Through a stream with bad-bit exceptions, the device's failure arrives as itself.
-    EXPECT_THROW(in.seekg(-1, std::ios_base::beg), IStreamDevice::IStreamDeviceError);
 }
 
-TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommit)
+TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommitAndFilesKeptOpenAreOpenedAfreshWhenReplaced)
 {
     TempDir dir;
-    WriteThroughDevice(dir.File("a.cf"), "old");
+    const std::string path = dir.File("a.cf");
+    WriteThroughDevice(path, "old");
+    EXPECT_EQ("old", ReadOf(path));
     {
-        ArtStorageWriter writer(dir.File("a.cf"));
+        ArtStorageWriter writer(path);
         ASSERT_TRUE(writer.WriteStream("s", "new", 3));
         // Names the format cannot hold, and doubles, are refused.
         for (const std::string& name : {std::string(), std::string("s"), std::string(32, 'n')})
@@ -366,38 +364,27 @@ TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommit)
         EXPECT_TRUE(writer.WriteStream(std::string(31, 'n'), "", 0));
         // Not committed: dropped, without a file left behind.
     }
-    EXPECT_EQ("old", ReadOf(dir.File("a.cf")));
     EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(dir.Path()), {}));
     {
-        ArtStorageWriter writer(dir.File("a.cf"));
-        ArtStorageReader old(dir.File("a.cf"));
+        ArtStorageWriter writer(path);
+        ArtStorageReader old(path);
         ASSERT_TRUE(writer.WriteStream("t", "added", 5) && writer.CopyMissing(old) && writer.Commit());
         EXPECT_FALSE(writer.Commit());
     }
-    ArtStorageReader reader(dir.File("a.cf"));
+    ArtStorageReader reader(path);
     EXPECT_EQ((std::vector<std::string>{"s", "t"}), reader.GetStreamNames());
+    EXPECT_EQ("old", ReadOf(path));
     std::string content;
-    ASSERT_TRUE(reader.ReadStream("s", content));
-    EXPECT_EQ("old", content);
     EXPECT_FALSE(reader.ReadStream("s", content, 2));
     EXPECT_FALSE(reader.ReadStream("u", content));
     EXPECT_FALSE(ArtStorageWriter(dir.File("missing/a.cf")).IsOpen());
-}
 
-TEST(ArtStreamDeviceTest, FilesKeptOpenForPicturesAreOpenedAfreshWhenReplaced)
-{
-    TempDir dir;
-    const std::string path = dir.File("a.cf");
-    WriteThroughDevice(path, "first");
-    EXPECT_EQ("first", ReadOf(path));
-    // Overwritten in place by a copy of another file.
+    // The file kept open for its pictures is overwritten in place by a copy of another, then removed.
     WriteThroughDevice(dir.File("b.cf"), "second, in place");
     WriteFile(path, ReadFile(dir.File("b.cf")));
     EXPECT_EQ("second, in place", ReadOf(path));
     std::remove(path.c_str());
     EXPECT_EQ("(unreadable)", ReadOf(path));
-    EXPECT_EQ("(unreadable)", ReadOf(dir.File("b.cf"), "t"));
-
     // More files than are kept open, read from several threads at once.
     for (int i = 0; i < 6; ++i)
         WriteThroughDevice(dir.File(std::to_string(i) + ".cf"), "file " + std::to_string(i));
