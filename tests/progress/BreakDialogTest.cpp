@@ -1,6 +1,5 @@
-// BreakDialog as a transport drives it: the delay, the stop question with every
-// way of answering it (a Finish while it is open included), the three layouts
-// and the shuffle of the paintings. The art is the collection shipped beside the test program.
+// BreakDialog as a transport drives it (the delay, every way of answering the stop question, the three
+// layouts, the shuffle of the paintings), and in the client's own process, served by the work's pumping.
 
 #include "ProgressTestSupport.h"
 
@@ -87,8 +86,6 @@ TEST_F(BreakDialogTest, ComesUpAfterTheDelayOrAtShowWindowCentredOnTheMainWindow
     EXPECT_EQ(mDialog->GetStopButton()->text(), "Halt");
     const QPoint offset = mDialog->frameGeometry().center() - info.mainWindow.center();
     EXPECT_TRUE(std::abs(offset.x()) <= 2 && std::abs(offset.y()) <= 2) << offset.x() << "," << offset.y();
-    mDialog->SetTitle("Second pass");
-    EXPECT_EQ(mDialog->windowTitle(), "Second pass");
     mDialog->Finish();
     EXPECT_TRUE(GoesAway(mDialog.get()));
     EXPECT_FALSE(mDialog->IsServing());
@@ -302,12 +299,9 @@ TEST(BreakDialogShuffleTest, IsAPermutationWithOneRandCallPerPositionAndMoreBeyo
     }
 }
 
-// The break window in the client's own process, served only by the pumping of the work's reporting
-// calls; the user's key and click come through the platform's queue, as while the main thread computes.
-class BreakDialogInProcessTest : public ProgressFrameFixture
-{
-};
+using BreakDialogInProcessTest = ProgressFrameFixture;
 
+// The user's key and click come through the platform's queue, as while the main thread computes.
 TEST_F(BreakDialogInProcessTest, EscapeAnsweredNoGoesOnAStopConfirmedMakesTheNextSetFalseAndOtherWindowsGetNoInput)
 {
     MakeFrame();
@@ -316,8 +310,7 @@ TEST_F(BreakDialogInProcessTest, EscapeAnsweredNoGoesOnAStopConfirmedMakesTheNex
     auto progress = std::make_unique<Progress>(nullptr, "Computing", 0.0f, 1000.0f, false, true, true,
                                                "Stop computing?", "Computing", "Stop", 50);
     BreakDialog* dialog = window.GetDialog();
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(window.GetWidget(), dialog);
+    ASSERT_TRUE(dialog && window.GetWidget() == dialog);
     EventCounter frameKeys(QEvent::KeyPress);
     for (QWidget* widget : mFrame->findChildren<QWidget*>())
         widget->installEventFilter(&frameKeys);
@@ -361,13 +354,10 @@ TEST_F(BreakDialogInProcessTest, EscapeAnsweredNoGoesOnAStopConfirmedMakesTheNex
     })) << "the click never reached the stop button";
     EXPECT_FALSE(progress->NextSpin());
     EXPECT_EQ(dialog->GetGauge()->GetCaption(), "Stopping...");
-
     // The end of the work ends the service; the next client is not stopped by the last one's answer.
     progress.reset();
     EXPECT_FALSE(dialog->IsServing());
-    Progress next(nullptr, "Again", 0.0f, 1.0f, false, true, true, nullptr, nullptr, nullptr, 60000);
-    EXPECT_TRUE(next.Set(0.5f));
-    EXPECT_EQ(window.GetDialog(), dialog);
+    EXPECT_TRUE(Progress(nullptr, "Again", 0.0f, 1.0f, false, true, true).Set(0.5f));
 }
 
 } // namespace
