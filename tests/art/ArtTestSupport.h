@@ -7,7 +7,7 @@
 #include <KORVAutlwin/art/ArtInfo.h>
 #include <KORVAutlwin/art/ArtStorageWriter.h>
 
-#include <QColor>
+#include <QPainter>
 
 #include <memory>
 #include <stdexcept>
@@ -20,9 +20,7 @@ inline std::string WritePicture(const std::string& path, int width, int height, 
 {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(right);
-    for (int x = 0; x < width / 2; ++x)
-        for (int y = 0; y < height; ++y)
-            image.setPixelColor(x, y, left);
+    QPainter(&image).fillRect(0, 0, width / 2, height, left);
     if (!image.save(QString::fromStdString(path), "PNG"))
         throw std::runtime_error("cannot write " + path);
     return path;
@@ -75,8 +73,7 @@ inline std::unique_ptr<const ArtInfo> Read(const std::string& path)
     return std::unique_ptr<const ArtInfo>(ArtInfo::ReadArtInfo(path.c_str()));
 }
 
-/// What a description holds, a line per collection: "artist|life|WxH|PWxPH|portrait|title:stream|...";
-/// without the stream names (made anew for every picture) when `streams` is false.
+/// A line per collection: "artist|life|WxH|PWxPH|portrait|title:stream|..."; no stream names without `streams`.
 inline std::string Describe(const ArtInfo& art, bool streams = true)
 {
     std::string text;
@@ -95,8 +92,8 @@ inline std::string Describe(const ArtInfo& art, bool streams = true)
 inline bool Near(const QImage& image, QPoint at, QColor expected)
 {
     const QColor actual = image.pixelColor(at);
-    return std::abs(actual.red() - expected.red()) < 40 && std::abs(actual.green() - expected.green()) < 40 &&
-           std::abs(actual.blue() - expected.blue()) < 40;
+    return std::max({std::abs(actual.red() - expected.red()), std::abs(actual.green() - expected.green()),
+                     std::abs(actual.blue() - expected.blue())}) < 40;
 }
 
 /// A user channel that keeps what it is told instead of showing it.
