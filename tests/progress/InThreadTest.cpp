@@ -18,10 +18,10 @@ const auto kDone = static_cast<QEvent::Type>(QEvent::registerEventType());
 // Waits, without handling events, until `condition` holds; false after 10 s.
 bool WaitUntil(const std::function<bool()>& condition)
 {
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (!condition() && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(1ms);
-    return condition();
+    for (const auto deadline = std::chrono::steady_clock::now() + 10s; !condition(); std::this_thread::sleep_for(1ms))
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+    return true;
 }
 
 int Nice()
