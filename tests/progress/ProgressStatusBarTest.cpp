@@ -264,7 +264,7 @@ TEST(ProgressMessageLoopTest, PaintsWhileKeyboardInputWaitsAndDoesNothingOffTheM
     EventCounter paints(QEvent::Paint), keys(QEvent::KeyPress);
     window.installEventFilter(&paints);
     qApp->installEventFilter(&keys);
-    QueueKey(&window, Qt::Key_A, false);
+    QueueKey(&window, Qt::Key_A);
     window.update();
     WaitForPumpInterval();
     Progress::MessageLoop();

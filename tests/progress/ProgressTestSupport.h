@@ -51,13 +51,12 @@ inline void QueueClick(QWidget* target)
             Qt::MouseEventNotSynthesized);
 }
 
-/// A key pressed (and released) on the window of `target`, queued by the platform.
-inline void QueueKey(QWidget* target, int key, bool release = true)
+/// A key pressed and released on the window of `target`, queued by the platform.
+inline void QueueKey(QWidget* target, int key)
 {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease})
-        if (type == QEvent::KeyPress || release)
-            Queue::handleKeyEvent<Queue::AsynchronousDelivery>(target->window()->windowHandle(), type, key,
-                                                               Qt::NoModifier, QString(), false, 1);
+        Queue::handleKeyEvent<Queue::AsynchronousDelivery>(target->window()->windowHandle(), type, key,
+                                                           Qt::NoModifier, QString(), false, 1);
 }
 
 /// Clicks the button `answer` (IDYES, IDNO) of a box.
