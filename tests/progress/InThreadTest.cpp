@@ -64,7 +64,7 @@ protected:
     korva::test::EventCounter mReceiver{kDone};
 };
 
-TEST_F(InThreadTest, RunToItsEndPostsOneNoticeButStopBeforeItIsHandledRemovesIt)
+TEST_F(InThreadTest, RunsAtTheLowestNicePriorityPostsOneNoticeAtItsEndButStopBeforeItIsHandledRemovesIt)
 {
     Controlled never;  // would never return unless stopped
     InThread idle(never.Function(), &mReceiver, kDone);
@@ -72,11 +72,17 @@ TEST_F(InThreadTest, RunToItsEndPostsOneNoticeButStopBeforeItIsHandledRemovesIt)
     EXPECT_EQ(idle.get(), 0.0f) << "the stored result, without running";
     EXPECT_EQ(never.calls.load(), 0);
 
-    InThread finished([](bool&) { return 2.5f; }, &mReceiver, kDone);
+    // A thread of its own at nice 19; the caller keeps its priority.
+    const int callerNice = Nice();
+    ASSERT_LT(callerNice, InThread::kThreadNice);
+    std::thread::id runThread;
+    InThread finished([&](bool&) { runThread = std::this_thread::get_id(); return float(Nice()); }, &mReceiver, kDone);
     finished.Start();
     ASSERT_TRUE(WaitUntil([&] { return !finished.IsRunning(); }));
     EXPECT_EQ(mReceiver.count, 0) << "posted, not sent from the thread";
-    EXPECT_EQ(finished.get(), 2.5f);
+    EXPECT_EQ(finished.get(), float(InThread::kThreadNice));
+    EXPECT_NE(runThread, std::this_thread::get_id());
+    EXPECT_EQ(Nice(), callerNice);
     EXPECT_EQ(Deliver(), 1);
     EXPECT_EQ(Deliver(), 1) << "one notice per run";
 
@@ -128,8 +134,7 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     source.Start();
     ASSERT_TRUE(work.Entered());
     InThread copy(source);
-    EXPECT_FALSE(source.HasThread());
-    EXPECT_TRUE(copy.HasThread());
+    EXPECT_TRUE(!source.HasThread() && copy.HasThread());
     source.Stop();  // no longer its thread: the run goes on
     EXPECT_FALSE(work.returned || work.stopsSeen);
     // Assignment stops the target's own run before it takes the other's.
@@ -138,13 +143,11 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     ASSERT_TRUE(otherWork.Entered());
     target = copy;
     EXPECT_EQ(otherWork.stopsSeen.load(), 1);
-    EXPECT_FALSE(copy.HasThread());
-    EXPECT_TRUE(target.HasThread());
+    EXPECT_TRUE(!copy.HasThread() && target.HasThread());
     work.released = true;
     // One result for all three.
     EXPECT_EQ(target.get(), 1.0f);
-    EXPECT_EQ(copy.get(), 1.0f);
-    EXPECT_EQ(source.get(), 1.0f);
+    EXPECT_EQ(std::make_pair(copy.get(), source.get()), std::make_pair(1.0f, 1.0f));
     EXPECT_EQ(Deliver(), 1);
 }
 
@@ -171,20 +174,6 @@ TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromEveryGetUntilTheNextStart)
     EXPECT_THROW(flaky.get(), Exception);
     flaky.Start();
     EXPECT_EQ(flaky.get(), 3.0f);
-}
-
-TEST_F(InThreadTest, RunsOnAThreadOfItsOwnAtTheLowestNicePriority)
-{
-    const int callerNice = Nice();
-    ASSERT_LT(callerNice, InThread::kThreadNice);
-    std::atomic<int> threadNice{0};
-    std::thread::id runThread;
-    InThread thread([&](bool&) { runThread = std::this_thread::get_id(); threadNice = Nice(); return 0.0f; }, nullptr, 0);
-    thread.Start();
-    thread.get();
-    EXPECT_NE(runThread, std::this_thread::get_id());
-    EXPECT_EQ(threadNice, InThread::kThreadNice);
-    EXPECT_EQ(Nice(), callerNice) << "the caller keeps its priority";
 }
 
 } // namespace

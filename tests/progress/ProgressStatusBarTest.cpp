@@ -119,26 +119,6 @@ TEST_F(ProgressStatusBarTest, WithoutApplicationObjectOrMainFrameNothingIsActive
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr) << "no wait cursor either";
 }
 
-TEST_F(ProgressStatusBarTest, InitProgressLeavesAnIdleGaugeInItsPaneOncePerStatusBar)
-{
-    MakeFrame();
-    Progress::InitProgress();
-    TsGauge* gauge = Gauge();
-    ASSERT_NE(gauge, nullptr);
-    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
-    EXPECT_TRUE(gauge->isVisible());
-    EXPECT_EQ(Bar().GetItemRect(Panes().first).width(), Progress::kPaneWidth);
-    Progress::InitProgress();
-    EXPECT_EQ(Gauge(), gauge);
-    // The gauge goes with its frame; the next frame gets a new one.
-    mApp->SetMainWnd(nullptr);
-    mFrame.reset();
-    EXPECT_EQ(Progress::GetGauge(), nullptr);
-    MakeFrame();
-    Progress progress(nullptr, "Again", 0.0f, 1.0f, false, false, true);
-    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), Gauge());
-}
-
 TEST_F(ProgressStatusBarTest, GaugeSpinIndicatorTextAndWaitCursorComeAndGoWithTheActiveObject)
 {
     MakeFrame();
@@ -182,12 +162,16 @@ TEST_F(ProgressStatusBarTest, GaugeSpinIndicatorTextAndWaitCursorComeAndGoWithTh
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(ProgressStatusBarTest, ShortFormRunsTheSpinIndicatorAloneAndGivesTheGaugeBack)
+TEST_F(ProgressStatusBarTest, InitProgressLeavesAnIdleGaugeWhichTheShortFormGivesBackAfterItsSpinIndicator)
 {
     MakeFrame();
     Progress::InitProgress();
     TsGauge* gauge = Gauge();
     ASSERT_NE(gauge, nullptr);
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
+    EXPECT_EQ(Bar().GetItemRect(Panes().first).width(), Progress::kPaneWidth);
+    Progress::InitProgress();
+    EXPECT_EQ(Gauge(), gauge) << "once per status bar";
     {
         Progress progress("Waiting");
         EXPECT_EQ(Panes(), std::make_pair(-1, 0));
@@ -204,6 +188,13 @@ TEST_F(ProgressStatusBarTest, ShortFormRunsTheSpinIndicatorAloneAndGivesTheGauge
     EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
     EXPECT_TRUE(gauge->isVisible());
     EXPECT_EQ(Panes().second, -1);
+    // The gauge goes with its frame; the next frame gets a new one.
+    mApp->SetMainWnd(nullptr);
+    mFrame.reset();
+    EXPECT_EQ(Progress::GetGauge(), nullptr);
+    MakeFrame();
+    Progress progress(nullptr, "Again", 0.0f, 1.0f, false, false, true);
+    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), Gauge());
 }
 
 TEST_F(ProgressStatusBarTest, ShowProgressDialogOffForcesTheStatusBarRoute)
