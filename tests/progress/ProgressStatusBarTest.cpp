@@ -50,7 +50,7 @@ protected:
 
 } // namespace
 
-TEST_F(ProgressStatusBarTest, FirstObjectOnTheMainThreadOwnsTheDisplayAndASecondStaysInactiveEvenAfterItEnds)
+TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOwnsTheDisplayNeverASecondOrACopy)
 {
     MakeFrame();
     // An object on a worker thread shows nothing and never blocks the display.
@@ -64,46 +64,39 @@ TEST_F(ProgressStatusBarTest, FirstObjectOnTheMainThreadOwnsTheDisplayAndASecond
     EXPECT_TRUE(workerSet);
     EXPECT_EQ(Panes().second, -1);
 
-    auto first = std::make_unique<Progress>(nullptr, "First", 0.0f, 1.0f, false, false, true);
+    auto first = std::make_unique<Progress>(nullptr, "First", 0.0f, 4.0f, true, false, true, "Sure?", "Title", "Halt");
     EXPECT_TRUE(first->IsActive());
+    first->PushSubRange(2.0f, 4.0f);
+    first->SetCounter(0.25f);
+    first->Set(0.5f);
     Progress second(nullptr, "Second", 0.0f, 10.0f, true, false, true);
     EXPECT_FALSE(second.IsActive());
     EXPECT_TRUE(second.SetInfoStr("Not shown") && second.Set(4.0f));
+    {
+        // A copy takes the texts, the ranges, the value and the counter along, never the display.
+        Progress copy(*first);
+        EXPECT_FALSE(copy.IsActive());
+        EXPECT_EQ(copy.GetStopButton(), "Halt");
+        EXPECT_FLOAT_EQ(copy.GetValue(), 0.75f);
+        copy.Set(0.0f);
+        EXPECT_FLOAT_EQ(copy.GetValue(), 0.25f);
+        copy.SetInfoStr("From the copy");
+        copy.PopSubRange();
+        EXPECT_EQ(first->GetRanges().size(), 2u);
+        Progress assigned(nullptr, "Other", 0.0f, 1.0f);
+        assigned = *first;
+        EXPECT_FALSE(assigned.IsActive());
+    }
+    // Neither the second object nor the copies touch the first's display, not even at their ends.
+    EXPECT_TRUE(first->IsActive());
     EXPECT_EQ(MessageText(), "First");
-    EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.0f);
+    EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.75f);
+    EXPECT_NE(Panes().second, -1);
     first.reset();
     EXPECT_FALSE(Progress::IsProgressActive() || second.IsActive());
     EXPECT_EQ(MessageText(), Idle());
     // The display is free again, although second still lives.
     EXPECT_TRUE(Progress(nullptr, "Third", 0.0f, 1.0f, false, false, true).IsActive());
-}
-
-TEST_F(ProgressStatusBarTest, CopyOfTheActiveObjectKeepsItsTextsButNeverItsDisplay)
-{
-    MakeFrame();
-    Progress original(nullptr, "Copied", 0.0f, 4.0f, true, false, true, "Sure?", "Title", "Halt", 250);
-    original.PushSubRange(2.0f, 4.0f);
-    original.SetCounter(0.25f);
-    original.Set(0.5f);
-    {
-        Progress copy(original);
-        EXPECT_FALSE(copy.IsActive());
-        EXPECT_EQ(copy.GetStopButton(), "Halt");
-        EXPECT_FLOAT_EQ(copy.GetValue(), 0.75f);
-        copy.Set(0.0f);
-        EXPECT_FLOAT_EQ(copy.GetValue(), 0.25f);  // the counter came along
-        copy.SetInfoStr("From the copy");
-        copy.PopSubRange();
-        EXPECT_EQ(original.GetRanges().size(), 2u);
-        EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.75f);
-        Progress assigned(nullptr, "Other", 0.0f, 1.0f);
-        assigned = original;
-        EXPECT_FALSE(assigned.IsActive());
-    }
-    // The copies' ends leave the original's display alone.
-    EXPECT_TRUE(original.IsActive());
-    EXPECT_NE(Panes().second, -1);
-    EXPECT_EQ(MessageText(), "Copied");
 }
 
 TEST_F(ProgressStatusBarTest, WithoutApplicationObjectOrMainFrameNothingIsActive)
@@ -169,7 +162,6 @@ TEST_F(ProgressStatusBarTest, InitProgressLeavesAnIdleGaugeWhichTheShortFormGive
     TsGauge* gauge = Gauge();
     ASSERT_NE(gauge, nullptr);
     EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
-    EXPECT_EQ(Bar().GetItemRect(Panes().first).width(), Progress::kPaneWidth);
     Progress::InitProgress();
     EXPECT_EQ(Gauge(), gauge) << "once per status bar";
     {
