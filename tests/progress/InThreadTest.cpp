@@ -97,7 +97,7 @@ TEST_F(InThreadTest, RunsAtTheLowestNicePriorityPostsOneNoticeAtItsEndButStopBef
     EXPECT_EQ(stopped.get(), 4.0f);
 }
 
-TEST_F(InThreadTest, StopWaitsForTheFunctionStartStopsARunningRunAndTheDestructorStopsToo)
+TEST_F(InThreadTest, StopWaitsForTheFunctionStartAndDestructorStopARunAndCopiesTakeTheThread)
 {
     Controlled work, other;
     InThread thread(work.Function(), &mReceiver, kDone);
@@ -125,18 +125,16 @@ TEST_F(InThreadTest, StopWaitsForTheFunctionStartStopsARunningRunAndTheDestructo
     }
     EXPECT_TRUE(other.returned && other.stopsSeen == 1);
     EXPECT_EQ(Deliver(), 2);
-}
 
-TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
-{
-    Controlled work, otherWork;
-    InThread source(work.Function(), &mReceiver, kDone);
+    // Copies share the data and take the thread.
+    Controlled shared, otherWork;
+    InThread source(shared.Function(), &mReceiver, kDone);
     source.Start();
-    ASSERT_TRUE(work.Entered());
+    ASSERT_TRUE(shared.Entered());
     InThread copy(source);
     EXPECT_TRUE(!source.HasThread() && copy.HasThread());
     source.Stop();  // no longer its thread: the run goes on
-    EXPECT_FALSE(work.returned || work.stopsSeen);
+    EXPECT_FALSE(shared.returned || shared.stopsSeen);
     // Assignment stops the target's own run before it takes the other's.
     InThread target(otherWork.Function(), nullptr, 0);
     target.Start();
@@ -144,11 +142,11 @@ TEST_F(InThreadTest, CopiesShareTheDataAndTakeTheThread)
     target = copy;
     EXPECT_EQ(otherWork.stopsSeen.load(), 1);
     EXPECT_TRUE(!copy.HasThread() && target.HasThread());
-    work.released = true;
+    shared.released = true;
     // One result for all three.
     EXPECT_EQ(target.get(), 1.0f);
     EXPECT_EQ(std::make_pair(copy.get(), source.get()), std::make_pair(1.0f, 1.0f));
-    EXPECT_EQ(Deliver(), 1);
+    EXPECT_EQ(Deliver(), 3);
 }
 
 TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromEveryGetUntilTheNextStart)
