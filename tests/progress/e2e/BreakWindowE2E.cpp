@@ -20,16 +20,6 @@
 
 #include <unistd.h>
 
-namespace {
-
-void Say(const std::string& line)
-{
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
-}
-
-} // namespace
-
 int main(int argc, char** argv)
 {
     if (argc == 4 && std::strcmp(argv[1], "--grab") == 0) {
@@ -56,10 +46,11 @@ int main(int argc, char** argv)
         // The art layout: no spinner, a gauge, a stop button.
         Progress progress(nullptr, "Break window end-to-end", 0.0f, 3.0f, false, true, true,
                           "Really stop the end-to-end work?", "Stop the end-to-end work", "Stop", 300);
-        Say(std::string("start ") + (progress.Set(0.0f) ? "true" : "false"));
+        std::printf("start %s\n", progress.Set(0.0f) ? "true" : "false");
         volatile double sum = 0.0;
         for (int stretch = 1; stretch <= 3 && !stopped; ++stretch) {
-            Say("busy " + std::to_string(stretch));
+            std::printf("busy %d\n", stretch);
+            std::fflush(stdout);
             // Arithmetic until the marker appears; nothing here lets the event loop run.
             const std::string marker = argv[1] + std::to_string(stretch);
             const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -67,7 +58,8 @@ int main(int argc, char** argv)
                 for (int i = 0; i < 100000; ++i, ++k)
                     sum = sum + std::sin(k * 0.001) * std::cos(k * 0.002);
             stopped = !progress.Set(static_cast<float>(stretch));
-            Say("set " + std::to_string(stretch) + (stopped ? " false" : " true"));
+            std::printf("set %d %s\n", stretch, stopped ? "false" : "true");
+            std::fflush(stdout);
         }
     }
     app.SetMainWnd(nullptr);
