@@ -43,8 +43,7 @@ TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialog)
     for (int run = 0; run < 25; ++run) {
         std::thread::id worker;
         ExecuteWithProgress([&] { worker = std::this_thread::get_id(); }, "Short", nullptr);
-        EXPECT_NE(worker, std::thread::id());
-        EXPECT_NE(worker, std::this_thread::get_id());
+        EXPECT_TRUE(worker != std::thread::id() && worker != std::this_thread::get_id());
     }
     for (QWidget* widget : QApplication::topLevelWidgets())
         EXPECT_EQ(qobject_cast<ProgressDialog*>(widget), nullptr) << "a dialog was left behind";
@@ -52,10 +51,9 @@ TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialog)
 
 TEST_F(ExecuteWithProgressTest, FailureOfTheWorkIsThrownOnTheCallersThread)
 {
-    class DerivedException : public Exception
+    struct DerivedException : Exception
     {
-    public:
-        DerivedException() : Exception("x", Exception("cause")) {}
+        using Exception::Exception;
     };
     // What the call throws: an Exception as a new one with its text (neither the derived class nor
     // the causes come along), anything else, and an empty function, as UnknownException with a text.
@@ -71,7 +69,7 @@ TEST_F(ExecuteWithProgressTest, FailureOfTheWorkIsThrownOnTheCallersThread)
         return "nothing";
     };
     EXPECT_EQ(thrown([] { throw Exception("x"); }), "Exception x");
-    EXPECT_EQ(thrown([] { throw DerivedException(); }), "Exception x");
+    EXPECT_EQ(thrown([] { throw DerivedException("x", Exception("cause")); }), "Exception x");
     EXPECT_EQ(thrown([] { throw std::runtime_error("not ours"); }), "unknown with a text");
     EXPECT_EQ(thrown([] { throw 42; }), "unknown with a text");
     EXPECT_EQ(thrown(std::function<void()>()), "unknown with a text");

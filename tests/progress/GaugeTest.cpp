@@ -173,7 +173,7 @@ int ExpectedPen(const QRect& client, int offset, int x, int y)
     return k >= 1 && k <= 10 ? kPenOfColumn[k] : -1;
 }
 
-TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAtBothEnds)
+TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAndBandsCoverEveryPixelWithTheRightPen)
 {
     const struct { COLORREF color; int delta; COLORREF expected; } steps[] = {
         {RGB(10, 100, 250), 51, RGB(61, 151, 255)}, {RGB(10, 100, 250), -51, RGB(0, 49, 199)},
@@ -189,13 +189,9 @@ TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAtBothEn
     EXPECT_EQ(derived.pens, (std::array<COLORREF, Ctrl::ePenCount>{RGB(0, 18, 113), RGB(0, 69, 164), RGB(0, 120, 215),
                                                                    RGB(51, 171, 255), RGB(102, 222, 255)}));
     EXPECT_EQ(derived.background, RGB(153, 255, 255));
-}
 
-TEST(IndeterminateProgressArithmeticTest, BandsRepeatEvery25PixelsAndCoverEveryPixelWithTheRightPen)
-{
-    for (int offset = 0; offset < Ctrl::kBandSpacing - 1; ++offset)
-        EXPECT_EQ(Ctrl::NextOffset(offset), offset + 1);
-    EXPECT_EQ(Ctrl::NextOffset(24), 0);
+    // The bands move one pixel a step and repeat every 25 pixels.
+    EXPECT_EQ(std::make_pair(Ctrl::NextOffset(7), Ctrl::NextOffset(24)), std::make_pair(8, 0));
 
     // 100 / 25 + 2 bands of nine lines; one more in front once the bar is higher than 16 pixels.
     EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 16), 24).size(), 6u * 9u);
