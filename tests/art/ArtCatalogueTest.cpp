@@ -19,8 +19,7 @@ namespace {
 class ArtCatalogueTest : public ::testing::Test
 {
 protected:
-    // A file in the folder with one collection per entry of `titles` (the artist
-    // named after the file), pictures of `width` by `height` and a 40 by 60 portrait.
+    // A file with a collection per entry of `titles`, named after the file, and a 40 by 60 portrait.
     void Write(const std::string& name, const std::vector<std::vector<std::string>>& titles, int width, int height)
     {
         ArtInfo art;
@@ -100,8 +99,7 @@ TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPicturesAndARandomArtistOver
     EXPECT_EQ(2, catalogue.GetPreferedArtist());
 }
 
-// ProgressArt loads once per process, so this is its only test: the executable's folder (with the
-// collection shipped beside the programs) and the application's plug-in folder (collections of 3 and 2).
+// ProgressArt loads once per process: the executable's folder (with the shipped collection) and the plug-in folder.
 TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
 {
     TempDir plugins;

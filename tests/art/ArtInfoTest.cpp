@@ -23,7 +23,6 @@ using korva::ArtStorageWriter;
 
 namespace {
 
-// The message of the Exception that `action` throws.
 std::string FailureOf(const std::function<void()>& action)
 {
     try {
@@ -57,8 +56,7 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutAndReadsBackWithThePicturesFrom
 
     auto text = [](const std::string& s) { return std::to_string(s.size()) + " " + s; };
     auto stream = [&](int c, int p) { return text(art.GetCollections()[c].GetPictures()[p].GetFileName()); };
-    // Class records ("0 0": untracked, version 0) stand before the first ArtInfo,
-    // vector of collections, CollectionInfo, CString, vector of pictures and PictureInfo.
+    // Class records ("0 0": untracked, version 0) before the first of each class and of each vector.
     const std::string expected = "22 serialization::archive 18 0 0 0 0 2 0 0 0 400 100 80 40 0 0 10 Lena Marsh 0  "
                                  "2 77 0 0 2 0 0 0 9 Salt Flat " + stream(0, 0) + " 8 Low Tide " + stream(0, 1) +
                                  " 0 0 0 0 4 Otto " + text("life of Otto") + " " + text("face-otto") +
@@ -90,8 +88,7 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutAndReadsBackWithThePicturesFrom
 
 TEST_F(ArtInfoTest, PicturesShrinkToFitButNeverGrowAndTurnClockwiseByTheRemainderOfFour)
 {
-    // Red on the left, blue on the right; one quarter turn clockwise puts red on top.
-    // The portrait (never turned here) fits 80 by 80, the picture 400 by 400.
+    // Red left, blue right; a quarter turn clockwise puts red on top. Portraits fit 80 by 80, pictures 400 by 400.
     const struct { int width, height, rotation; QSize picture, portrait; QPoint redAt, blueAt; } rows[] = {
         {800, 200, 0, {400, 100}, {80, 20}, {40, 50}, {360, 50}},
         {200, 800, 0, {100, 400}, {20, 80}, {20, 200}, {80, 200}},
@@ -137,8 +134,7 @@ TEST_F(ArtInfoTest, SavingTwiceKeepsTheOlderSetFirstAndItsStreams)
     EXPECT_EQ(Describe(first) + Describe(second), Describe(*read));
     EXPECT_TRUE(Near(read->GetImage(0, 1), {5, 5}, Qt::red));
     EXPECT_TRUE(Near(read->GetImage(2, 0), {5, 5}, Qt::blue));
-    // The same collections once more: doubled in the description, their
-    // streams written anew in place of the old ones ("ArtInfo" and one per picture).
+    // The same collections again: doubled in the description, their streams replaced, not doubled.
     SaveWithPicture(second, File("a.tart"), red);
     const auto again = Read(File("a.tart"));
     ASSERT_TRUE(again);
@@ -163,8 +159,7 @@ TEST_F(ArtInfoTest, WhatIsNoArtFileGivesNullAndADamagedDescriptionThrowsTheArchi
     art.AddCollection(MakeCollection("A", {"one"}));
     SaveWithPicture(art, File("good.tart"), WritePicture(File("p.png"), 10, 10));
     const std::string file = ReadFile(File("good.tart")), good = Fixture("archive-1.42.txt");
-    // A class version above 0 is the library's "unsupported class version": the
-    // fixture's CollectionInfo has version 1, the others raise one class record.
+    // A class version above 0 is "unsupported class version"; the fixture has CollectionInfo at version 1.
     auto raise = [&](const std::string& record, const std::string& raised) {
         return std::string(good).replace(good.find(record), record.size(), raised);
     };
@@ -242,8 +237,7 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTextsAndKeepTheOldFileReadable)
     EXPECT_FALSE(read->GetImage(0, 0).isNull());
     EXPECT_TRUE(ArtStorageReader(target).HasStream(art.GetCollections()[0].GetPictures()[0].GetFileName()));
 
-    // A failed portrait comes after the description: the new collection is there, without portrait,
-    // and no stray file is left beside it.
+    // A failed portrait comes after the description: the collection is there, without portrait, and no stray file.
     auto files = [&] { return std::distance(std::filesystem::directory_iterator(mDir.Path()), {}); };
     const auto before = files();
     portrayed.AddCollection(MakeCollection("Portrayed", {"four"}, "face"));
@@ -280,7 +274,6 @@ TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)
 
 // The compound files underneath: streams through the device, commits, and files kept open.
 
-// Writes `text` into stream "s" of a new compound file through the device.
 void WriteThroughDevice(const std::string& path, const std::string& text)
 {
     ArtStorageWriter writer(path);

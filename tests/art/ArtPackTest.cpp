@@ -18,7 +18,7 @@ struct Outcome
     bool Says(const std::string& text) const { return output.find(text) != std::string::npos; }
 };
 
-// Runs the tool that lies beside the test program, with stderr in the output.
+// Runs the tool beside the test program, stderr in the output.
 Outcome ArtPack(const std::string& arguments)
 {
     const std::string tool = TsPathAppend(TsGetExecutableDirectory().c_str(), "artpack");
@@ -40,7 +40,7 @@ protected:
     TempDir mDir;
 };
 
-TEST_F(ArtPackTest, HelpTellsEveryCommandAndOptionAndMistakesEndWithStatus2)
+TEST_F(ArtPackTest, HelpTellsEveryCommandMistakesEndWithStatus2AndCreateListAndExtractWork)
 {
     const Outcome help = ArtPack("--help");
     EXPECT_EQ(0, help.status);
@@ -53,10 +53,7 @@ TEST_F(ArtPackTest, HelpTellsEveryCommandAndOptionAndMistakesEndWithStatus2)
     for (const std::string arguments : {"", " --picture x.png", " --artist A --picture x.png --rotation x"})
         EXPECT_EQ(2, ArtPack(arguments.empty() ? "" : "create " + File("a.tart") + arguments).status) << arguments;
     EXPECT_FALSE(std::filesystem::exists(File("a.tart")));
-}
 
-TEST_F(ArtPackTest, CreatesFromOptionsWithSizesTitlesAndRotationsListsAndExtracts)
-{
     WritePicture(File("wide.png"), 800, 200);
     WritePicture(File("tall.png"), 100, 300);
     WritePicture(File("face.png"), 160, 100);
@@ -68,7 +65,6 @@ TEST_F(ArtPackTest, CreatesFromOptionsWithSizesTitlesAndRotationsListsAndExtract
     ASSERT_TRUE(art);
     // The recorded sizes are those of the stored pictures: 400x100 and, turned, 300x100.
     EXPECT_EQ("Lena Marsh|1882-1961|400x100|80x50|Salt Flat|tall\n", Describe(*art, false));
-    EXPECT_EQ(QSize(300, 100), art->GetImage(0, 1).size());
 
     const Outcome listed = ArtPack("list " + File("a.tart"));
     EXPECT_EQ(0, listed.status);

@@ -1,5 +1,5 @@
 #pragma once
-// Helpers of the art tests: source pictures, collections, and compound files with a description of our own making.
+// Helpers of the art tests: source pictures, collections, and compound files with descriptions of our own.
 
 #include "../utl/TempDir.h"
 

@@ -1,5 +1,4 @@
-// BreakDialog as a transport drives it (the delay, every way of answering the stop question, the three
-// layouts, the shuffle of the paintings), and in the client's own process, served by the work's pumping.
+// BreakDialog as a transport drives it, and in the client's own process, served by the work's pumping.
 
 #include "ProgressTestSupport.h"
 
@@ -146,8 +145,7 @@ TEST_F(BreakDialogTest, FinishWhileTheQuestionIsOpenAnswersNo)
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     EXPECT_TRUE(GoesAway(mDialog.get()));
 
-    // Yes already pressed, but the work ended before the answer was taken in,
-    // and the next client started at once: the new client is not stopped.
+    // Yes pressed, but the work ended and the next began before the answer was taken in: not for the new client.
     StartShown(Info(0));
     WhenModal([&](QWidget* box) {
         Click(box, IDYES);
@@ -223,8 +221,7 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
     ASSERT_EQ(mDialog->GetLayout(), BreakDialog::eArtLayout);
     EXPECT_TRUE(mDialog->GetArtistLabel()->isVisible() && !mDialog->GetSpinner()->isVisible());
 
-    // The painting at the left, the portrait beside it with the artist under it,
-    // the title under the painting, the button at the bottom right of the pictures.
+    // The painting left, the portrait right of it over the artist, the title under it, the button at the bottom.
     const QRect picture = mDialog->GetPictureRect();
     const QPoint maxBitmap = ProgressArt::GetMaxBitmapSize();
     EXPECT_EQ(picture, QRect(BreakDialog::kMargin, BreakDialog::kMargin, maxBitmap.x(), maxBitmap.y()));
@@ -261,8 +258,7 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
 
 TEST(BreakDialogShuffleTest, IsAPermutationWithOneRandCallPerPositionAndMoreBeyond15Bits)
 {
-    // Up to position 32767 one call of 15 bits covers every partner; from
-    // position 32768 on, two calls make 30 bits.
+    // One rand() call of 15 bits per position up to 32767, two calls of 30 bits from 32768 on.
     const struct { int count, calls; } rows[] = {{0, 0},     {1, 0},        {2, 1},         {7, 6},
                                                  {100, 99}, {1000, 999}, {32768, 32767}, {70000, 69999 + 37232}};
     for (const auto& row : rows) {

@@ -1,5 +1,4 @@
-// ExecuteWithProgress: the work runs on another thread behind a modal ProgressDialog that the user cannot
-// close, which closes when the work ends, however short; failures come back on the caller's thread.
+// ExecuteWithProgress: the work on another thread behind a modal ProgressDialog the user cannot close.
 
 #include "ProgressTestSupport.h"
 
@@ -55,8 +54,7 @@ TEST_F(ExecuteWithProgressTest, FailureOfTheWorkIsThrownOnTheCallersThread)
     {
         using Exception::Exception;
     };
-    // What the call throws: an Exception as a new one with its text (neither the derived class nor
-    // the causes come along), anything else, and an empty function, as UnknownException with a text.
+    // An Exception comes as a new one with its text only; anything else, and no function, as UnknownException.
     auto thrown = [](const std::function<void()>& work) -> std::string {
         try {
             ExecuteWithProgress(work, "Failing", nullptr);

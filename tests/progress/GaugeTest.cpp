@@ -1,5 +1,4 @@
-// The bars and spin indicators: TsGauge and TsXTPGauge, IndeterminateProgressCtrl with ProgressDlg,
-// SpinWindow and Spinner: their arithmetic, their animation, and what they paint.
+// The bars and spin indicators (TsGauge, TsXTPGauge, IndeterminateProgressCtrl, SpinWindow, Spinner) and ProgressDlg.
 
 #include "ProgressTestSupport.h"
 
@@ -30,8 +29,7 @@ TEST(GaugeArithmeticTest, ColoursFadeByPhaseFilledPartIsTruncatedAndCaptionIsCut
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), 2.0f), RGB(200, 100, 0));
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), -1.0f), RGB(10, 20, 30));
 
-    // TsGauge in pixels of a client 200 wide, TsXTPGauge in percent. An empty range fills nothing
-    // at its value, everything beyond it; a reversed range is taken as given: rising values fall.
+    // Pixels of 200 and percent: an empty range fills nothing at its value, all beyond; a reversed one falls.
     const struct { float value, low, high; int pixels, percent; } rows[] = {
         {1.0f, 0.0f, 3.0f, 66, 33},   {0.999f, 0.0f, 1.0f, 199, 99}, {-2.0f, -4.0f, 0.0f, 100, 50},
         {-10.0f, 0.0f, 100.0f, 0, 0}, {1e30f, 0.0f, 1.0f, 200, 100}, {5.0f, 5.0f, 5.0f, 0, 0},
@@ -197,8 +195,7 @@ TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAndBands
     EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 16), 24).size(), 6u * 9u);
     EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 17), 0).size(), 7u * 9u);
 
-    // For every offset and several shapes, bars higher than 16 pixels included,
-    // each client pixel is drawn by exactly the pen of its column.
+    // For every offset and several shapes (higher than 16 pixels too), each pixel gets the pen of its column.
     for (const QRect client : {QRect(0, 0, 100, 12), QRect(3, 5, 37, 16), QRect(-4, 2, 260, 1), QRect(0, 0, 24, 9),
                                QRect(0, 0, 60, 17), QRect(2, 1, 30, 41), QRect(0, 0, 200, 90)}) {
         for (int offset = 0; offset < Ctrl::kBandSpacing; ++offset) {
@@ -258,8 +255,7 @@ TEST_F(GaugeWidgetTest, ProgressDlgIsShownModelessOnTopAlwaysTitledAndStepsAroun
     for (const char* title : {static_cast<const char*>(nullptr), ""})
         EXPECT_FALSE(ProgressDlg(title, nullptr).windowTitle().isEmpty());
 
-    // The position is held within the range; step 10 at start comes round from the lower end past the
-    // upper one and back; a narrower range takes the position along; an empty one pins it.
+    // Held in range; step 10 comes round past either end; a narrower range takes the position along.
     QProgressBar* bar = dialog.GetProgressCtrl();
     dialog.SetRange(0, 50);
     EXPECT_EQ(dialog.SetPos(70), 0);
@@ -290,8 +286,7 @@ TEST(SpinArithmeticTest, StepsOnlyAfterTheirIntervalAlsoAcrossTheClockWrap)
     EXPECT_TRUE(SpinWindow::StepState(state, 0x60u));   // 112 ms later
     EXPECT_EQ(state.position, 0) << "9 wraps to 0";
 
-    // Spinner: more than 250 ms; from rest the turning starts at 0, and the
-    // rest frame never comes by turning.
+    // Spinner: more than 250 ms; from rest the turning starts at 0 and never comes back to rest.
     int frame = Spinner::kRestFrame;
     std::uint32_t lastTick = 1000;
     EXPECT_FALSE(Spinner::StepFrame(frame, lastTick, 1250));
@@ -316,8 +311,7 @@ TEST(SpinArithmeticTest, RoundsMoveTheHueWhenVisibleAndTheStripesEverySecondRoun
     SpinWindow::AnimateState(state, false, 550);
     EXPECT_EQ(std::make_pair(state.hue, state.position), std::make_pair(1, 0));
 
-    // Running, rounds every 50 ms from lastTick 0: a step is due only on even
-    // rounds, and only once more than 100 ms have passed, so every 200 ms here.
+    // Running, rounds every 50 ms: a step on every second round once more than 100 ms passed: every 200 ms.
     state = SpinWindow::SpinState{};
     state.running = true;
     std::vector<int> positions;
@@ -337,9 +331,8 @@ TEST(SpinArithmeticTest, RoundsMoveTheHueWhenVisibleAndTheStripesEverySecondRoun
     for (const auto& [hue, colour] : colours)
         EXPECT_EQ(SpinWindow::StripeColor(hue), colour) << hue;
 
-    // For every position and several heights: the first stripe's bottom starts just left of the window,
-    // the last starts before its right edge, and a stripe is coloured when it lies an even number of
-    // stripes from the position.
+    // The first stripe's bottom starts just left of the window, the last before its right edge; a stripe
+    // an even number of stripes from the position is coloured.
     const int left = 7, right = 107, width = SpinWindow::kStripeWidth;
     for (int height : {1, 4, 16, 23}) {
         for (int position = 0; position < SpinWindow::kPositions; ++position) {
@@ -376,8 +369,7 @@ TEST_F(GaugeWidgetTest, SpinWindowPaintsLeaningStripesInTheCurrentColourOnTheBut
     const QImage image = spin.grab().toImage();
     const qreal ratio = image.devicePixelRatio();
     auto at = [&](int x, int y) { return QColor(image.pixel(int(x * ratio), int(y * ratio))).rgb(); };
-    // Position 0: coloured stripes start at 0, 10, 20 ... on the top row,
-    // and the same stripes lean right by the height on the way down.
+    // Position 0: coloured stripes start at 0, 10, 20 ... on the top row and lean right on the way down.
     for (const auto& [x, y, coloured] : {std::tuple{22, 0, true}, {27, 0, false}, {32, 0, true}, {30, 8, true},
                                          {35, 8, false}})
         EXPECT_EQ(at(x, y), coloured ? stripe.rgb() : face.rgb()) << x << "," << y;

@@ -1,5 +1,4 @@
-// InThread: a restartable computation on a low-priority thread that tells a window of its end by a
-// posted event, and never after Stop. Notices are delivered by hand, so a test sees what is queued.
+// InThread: a restartable low-priority computation posting its end to a window; notices are delivered by hand.
 
 #include "ProgressTestSupport.h"
 

@@ -1,5 +1,4 @@
-// Progress on the break route with the window in its companion process, run for real: the messages in
-// order, each handled (in the companion's trace) before the call returns; stops; companions that fail.
+// Progress on the break route with the real companion process, whose trace shows what it handled.
 
 #include "ProgressTestSupport.h"
 
@@ -259,8 +258,7 @@ TEST_F(ProgressBreakRouteTest, ACompanionWithoutDisplayOrOfAnotherVersionMakesCr
 TEST(BreakWindowDefaultTest, TheProcessMakesItsOwnBreakWindowAtTheFirstNeed)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    // Each row in a fresh process: the choice is made once per process. (Without either variable the
-    // companion serves: the end-to-end check of break-window-e2e.sh.)
+    // In fresh processes, as the choice is made once; without a variable the companion serves (break-window-e2e.sh).
     for (const auto& [variable, value] : {std::pair{"KORVA_BREAK_WINDOW", "inprocess"},
                                           {"KORVA_BREAKWIN", "/nonexistent/breakwin"}}) {
         EXPECT_EXIT(

@@ -1,5 +1,4 @@
-// Progress on the status bar route (which object owns the display, what it puts into the message bar
-// and how it leaves it, on both bars) and its message loop (what it lets through, how often, where).
+// Progress on the status bar route, on both kinds of bar, and its message loop.
 
 #include "ProgressTestSupport.h"
 
@@ -253,8 +252,7 @@ TEST(ProgressMessageLoopTest, PaintsWhileKeyboardInputWaitsAndDoesNothingOffTheM
     Progress::MessageLoop();
     EXPECT_GE(paints.count, 1);
     EXPECT_EQ(keys.count, 0);
-    // The key press was kept, not lost: it goes out with the queue's next full
-    // delivery (as the platform plugin does when its next event comes in).
+    // Kept, not lost: it goes out with the queue's next full delivery, as when the platform's next event comes.
     Queue::sendWindowSystemEvents(QEventLoop::AllEvents);
     EXPECT_GE(keys.count, 1);
     qApp->removeEventFilter(&keys);

@@ -1,6 +1,5 @@
 #pragma once
-// What the Progress tests share: a real main frame, real input through the platform's queue,
-// answers to the stop question, and a counter of events.
+// What the Progress tests share: a real main frame, input through the platform's queue, answers to boxes.
 
 #include "../frame/MdiFrameTestSupport.h"
 

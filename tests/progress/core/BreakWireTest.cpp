@@ -1,5 +1,4 @@
-// The records between a process and its break window companion: every message survives encoding and
-// decoding, texts are cut at a character boundary, records of another version or shape are refused.
+// The records between a process and its break window companion.
 
 #include <KORVAutlwin/progress/BreakWire.h>
 
