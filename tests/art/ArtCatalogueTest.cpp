@@ -150,13 +150,6 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(0, wrong.load());
-
-    // A file added while the process runs waits for the next start.
-    SaveWithPicture(three, plugins.File("c.tart"), picture);
-    ProgressArt::SetPluginFolder([&] { return plugins.Path(); });
-    ProgressArt::Init();
-    EXPECT_EQ(random + 1, ProgressArt::GetNumArtists());
-    ProgressArt::SetPluginFolder(nullptr);
 }
 
 } // namespace

@@ -165,7 +165,6 @@ TEST_F(ArtInfoTest, WhatIsNoArtFileGivesNullAndADamagedDescriptionThrowsTheArchi
     };
     enum { eNull, eThrows, eNewerClass };
     const struct { const char* what; std::string content; int outcome; bool wholeFile = false; } rows[] = {
-        {"text file", "22 serialization::archive 18 0 0 0 0 0 0\n", eNull, true},
         {"empty file", "", eNull, true},
         {"random file", random, eNull, true},
         {"truncated file", file.substr(0, file.size() / 2), eNull, true},
@@ -310,10 +309,7 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
     in.seekg(6000);
     in.seekg(-10, std::ios_base::cur);
     EXPECT_EQ(5990, in.tellg());
-    in.seekg(-3, std::ios_base::end);
-    EXPECT_EQ(text.substr(text.size() - 3), std::string(std::istreambuf_iterator<char>(in), {}));
     // Through a stream with bad-bit exceptions, the device's failure arrives as itself.
-    in.clear();
     EXPECT_THROW(in.seekg(-1, std::ios_base::beg), IStreamDevice::IStreamDeviceError);
 
     IStreamDevice device(input.get());
