@@ -291,7 +291,7 @@ std::string ReadOf(const std::string& path, const std::string& name = "s")
     return ArtStorageReader::ReadStreamOf(path, name, content) ? content : "(unreadable)";
 }
 
-TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
+TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksStreamsAndReplacesFilesOnlyOnCommitAndFilesKeptOpenAreOpenedAfresh)
 {
     TempDir dir;
     // More than the stream buffer and more than a small-block stream, so that both kinds are crossed.
@@ -316,20 +316,11 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksAStreamOfACompoundFile)
     device.seek(0, std::ios_base::end);
     char byte = 0;
     EXPECT_EQ(-1, device.read(&byte, 1));
-    try {
-        device.seek(-1, std::ios_base::beg);
-        ADD_FAILURE() << "no exception";
-    } catch (const IStreamDevice::IStreamDeviceError& error) {
-        EXPECT_STREQ("seek failed", error.what());
-    }
     EXPECT_THROW(device.seek(1, std::ios_base::end), std::ios_base::failure);
     EXPECT_THROW(device.write("x", 1), IStreamDevice::IStreamDeviceError) << "a device for reading writes nothing";
-}
 
-TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommitAndFilesKeptOpenAreOpenedAfreshWhenReplaced)
-{
-    TempDir dir;
-    const std::string path = dir.File("a.cf");
+    // The writer replaces its target only on commit.
+    const std::string path = dir.File("b.cf");
     WriteThroughDevice(path, "old");
     EXPECT_EQ("old", ReadOf(path));
     {
@@ -341,7 +332,7 @@ TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommitAndFilesKeptOpenAre
         EXPECT_TRUE(writer.WriteStream(std::string(31, 'n'), "", 0));
         // Not committed: dropped, without a file left behind.
     }
-    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(dir.Path()), {}));
+    EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(dir.Path()), {}));
     {
         ArtStorageWriter writer(path);
         ArtStorageReader old(path);
@@ -357,9 +348,8 @@ TEST(ArtStreamDeviceTest, WriterReplacesItsTargetOnlyOnCommitAndFilesKeptOpenAre
     EXPECT_FALSE(ArtStorageWriter(dir.File("missing/a.cf")).IsOpen());
 
     // The file kept open for its pictures is overwritten in place by a copy of another, then removed.
-    WriteThroughDevice(dir.File("b.cf"), "second, in place");
-    WriteFile(path, ReadFile(dir.File("b.cf")));
-    EXPECT_EQ("second, in place", ReadOf(path));
+    WriteFile(path, ReadFile(dir.File("a.cf")));
+    EXPECT_EQ(text, ReadOf(path)) << "overwritten in place";
     std::remove(path.c_str());
     EXPECT_EQ("(unreadable)", ReadOf(path));
     // More files than are kept open, read from several threads at once.
