@@ -90,7 +90,6 @@ TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPicturesAndARandomArtistOver
     int artist = 2, picture = 4;
     ASSERT_TRUE(catalogue.ResolvePicture(artist, picture));
     EXPECT_EQ(std::make_pair(1, 1), std::make_pair(artist, picture));
-    // Each size for itself: the widest picture of one, the highest of the other.
     EXPECT_EQ(QPoint(300, 250), catalogue.GetMaxBitmapSize());
     EXPECT_EQ(QPoint(40, 60), catalogue.GetMaxPortraitSize());
     catalogue.SetPreferedArtist(3);
@@ -136,7 +135,6 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     EXPECT_EQ(std::max(shipped.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
     EXPECT_EQ(std::max(shipped.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
 
-    // The break window's thread and the main thread ask at the same time.
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)

@@ -68,7 +68,6 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutAndReadsBackWithThePicturesFrom
     const auto read = Read(File("a.tart"));
     ASSERT_TRUE(read);
     EXPECT_EQ(Describe(art), Describe(*read));
-    // Where the pictures are is known only to what was read from a file.
     EXPECT_EQ(File("a.tart"), read->GetCollections()[1].GetFile());
     EXPECT_TRUE(art.GetImage(0, 0).isNull());
     EXPECT_EQ(QSize(60, 40), read->GetImage(0, 1).size());
@@ -204,7 +203,6 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTextsAndKeepTheOldFileReadable)
     old.AddCollection(MakeCollection("Old", {"one"}));
     SaveWithPicture(old, target, source);
     art.AddCollection(MakeCollection("A", {"one", "two"}));
-    // A picture without a stream name cannot be stored.
     CollectionInfo collection;
     collection.AddPicture(PictureInfo());
     unnamed.AddCollection(collection);
@@ -299,7 +297,6 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksStreamsAndReplacesFilesOnlyOnCommit
     for (int i = 0; text.size() < 20000; ++i)
         text += std::to_string(i) + " ";
     WriteThroughDevice(dir.File("a.cf"), text);
-    // The stream outlives the reader that opened it.
     const std::shared_ptr<GsfInput> input = ArtStorageReader(dir.File("a.cf")).OpenStream("s");
     ASSERT_TRUE(input);
     boost::iostreams::stream<IStreamDevice> in{IStreamDevice(input.get())};
@@ -319,7 +316,6 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksStreamsAndReplacesFilesOnlyOnCommit
     EXPECT_THROW(device.seek(1, std::ios_base::end), std::ios_base::failure);
     EXPECT_THROW(device.write("x", 1), IStreamDevice::IStreamDeviceError) << "a device for reading writes nothing";
 
-    // The writer replaces its target only on commit.
     const std::string path = dir.File("b.cf");
     WriteThroughDevice(path, "old");
     EXPECT_EQ("old", ReadOf(path));
@@ -352,7 +348,6 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksStreamsAndReplacesFilesOnlyOnCommit
     EXPECT_EQ(text, ReadOf(path)) << "overwritten in place";
     std::remove(path.c_str());
     EXPECT_EQ("(unreadable)", ReadOf(path));
-    // More files than are kept open, read from several threads at once.
     for (int i = 0; i < 6; ++i)
         WriteThroughDevice(dir.File(std::to_string(i) + ".cf"), "file " + std::to_string(i));
     std::atomic<int> wrong{0};

@@ -94,7 +94,6 @@ TEST_F(ArtPackTest, ManifestsAddCollectionsAndCreateStartsAfresh)
     EXPECT_EQ("First||50x40|0x0|one\nOtto Brenn||50x40|0x0|Harbour\nIda Lund|unknown|30x60|0x0|two\n",
               Describe(*art, false));
     EXPECT_EQ(QSize(30, 60), art->GetImage(2, 0).size());
-    // With --base the manifest's paths are taken from elsewhere.
     std::filesystem::copy_file(File("pictures/art.manifest"), File("moved.manifest"));
     ASSERT_EQ(0, ArtPack("create " + File("a.tart") + " --base " + File("pictures") + " --manifest " +
                          File("moved.manifest")).status);
@@ -105,7 +104,6 @@ TEST_F(ArtPackTest, ManifestsAddCollectionsAndCreateStartsAfresh)
     WriteFile(File("text.tart"), "text");
     const struct { std::string arguments; int status; std::string says; } failures[] = {
         {"add " + File("a.tart") + " --manifest " + File("bad.manifest"), 2, "bad.manifest:2: unknown key \"colour\""},
-        // With the library's text; the file stays as it was.
         {"create " + File("a.tart") + " --artist A --picture " + File("missing.png"), 1,
          File("missing.png") + " could not be read."},
         {"add " + File("text.tart") + " --artist A --picture " + File("pictures/one.png"), 1, "could not be opened!"},

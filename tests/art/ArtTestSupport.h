@@ -14,7 +14,6 @@
 
 namespace korva::test {
 
-/// Writes a PNG of `width` by `height`: the left half `left`, the right half `right`.
 inline std::string WritePicture(const std::string& path, int width, int height, QColor left = Qt::red,
                                 QColor right = Qt::blue)
 {
@@ -26,7 +25,6 @@ inline std::string WritePicture(const std::string& path, int width, int height, 
     return path;
 }
 
-/// A collection by `artist` with one picture per title (each with its own stream name).
 inline CollectionInfo MakeCollection(const std::string& artist, const std::vector<std::string>& titles,
                                      const std::string& portraitName = std::string())
 {
@@ -57,7 +55,6 @@ inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const s
                    std::vector<int>(count, 0));
 }
 
-/// A compound file whose stream "ArtInfo" holds `description` (plus a stream "other").
 inline void WriteArtFile(const std::string& path, const std::string& description, bool withDescription = true)
 {
     korva::ArtStorageWriter writer(path);

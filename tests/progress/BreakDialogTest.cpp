@@ -41,7 +41,6 @@ protected:
         QCoreApplication::processEvents();
     }
 
-    // Starts with `info` and waits until the window is up.
     void StartShown(const BreakStartInfo& info)
     {
         mDialog->Start(info);
@@ -96,7 +95,6 @@ TEST_F(BreakDialogTest, ComesUpAfterTheDelayOrAtShowWindowCentredOnTheMainWindow
     EXPECT_TRUE(mDialog->IsShown());
     mDialog->ShowWindow(true);
     EXPECT_TRUE(mDialog->isVisible());
-    // Between clients the window stays hidden, whatever is asked of it.
     mDialog->Finish();
     mDialog->ShowWindow(true);
     EXPECT_TRUE(GoesAway(mDialog.get()));
@@ -155,7 +153,6 @@ TEST_F(BreakDialogTest, FinishWhileTheQuestionIsOpenAnswersNo)
     QTest::mouseClick(mDialog->GetStopButton(), Qt::LeftButton);
     EXPECT_EQ(mConfirmed, 0);
     EXPECT_TRUE(mDialog->IsServing() && !mDialog->IsQuestionOpen());
-    // And that client can still be stopped.
     mDialog->ShowWindow(true);
     Answer(IDYES);
     QTest::mouseClick(mDialog->GetStopButton(), Qt::LeftButton);
@@ -178,7 +175,6 @@ TEST_F(BreakDialogTest, SpinnerLayoutWithButtonBesideItAndGaugeAcrossTheWidthAnd
     EXPECT_EQ(gauge->geometry(), QRect(margin, mDialog->height() - margin - gauge->height(),
                                        mDialog->width() - 2 * margin, gauge->height()));
 
-    // Finish leaves the spinner at rest for the next client.
     QTest::qWait(Spinner::kStepInterval + 30);
     mDialog->SpinStep();
     ASSERT_EQ(spinner->GetFrame(), 0);
@@ -211,7 +207,6 @@ TEST_F(BreakDialogTest, SpinnerLayoutWithButtonBesideItAndGaugeAcrossTheWidthAnd
 
 TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
 {
-    // Artist 0 is the collection beside the program.
     ASSERT_GT(ProgressArt::GetNumArtists(), 0) << "the shipped collection is missing beside the test program";
     ProgressArt::SetPreferedArtist(0);
     mDialog = std::make_unique<BreakDialog>([] {});
@@ -246,7 +241,6 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
                   ProgressArt::GetArtistName(0, number) + "\n" + ProgressArt::GetArtistLifeSpan(0, number));
     }
 
-    // The painting is on the screen, centred in its area.
     mDialog->ShowWindow(true);
     const QImage screen = mDialog->grab().toImage();
     const QImage& shown = mDialog->GetPainting();
@@ -265,7 +259,6 @@ TEST(BreakDialogShuffleTest, IsAPermutationWithOneRandCallPerPositionAndMoreBeyo
         SCOPED_TRACE(row.count);
         std::srand(3);
         const std::vector<int> order = BreakDialog::ShuffledOrder(row.count);
-        // Counts the calls by where the generator stands afterwards.
         const int next = std::rand();
         std::srand(3);
         int calls = 0;

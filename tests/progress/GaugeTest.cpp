@@ -55,7 +55,6 @@ class GaugeWidgetTest : public ::testing::Test
 protected:
     void SetUp() override { korva::test::Application(); }
 
-    // Delivers `count` rounds of the animation as its timer would.
     template <typename Animated>
     static void Tick(Animated& widget, int count = 1)
     {
@@ -152,7 +151,6 @@ TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPositi
         gauge.SetValue(50.0f + i);
     EXPECT_EQ(gauge.value(), 100);
     expectUpdates(2);
-    // Every step of ten percent is one change.
     for (int step = 0; step <= 10; ++step)
         gauge.SetValue(static_cast<float>(step));
     expectUpdates(2 + 11);
@@ -188,7 +186,6 @@ TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAndBands
                                                                    RGB(51, 171, 255), RGB(102, 222, 255)}));
     EXPECT_EQ(derived.background, RGB(153, 255, 255));
 
-    // The bands move one pixel a step and repeat every 25 pixels.
     EXPECT_EQ(std::make_pair(Ctrl::NextOffset(7), Ctrl::NextOffset(24)), std::make_pair(8, 0));
 
     // 100 / 25 + 2 bands of nine lines; one more in front once the bar is higher than 16 pixels.
@@ -241,7 +238,6 @@ TEST_F(GaugeWidgetTest, PaintsTheBandsInTheColoursOfThePalettesHighlightAndMoves
     EXPECT_EQ(ctrl.GetOffset(), offset);
     ctrl.OnTimer(Ctrl::kTimerId);
     EXPECT_EQ(ctrl.GetOffset(), Ctrl::NextOffset(offset));
-    // The real timer, every 50 ms.
     const int before = ctrl.GetOffset();
     QTest::qWait(300);
     EXPECT_NE(ctrl.GetOffset(), before);
@@ -371,7 +367,6 @@ TEST_F(GaugeWidgetTest, SpinWindowPaintsLeaningStripesInTheCurrentColourOnTheBut
     for (const auto& [x, y, coloured] : {std::tuple{22, 0, true}, {27, 0, false}, {32, 0, true}, {30, 8, true},
                                          {35, 8, false}})
         EXPECT_EQ(at(x, y), coloured ? stripe.rgb() : face.rgb()) << x << "," << y;
-    // The left edge is covered too, by a stripe that begins outside the window.
     EXPECT_EQ(at(0, 12), at(10, 12));
 }
 

@@ -54,7 +54,6 @@ class InThreadTest : public ::testing::Test
 {
 protected:
     void SetUp() override { korva::test::Application(); }
-    // Delivers what is queued for the receiver and returns the count of notices so far.
     int Deliver()
     {
         QCoreApplication::sendPostedEvents(&mReceiver, kDone);
@@ -138,7 +137,6 @@ TEST_F(InThreadTest, StopWaitsForTheFunctionStartAndDestructorStopARunAndCopiesT
     EXPECT_EQ(otherWork.stopsSeen.load(), 1);
     EXPECT_TRUE(!copy.HasThread() && target.HasThread());
     shared.released = true;
-    // One result for all three.
     EXPECT_EQ(target.get(), 1.0f);
     EXPECT_EQ(std::make_pair(copy.get(), source.get()), std::make_pair(1.0f, 1.0f));
     EXPECT_EQ(Deliver(), 2);

@@ -46,7 +46,6 @@ protected:
         unsetenv("KORVA_BREAKWIN");
     }
 
-    // The messages the companion handled since the last call (its notes left out).
     Lines Taken()
     {
         Lines all;

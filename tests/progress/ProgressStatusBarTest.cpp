@@ -23,7 +23,6 @@ class ProgressStatusBarTest : public ProgressFrameFixture
 {
 protected:
     TsStatusBar& Bar() { return *qobject_cast<TsStatusBar*>(mFrame->GetMessageBar()); }
-    // Where the gauge's and the spin indicator's panes are (-1: none).
     std::pair<int, int> Panes()
     {
         return {Bar().CommandToIndex(Progress::kGaugePaneId), Bar().CommandToIndex(Progress::kSpinPaneId)};
@@ -94,7 +93,6 @@ TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOwnsTheDisplayNev
     first.reset();
     EXPECT_FALSE(Progress::IsProgressActive() || second.IsActive());
     EXPECT_EQ(MessageText(), Idle());
-    // The display is free again, although second still lives.
     EXPECT_TRUE(Progress(nullptr, "Third", 0.0f, 1.0f, false, false, true).IsActive());
 }
 

@@ -58,7 +58,6 @@ inline void QueueKey(QWidget* target, int key)
                                                            Qt::NoModifier, QString(), false, 1);
 }
 
-/// Clicks the button `answer` (IDYES, IDNO) of a box.
 inline void Click(QWidget* box, int answer)
 {
     for (auto* button : box->findChildren<QPushButton*>())
@@ -100,7 +99,6 @@ private:
     QEvent::Type mType;
 };
 
-/// A main frame whose message bar is the toolkit status bar.
 class XTPFrame : public TessmaMDIFrame
 {
 public:

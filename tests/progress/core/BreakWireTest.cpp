@@ -11,7 +11,6 @@ namespace {
 
 using Wire = BreakWire;
 
-// Everything a message says, for comparing two.
 std::string Show(const Wire::Message& m)
 {
     const BreakStartInfo& s = m.start;
