@@ -36,7 +36,7 @@ protected:
     std::binary_semaphore gate{0};
 };
 
-TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialog)
+TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialogAndAFailureIsThrownOnTheCallersThread)
 {
     // Often, so that work ending before the dialog is up is among the runs.
     for (int run = 0; run < 25; ++run) {
@@ -46,10 +46,7 @@ TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialog)
     }
     for (QWidget* widget : QApplication::topLevelWidgets())
         EXPECT_EQ(qobject_cast<ProgressDialog*>(widget), nullptr) << "a dialog was left behind";
-}
 
-TEST_F(ExecuteWithProgressTest, FailureOfTheWorkIsThrownOnTheCallersThread)
-{
     struct DerivedException : Exception
     {
         using Exception::Exception;

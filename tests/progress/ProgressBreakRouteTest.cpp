@@ -159,7 +159,7 @@ TEST_F(ProgressBreakRouteTest, WithoutGaugeOnlyTheStartIsSentInactiveObjectsSend
     EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), 0);
 }
 
-TEST_F(ProgressBreakRouteTest, WithoutBreakWindowOrWithOneThatCannotStartTheRouteCountsAndShowsNothing)
+TEST_F(ProgressBreakRouteTest, WithoutAWindowOrACompanionThatCannotStartOrIsOfAnotherVersionTheRouteShowsNothing)
 {
     for (const bool none : {true, false}) {
         BreakWindowChannel::SetChannel(none ? nullptr : &mProcess);
@@ -173,6 +173,32 @@ TEST_F(ProgressBreakRouteTest, WithoutBreakWindowOrWithOneThatCannotStartTheRout
         EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     }
     EXPECT_FALSE(mProcess.IsWindow());
+    unsetenv("KORVA_BREAKWIN");
+    std::map<std::string, std::string> display;
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        if (const char* value = std::getenv(name); value && !unsetenv(name))
+            display[name] = value;
+    EXPECT_FALSE(mProcess.Create()) << "no display: the companion says so and ends";
+    for (const auto& [name, value] : display)
+        setenv(name.c_str(), value.c_str(), 1);
+
+    // A companion of another version: its "ready" is refused at once and it is ended.
+    BreakWire::Buffer ready;
+    const std::size_t size = BreakWire::Encode(BreakWire::Make(BreakWire::eReady), ready);
+    const std::uint32_t newer = BreakWire::kMagic | (BreakWire::kVersion + 1);
+    std::memcpy(ready.data(), &newer, sizeof newer);
+    WriteFile(mDir.File("ready.bin"), std::string(reinterpret_cast<const char*>(ready.data()), size));
+    const std::string script = mDir.File("old-breakwin"), pidFile = mDir.File("old.pid");
+    WriteFile(script, "#!/bin/sh\necho $$ > '" + pidFile + "'\ncat '" + mDir.File("ready.bin") + "' >&3\nexec sleep 30\n");
+    chmod(script.c_str(), 0755);
+    setenv("KORVA_BREAKWIN", script.c_str(), 1);
+    EXPECT_EQ(BreakWindowProcess::GetProgramPath(), script);
+    const auto before = Clock::now();
+    EXPECT_FALSE(mProcess.Create());
+    EXPECT_LT(Clock::now() - before, std::chrono::seconds(5)) << "refused at once";
+    const pid_t old = static_cast<pid_t>(std::atoi(ReadFile(pidFile).c_str()));
+    ASSERT_GT(old, 0);
+    EXPECT_NE(kill(old, 0), 0) << "ended and reaped";
     unsetenv("KORVA_BREAKWIN");
     EXPECT_TRUE(mProcess.Create()) << "the real one starts again";
 }
@@ -223,35 +249,6 @@ TEST_F(ProgressBreakRouteTest, ACompanionThatStopsAnsweringIsGivenUpAfterTheTime
     const auto after = Clock::now();
     mProcess.SpinStep();
     EXPECT_LT(Clock::now() - after, std::chrono::milliseconds(100)) << "later calls return at once";
-}
-
-TEST_F(ProgressBreakRouteTest, ACompanionWithoutDisplayOrOfAnotherVersionMakesCreateFalse)
-{
-    std::map<std::string, std::string> display;
-    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-        if (const char* value = std::getenv(name); value && !unsetenv(name))
-            display[name] = value;
-    EXPECT_FALSE(mProcess.Create()) << "no display: the companion says so and ends";
-    for (const auto& [name, value] : display)
-        setenv(name.c_str(), value.c_str(), 1);
-
-    // A companion of another version: its "ready" is refused at once and it is ended.
-    BreakWire::Buffer ready;
-    const std::size_t size = BreakWire::Encode(BreakWire::Make(BreakWire::eReady), ready);
-    const std::uint32_t newer = BreakWire::kMagic | (BreakWire::kVersion + 1);
-    std::memcpy(ready.data(), &newer, sizeof newer);
-    WriteFile(mDir.File("ready.bin"), std::string(reinterpret_cast<const char*>(ready.data()), size));
-    const std::string script = mDir.File("old-breakwin"), pidFile = mDir.File("old.pid");
-    WriteFile(script, "#!/bin/sh\necho $$ > '" + pidFile + "'\ncat '" + mDir.File("ready.bin") + "' >&3\nexec sleep 30\n");
-    chmod(script.c_str(), 0755);
-    setenv("KORVA_BREAKWIN", script.c_str(), 1);
-    EXPECT_EQ(BreakWindowProcess::GetProgramPath(), script);
-    const auto before = Clock::now();
-    EXPECT_FALSE(mProcess.Create());
-    EXPECT_LT(Clock::now() - before, std::chrono::seconds(5));
-    const pid_t old = static_cast<pid_t>(std::atoi(ReadFile(pidFile).c_str()));
-    ASSERT_GT(old, 0);
-    EXPECT_NE(kill(old, 0), 0) << "ended and reaped";
 }
 
 TEST(BreakWindowDefaultTest, TheProcessMakesItsOwnBreakWindowAtTheFirstNeed)

@@ -77,7 +77,7 @@ TEST(BreakWireTest, EveryMessageSurvivesTheWireWithItsFixedSize)
     EXPECT_EQ(RoundTrip(start).argument, 2500u);
 }
 
-TEST(BreakWireTest, LongTextsAreCutAtACharacterBoundary)
+TEST(BreakWireTest, LongTextsAreCutAtACharacterBoundaryAndRecordsOfAnotherVersionOrShapeAreRefused)
 {
     const std::size_t limit = Wire::kTextSize - 1;
     // Characters of every length, placed so that each byte of them meets the limit once.
@@ -100,10 +100,7 @@ TEST(BreakWireTest, LongTextsAreCutAtACharacterBoundary)
     EXPECT_EQ(RoundTrip(Wire::MakeTitle(exact + "y")).text, exact);
     EXPECT_EQ(Wire::CutText(std::string("ab\0cd", 5), 10), "ab") << "a C text ends at its NUL";
     EXPECT_EQ(Wire::CutText("€", 2), "");
-}
 
-TEST(BreakWireTest, RecordsOfAnotherVersionOrShapeAreRefusedAndChangeNothing)
-{
     Wire::Buffer buffer;
     const std::size_t size = Wire::Encode(Wire::MakeGaugeValue(0.5f), buffer);
     Wire::Message untouched = Wire::MakeTitle("unchanged");
