@@ -85,7 +85,7 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutAndReadsBackWithThePicturesFrom
               "Otto Brenn||300x400|0x0||Harbour:pic03\n", Describe(*old));
 }
 
-TEST_F(ArtInfoTest, PicturesShrinkToFitButNeverGrowAndTurnClockwiseByTheRemainderOfFour)
+TEST_F(ArtInfoTest, PicturesShrinkAndTurnAndSavingAgainKeepsTheOlderSetFirstAndItsStreams)
 {
     // Red left, blue right; a quarter turn clockwise puts red on top. Portraits fit 80 by 80, pictures 400 by 400.
     const struct { int width, height, rotation; QSize picture, portrait; QPoint redAt, blueAt; } rows[] = {
@@ -116,10 +116,7 @@ TEST_F(ArtInfoTest, PicturesShrinkToFitButNeverGrowAndTurnClockwiseByTheRemainde
         EXPECT_TRUE(Near(image, row.redAt, Qt::red) && Near(image, row.blueAt, Qt::blue));
         EXPECT_EQ(row.picture, korva::ArtImage::StoredSize(source.c_str(), row.rotation, 400, 400));
     }
-}
 
-TEST_F(ArtInfoTest, SavingTwiceKeepsTheOlderSetFirstAndItsStreams)
-{
     const std::string red = WritePicture(File("red.png"), 50, 40, Qt::red, Qt::red);
     const std::string blue = WritePicture(File("blue.png"), 40, 50, Qt::blue, Qt::blue);
     ArtInfo first, second;

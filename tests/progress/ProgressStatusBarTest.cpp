@@ -48,7 +48,7 @@ protected:
 
 } // namespace
 
-TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOwnsTheDisplayNeverASecondOrACopy)
+TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOfAMainFrameOwnsTheDisplayNeverASecondOrACopy)
 {
     MakeFrame();
     // An object on a worker thread shows nothing and never blocks the display.
@@ -94,10 +94,10 @@ TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOwnsTheDisplayNev
     EXPECT_FALSE(Progress::IsProgressActive() || second.IsActive());
     EXPECT_EQ(MessageText(), Idle());
     EXPECT_TRUE(Progress(nullptr, "Third", 0.0f, 1.0f, false, false, true).IsActive());
-}
 
-TEST_F(ProgressStatusBarTest, WithoutAMainFrameNothingIsActive)
-{
+    // Without a main frame nothing is active.
+    mApp->SetMainWnd(nullptr);
+    mFrame.reset();
     QWidget plain;  // a main window that is not a main frame
     mApp->SetMainWnd(&plain);
     EXPECT_FALSE(Progress(nullptr, "Plain", 0.0f, 2.0f, true, false, true).IsActive());
