@@ -205,7 +205,7 @@ TEST_F(BreakDialogTest, SpinnerLayoutWithButtonBesideItAndGaugeAcrossTheWidthAnd
     EXPECT_EQ(mDialog->GetLayout(), BreakDialog::eSpinnerLayout);
 }
 
-TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
+TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgainInAShuffleWithOneRandCallPerPosition)
 {
     ASSERT_GT(ProgressArt::GetNumArtists(), 0) << "the shipped collection is missing beside the test program";
     ProgressArt::SetPreferedArtist(0);
@@ -248,10 +248,7 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgain)
                     picture.top() + (picture.height() - shown.height()) / 2);
     const QPoint middle(shown.width() / 2, shown.height() / 2);
     EXPECT_EQ(screen.pixelColor(at + middle).rgb(), shown.pixelColor(middle).rgb());
-}
 
-TEST(BreakDialogShuffleTest, IsAPermutationWithOneRandCallPerPositionAndMoreBeyond15Bits)
-{
     // One rand() call of 15 bits per position up to 32767, two calls of 30 bits from 32768 on.
     const struct { int count, calls; } rows[] = {{0, 0},     {1, 0},        {2, 1},         {7, 6},
                                                  {100, 99}, {1000, 999}, {32768, 32767}, {70000, 69999 + 37232}};

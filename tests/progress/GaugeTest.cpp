@@ -65,7 +65,7 @@ protected:
     static QRgb Rgb(COLORREF color) { return qRgb(GetRValue(color), GetGValue(color), GetBValue(color)) & 0xFFFFFF; }
 };
 
-TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndStartsAgainWhenHidden)
+TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndAFramePaintsTheBarTheTintedRestAndTheCaption)
 {
     QWidget parent;
     auto* gauge = new TsGauge(&parent);
@@ -84,37 +84,34 @@ TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndStartsAgainWhenH
     EXPECT_NE(gauge->GetAnimationTimerId(), 0);
     Tick(*gauge, 3);
     EXPECT_EQ(gauge->GetPhase(), 3);
-}
 
-TEST_F(GaugeWidgetTest, AFramePaintsTheBarTheTintedRestAndTheCaption)
-{
-    TsGauge gauge;
-    EXPECT_EQ(gauge.GetDesiredHeight(), 2) << "no caption, no frame";
-    gauge.resize(200, 20);
-    gauge.SetRange(4.0f, 0.0f);  // put in order
-    gauge.SetValue(1.0f);       // a quarter
-    gauge.show();
+    TsGauge bar;
+    EXPECT_EQ(bar.GetDesiredHeight(), 2) << "no caption, no frame";
+    bar.resize(200, 20);
+    bar.SetRange(4.0f, 0.0f);  // put in order
+    bar.SetValue(1.0f);       // a quarter
+    bar.show();
 
-    const QImage frame = gauge.grab().toImage();
+    const QImage frame = bar.grab().toImage();
     // Below the lighter band the bar has its own colour, at phase 0 the blue one.
     EXPECT_EQ(Pixel(frame, 49, 18), Rgb(TsGauge::kBarColor));
     EXPECT_GT(qRed(frame.pixel(10, 2)), qRed(frame.pixel(10, 18))) << "the band is lighter";
     // The rest is the face colour under a faint wash of the bar colour.
     const QRgb rest = Pixel(frame, 150, 10);
-    EXPECT_NEAR(qBlue(rest), qBlue(gauge.palette().color(QPalette::Button).rgb()) * 239 / 255 + 0xE6 * 16 / 255, 1);
+    EXPECT_NEAR(qBlue(rest), qBlue(bar.palette().color(QPalette::Button).rgb()) * 239 / 255 + 0xE6 * 16 / 255, 1);
     EXPECT_EQ(Pixel(frame, 50, 18), rest);  // the bar ends at a quarter
 
     // The value shows in the next frame; at phase 90 the bar is red.
-    gauge.SetValue(3.0f);
-    Tick(gauge, 91);
-    const QImage alert = gauge.grab().toImage();
+    bar.SetValue(3.0f);
+    Tick(bar, 91);
+    const QImage alert = bar.grab().toImage();
     EXPECT_EQ(Pixel(alert, 149, 18), Rgb(TsGauge::kBarAlertColor));
     EXPECT_TRUE(Pixel(alert, 151, 18) != Rgb(TsGauge::kBarAlertColor) && Pixel(alert, 151, 18) != rest)
         << "the bar ends at three quarters, and the wash follows the bar colour";
 
     // A caption is drawn in the middle in the text colour over a black shadow.
-    gauge.SetCaption("MMMMMMMM");
-    const QImage captioned = gauge.grab().toImage();
+    bar.SetCaption("MMMMMMMM");
+    const QImage captioned = bar.grab().toImage();
     bool textColour = false, black = false, outside = false;
     for (int y = 0; y < captioned.height(); ++y)
         for (int x = 0; x < captioned.width(); ++x) {
@@ -268,7 +265,7 @@ TEST_F(GaugeWidgetTest, ProgressDlgIsShownModelessOnTopAlwaysTitledAndStepsAroun
     EXPECT_EQ(ProgressDlg::SteppedPosition(7, 3, 7, 7), 7);
 }
 
-TEST(SpinArithmeticTest, StepsOnlyAfterTheirIntervalAlsoAcrossTheClockWrap)
+TEST(SpinArithmeticTest, StepsAfterTheirIntervalRoundsMoveHueAndStripesAndStripesStartLeftOfTheWindow)
 {
     // SpinWindow: more than 100 ms; position 9 wraps to 0.
     SpinWindow::SpinState state;
@@ -294,12 +291,9 @@ TEST(SpinArithmeticTest, StepsOnlyAfterTheirIntervalAlsoAcrossTheClockWrap)
     }
     EXPECT_EQ(seen, (std::vector<int>{0, 1, 2, 3, 4, 5, 0, 1}));
     EXPECT_EQ(lastTick, 1251u + 7 * 251);
-}
 
-TEST(SpinArithmeticTest, RoundsMoveTheHueWhenVisibleAndTheStripesEverySecondRoundWhichStartLeftOfTheWindow)
-{
-    SpinWindow::SpinState state;
-    // Not running: only the hue moves, and only while visible.
+    // SpinWindow's rounds, not running: only the hue moves, and only while visible.
+    state = SpinWindow::SpinState{};
     SpinWindow::AnimateState(state, true, 500);
     SpinWindow::AnimateState(state, false, 550);
     EXPECT_EQ(std::make_pair(state.hue, state.position), std::make_pair(1, 0));

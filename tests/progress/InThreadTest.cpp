@@ -95,7 +95,7 @@ TEST_F(InThreadTest, RunsAtTheLowestNicePriorityPostsOneNoticeAtItsEndButStopBef
     EXPECT_EQ(stopped.get(), 4.0f);
 }
 
-TEST_F(InThreadTest, StopWaitsForTheFunctionStartAndDestructorStopARunAndCopiesTakeTheThread)
+TEST_F(InThreadTest, StopWaitsStartAndDestructorStopCopiesTakeTheThreadAndFailuresComeBackFromGet)
 {
     Controlled work, other;
     InThread thread(work.Function(), &mReceiver, kDone);
@@ -140,10 +140,7 @@ TEST_F(InThreadTest, StopWaitsForTheFunctionStartAndDestructorStopARunAndCopiesT
     EXPECT_EQ(target.get(), 1.0f);
     EXPECT_EQ(std::make_pair(copy.get(), source.get()), std::make_pair(1.0f, 1.0f));
     EXPECT_EQ(Deliver(), 2);
-}
 
-TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromEveryGetUntilTheNextStart)
-{
     // An empty function fails on the thread with the system's text; the process lives on.
     InThread empty(std::function<float(bool&)>(), &mReceiver, kDone);
     empty.Start();
@@ -155,7 +152,7 @@ TEST_F(InThreadTest, FailureOfTheFunctionComesBackFromEveryGetUntilTheNextStart)
             EXPECT_STREQ(exception.Why(), "call to empty boost::function");
         }
     }
-    EXPECT_EQ(Deliver(), 1) << "a failed run has ended too";
+    EXPECT_EQ(Deliver(), 3) << "a failed run has ended too";
     // A run that throws keeps the last result.
     int call = 0;
     InThread flaky([&](bool&) { return ++call == 2 ? throw Exception("bad data") : float(call); }, nullptr, 0);
