@@ -64,7 +64,7 @@ protected:
 
 } // namespace
 
-TEST_F(ProgressBreakRouteTest, EveryCallSendsItsMessagesInOrderAndTheyAreHandledBeforeItReturns)
+TEST_F(ProgressBreakRouteTest, EveryCallSendsItsMessagesInOrderAndAConfirmedStopMakesEveryReportReturnFalse)
 {
     const QRect frame = mFrame->frameGeometry();
     const std::string geometry = std::to_string(frame.x()) + "," + std::to_string(frame.y()) + "," +
@@ -102,27 +102,24 @@ TEST_F(ProgressBreakRouteTest, EveryCallSendsItsMessagesInOrderAndTheyAreHandled
     EXPECT_EQ(Taken(), (Lines{"start 0 110 " + geometry + " Export|Do you really want to stop?|MdiFrameTest|Stop",
                               "finish"}));
     EXPECT_EQ(mProcess.GetCompanionPid(), companion);
-}
 
-TEST_F(ProgressBreakRouteTest, ConfirmedStopMakesEveryReportReturnFalseWhileTheDisplayGoesOn)
-{
     {
-        Progress progress(nullptr, "Long work", 0.0f, 10.0f, false, true, true);
-        EXPECT_TRUE(progress.Set(1.0f));
+        Progress stopping(nullptr, "Long work", 0.0f, 10.0f, false, true, true);
+        EXPECT_TRUE(stopping.Set(1.0f));
         // The report comes on the connection's thread, ahead of the acknowledgement: no waiting needed.
         ASSERT_TRUE(mProcess.PressStopInCompanion());
-        EXPECT_TRUE(progress.IsBreakPressed());
+        EXPECT_TRUE(stopping.IsBreakPressed());
         Taken();
-        EXPECT_FALSE(progress.Set(2.0f) || progress.NextSpin() || progress.SetInfoStr("Stopping") ||
-                     progress.PushSubRange(2.0f, 4.0f) || progress.PopSubRange() || progress.SetRange(0.0f, 1.0f));
+        EXPECT_FALSE(stopping.Set(2.0f) || stopping.NextSpin() || stopping.SetInfoStr("Stopping") ||
+                     stopping.PushSubRange(2.0f, 4.0f) || stopping.PopSubRange() || stopping.SetRange(0.0f, 1.0f));
         const Lines sent = Taken();
         ASSERT_GE(sent.size(), 3u);
         EXPECT_EQ(sent[0] + "|" + sent[2], "value 2|title Stopping") << "the display goes on";
     }
     // Between clients a stop goes nowhere, and the next client starts afresh.
     EXPECT_TRUE(mProcess.PressStopInCompanion());
-    Progress next(nullptr, "More work", 0.0f, 10.0f, false, true, true);
-    EXPECT_TRUE(next.Set(1.0f));
+    Progress after(nullptr, "More work", 0.0f, 10.0f, false, true, true);
+    EXPECT_TRUE(after.Set(1.0f));
 }
 
 TEST_F(ProgressBreakRouteTest, WithoutGaugeOnlyTheStartIsSentInactiveObjectsSendNothingAndAShortTaskShowsTheWindow)
@@ -203,7 +200,7 @@ TEST_F(ProgressBreakRouteTest, WithoutAWindowOrACompanionThatCannotStartOrIsOfAn
     EXPECT_TRUE(mProcess.Create()) << "the real one starts again";
 }
 
-TEST_F(ProgressBreakRouteTest, OurEndIsCloseOnExecAndAKilledCompanionLeavesProgressWorkingUntilTheNextCreate)
+TEST_F(ProgressBreakRouteTest, OurEndIsCloseOnExecAndAKilledOrHangingCompanionLeavesProgressWorkingUntilTheNextCreate)
 {
     Progress progress(nullptr, "Doomed window", 0.0f, 100.0f, false, true, true);
     const int socket = mProcess.GetSocket();
@@ -232,20 +229,18 @@ TEST_F(ProgressBreakRouteTest, OurEndIsCloseOnExecAndAKilledCompanionLeavesProgr
     ASSERT_TRUE(mProcess.Create());
     EXPECT_NE(mProcess.GetCompanionPid(), first);
     EXPECT_TRUE(progress.Set(60.0f));
-}
 
-TEST_F(ProgressBreakRouteTest, ACompanionThatStopsAnsweringIsGivenUpAfterTheTimeout)
-{
+    // A companion that stops answering is given up after the acknowledgement timeout.
     ASSERT_TRUE(mProcess.Create());
-    const pid_t companion = mProcess.GetCompanionPid();
-    ASSERT_EQ(kill(companion, SIGSTOP), 0);
-    const auto before = Clock::now();
+    const pid_t hanging = mProcess.GetCompanionPid();
+    ASSERT_EQ(kill(hanging, SIGSTOP), 0);
+    const auto stopped = Clock::now();
     mProcess.SpinStep();
-    const auto waited = Clock::now() - before;
+    const auto waited = Clock::now() - stopped;
     EXPECT_GE(waited, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout - 100));
     EXPECT_LT(waited, std::chrono::milliseconds(BreakWindowProcess::kAcknowledgeTimeout * 2));
     EXPECT_FALSE(mProcess.IsWindow());
-    EXPECT_TRUE(Reaped(companion)) << "killed and reaped";
+    EXPECT_TRUE(Reaped(hanging)) << "killed and reaped";
     const auto after = Clock::now();
     mProcess.SpinStep();
     EXPECT_LT(Clock::now() - after, std::chrono::milliseconds(100)) << "later calls return at once";
