@@ -70,8 +70,7 @@ TEST_F(ArtCatalogueTest, NoFileNoArtistOneCollectionNoRandomArtistTwoARandomArti
     Write("f-ignored.tart.bak", {{"Backup"}}, 60, 40);
     std::filesystem::create_directory(mFolder.File("g-folder.tart"));
     catalogue = Load(mFolder.Path());
-    ASSERT_EQ(3, catalogue.GetNumArtists());
-    EXPECT_EQ(0, catalogue.GetPreferedArtist());
+    ASSERT_EQ(std::make_pair(3, 0), std::make_pair(catalogue.GetNumArtists(), catalogue.GetPreferedArtist()));
     for (const auto& [artist, count] : {std::pair{0, 3}, {1, 2}, {2, 5}})
         EXPECT_EQ(count, catalogue.GetNumPaintings(artist)) << artist;
     // The pseudo artist's pictures run through both artists in file order.

@@ -74,8 +74,8 @@ TEST_F(ArtInfoTest, DescriptionIsTheArchiveLayoutAndReadsBackWithThePicturesFrom
     EXPECT_TRUE(Near(read->GetIcon(0), {15, 15}, Qt::green));
     EXPECT_TRUE(read->GetIcon(1).isNull() && read->GetImage(1, 1).isNull() && read->GetImage(-1, 0).isNull());
     ArtInfo().SaveToFile(File("empty.tart").c_str(), {}, {}, {}, {});
-    ASSERT_TRUE(Read(File("empty.tart")));
-    EXPECT_TRUE(Read(File("empty.tart"))->GetCollections().empty());
+    const auto empty = Read(File("empty.tart"));
+    EXPECT_TRUE(empty && empty->GetCollections().empty());
 
     // Written by hand in the layout of library release 1.42 (archive version 7).
     WriteArtFile(File("old.tart"), Fixture("archive-1.42.txt"));
@@ -336,8 +336,7 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksStreamsAndReplacesFilesOnlyOnCommit
     EXPECT_EQ((std::vector<std::string>{"s", "t"}), reader.GetStreamNames());
     EXPECT_EQ("old", ReadOf(path));
     std::string content;
-    EXPECT_FALSE(reader.ReadStream("s", content, 2));
-    EXPECT_FALSE(reader.ReadStream("u", content));
+    EXPECT_FALSE(reader.ReadStream("s", content, 2) || reader.ReadStream("u", content)) << "too large, missing";
     EXPECT_FALSE(ArtStorageWriter(dir.File("missing/a.cf")).IsOpen());
 
     // The file kept open for its pictures is overwritten in place by a copy of another, then removed.

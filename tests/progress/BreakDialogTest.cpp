@@ -21,7 +21,6 @@ BreakStartInfo Info(unsigned int delay, bool showSpin = false, bool allowBreak =
     return {delay, QRect(), allowBreak, showSpin, showGauge, "Fitting the model", "Stop the fit?", "Model", "Halt"};
 }
 
-// Hidden at once, or after its fade where the window system shows one.
 bool GoesAway(QWidget* window)
 {
     return QTest::qWaitFor([window] { return !window->isVisible(); }, 2000);
@@ -79,8 +78,7 @@ TEST_F(BreakDialogTest, ComesUpAfterTheDelayOrAtShowWindowAndTheCloseBoxAsksAndY
     QTest::qWait(80);
     EXPECT_FALSE(mDialog->isVisible() || mDialog->IsShown());
     EXPECT_TRUE(QTest::qWaitFor([&] { return mDialog->isVisible(); }, 3000));
-    EXPECT_EQ(mDialog->windowTitle(), "Fitting the model");
-    EXPECT_EQ(mDialog->GetStopButton()->text(), "Halt");
+    EXPECT_EQ(mDialog->windowTitle() + "|" + mDialog->GetStopButton()->text(), "Fitting the model|Halt");
     const QPoint offset = mDialog->frameGeometry().center() - info.mainWindow.center();
     EXPECT_TRUE(std::abs(offset.x()) <= 2 && std::abs(offset.y()) <= 2) << offset.x() << "," << offset.y();
     mDialog->Finish();
@@ -216,7 +214,8 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgainInAShu
     EXPECT_EQ(picture, QRect(BreakDialog::kMargin, BreakDialog::kMargin, maxBitmap.x(), maxBitmap.y()));
     const QRect portrait = mDialog->GetPortraitRect(), artist = mDialog->GetArtistLabel()->geometry();
     const QRect title = mDialog->GetPaintingLabel()->geometry(), button = mDialog->GetStopButton()->geometry();
-    EXPECT_TRUE(portrait.left() > picture.right() && artist.top() > portrait.bottom() && title.top() > picture.bottom());
+    EXPECT_TRUE(portrait.left() > picture.right() && artist.top() > portrait.bottom());
+    EXPECT_GT(title.top(), picture.bottom());
     EXPECT_EQ(button.right() + 1, mDialog->width() - BreakDialog::kMargin);
     EXPECT_TRUE(button.bottom() < title.top() && button.top() > artist.bottom());
 

@@ -111,8 +111,7 @@ TEST_F(ExecuteWithProgressTest, OnlyTheCancelButtonDoesAnythingAndItCallsCancelO
         },
         "Exporting spectra", nullptr);
     EXPECT_TRUE(stillUp);
-    EXPECT_EQ(cancelThread, std::this_thread::get_id());
-    EXPECT_GT(loops.load(), 0);
+    EXPECT_TRUE(cancelThread == std::this_thread::get_id() && loops > 0) << "on the caller's thread, while the work ran";
 }
 
 } // namespace

@@ -78,8 +78,8 @@ TEST_F(GaugeWidgetTest, ColourCycleStepsOncePerFrameWhileSeenAndAFramePaintsTheB
         EXPECT_EQ(gauge->GetPhase(), phase) << ticks;
     }
     gauge->hide();
-    EXPECT_EQ(gauge->GetPhase(), 0);
-    EXPECT_EQ(gauge->GetAnimationTimerId(), 0);  // no frames while nobody sees them
+    EXPECT_EQ(std::make_pair(gauge->GetPhase(), gauge->GetAnimationTimerId()), std::make_pair(0, 0))
+        << "no frames while nobody sees them";
     gauge->show();
     EXPECT_NE(gauge->GetAnimationTimerId(), 0);
     Tick(*gauge, 3);
@@ -214,8 +214,8 @@ TEST_F(GaugeWidgetTest, PaintsTheBandsInTheColoursOfThePalettesHighlightAndMoves
     QPalette palette = ctrl.palette();
     palette.setColor(QPalette::Highlight, QColor(200, 40, 90));
     ctrl.setPalette(palette);
-    EXPECT_EQ(ctrl.GetColors().pens[Ctrl::eBase], RGB(200, 40, 90));
-    EXPECT_EQ(ctrl.GetColors().background, RGB(255, 193, 243));
+    EXPECT_EQ(std::make_pair(ctrl.GetColors().pens[Ctrl::eBase], ctrl.GetColors().background),
+              std::make_pair(RGB(200, 40, 90), RGB(255, 193, 243)));
     ctrl.resize(100, 12);
     ctrl.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&ctrl));

@@ -14,18 +14,13 @@ namespace {
 
 const auto kDone = static_cast<QEvent::Type>(QEvent::registerEventType());
 
-// Waits, without handling events, until `condition` holds; false after 10 s.
+// Waits (without handling events) until `condition` holds; false after 10 s.
 bool WaitUntil(const std::function<bool()>& condition)
 {
     for (const auto deadline = std::chrono::steady_clock::now() + 10s; !condition(); std::this_thread::sleep_for(1ms))
         if (std::chrono::steady_clock::now() > deadline)
             return false;
     return true;
-}
-
-int Nice()
-{
-    return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
 }
 
 // A function that runs until it is stopped (returns -1) or released (returns its call number).
@@ -71,6 +66,7 @@ TEST_F(InThreadTest, RunsAtTheLowestNicePriorityPostsOneNoticeAtItsEndButStopBef
     EXPECT_EQ(never.calls.load(), 0);
 
     // A thread of its own at nice 19; the caller keeps its priority.
+    auto Nice = [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())); };
     const int callerNice = Nice();
     ASSERT_LT(callerNice, InThread::kThreadNice);
     std::thread::id runThread;

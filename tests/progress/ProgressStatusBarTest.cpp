@@ -58,8 +58,7 @@ TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOfAMainFrameOwnsT
         workerActive = progress.IsActive() || Progress::IsProgressActive();
         workerSet = progress.Set(25.0f);
     }).join();
-    EXPECT_FALSE(workerActive);
-    EXPECT_TRUE(workerSet);
+    EXPECT_TRUE(!workerActive && workerSet);
     EXPECT_EQ(Panes().second, -1);
 
     auto first = std::make_unique<Progress>(nullptr, "First", 0.0f, 4.0f, true, false, true, "Sure?", "Title", "Halt");
@@ -171,8 +170,7 @@ TEST_F(ProgressStatusBarTest, InitProgressLeavesAnIdleGaugeWhichTheShortFormGive
         progress.SpinDone();
         EXPECT_FALSE(spin->IsRunning());
     }
-    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
-    EXPECT_TRUE(gauge->isVisible());
+    EXPECT_TRUE(HostedIn(Progress::kGaugePaneId) == gauge && gauge->isVisible());
     EXPECT_EQ(Panes().second, -1);
     // The gauge goes with its frame; the next frame gets a new one.
     mApp->SetMainWnd(nullptr);

@@ -1,7 +1,6 @@
 // The program of break-window-e2e.sh: `break_window_e2e MARKER` computes on the main thread with the break
-// window, printing "start true|false", "busy <n>" and after each stretch "set <n> true|false"; a stretch
-// ends after 30 s or when the file MARKER<n> exists, and the exit code is 0 when the work was stopped.
-// `break_window_e2e --grab WINDOW FILE` saves a picture of the X window WINDOW.
+// window, printing "start", "busy <n>" and "set <n> true|false"; stretch n ends after 30 s or once the file
+// MARKER<n> exists; exit code 0 when stopped. `break_window_e2e --grab WINDOW FILE` saves a picture of WINDOW.
 
 #include <KORVAutlwin/frame/GuardedApplication.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
