@@ -13,7 +13,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <functional>
 #include <sys/stat.h>
 #include <thread>
 

@@ -9,7 +9,6 @@
 
 #include <QPainter>
 
-#include <memory>
 #include <stdexcept>
 
 namespace korva::test {
