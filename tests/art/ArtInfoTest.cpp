@@ -265,7 +265,6 @@ TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)
     }
 }
 
-// The compound files underneath: streams through the device, commits, and files kept open.
 
 void WriteThroughDevice(const std::string& path, const std::string& text)
 {

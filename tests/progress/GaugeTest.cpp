@@ -25,7 +25,6 @@ TEST(GaugeArithmeticTest, ColoursFadeByPhaseFilledPartIsTruncatedAndCaptionIsCut
         EXPECT_FLOAT_EQ(TsGauge::BlendFactor(phase), factor) << phase;
     EXPECT_EQ(TsGauge::BarColorAt(75), RGB(112, 64, 141));  // halfway, per channel, truncated
     EXPECT_EQ(TsGauge::TextColorAt(105), RGB(255, 229, 127));
-    // Out-of-range factors are held at the ends.
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), 2.0f), RGB(200, 100, 0));
     EXPECT_EQ(TsGauge::MixColor(RGB(10, 20, 30), RGB(200, 100, 0), -1.0f), RGB(10, 20, 30));
 

@@ -35,7 +35,6 @@ protected:
                 return child;
         return nullptr;
     }
-    // The message bar's first pane with id 0; the idle text once no work is shown.
     std::string MessageText() const
     {
         if (auto* plain = qobject_cast<TsStatusBar*>(mFrame->GetMessageBar()))
