@@ -1,151 +1,150 @@
 #include "ArtTestSupport.h"
 
 #include <KORVAutlwin/art/ArtCatalogue.h>
+#include <KORVAutlwin/art/ProgressArt.h>
+
+#include <KORVAutl/TsFileUtl.h>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <thread>
 
 using korva::ArtCatalogue;
-using korva::test::MakeCollection;
-using korva::test::WritePicture;
+using namespace korva::test;
 
 namespace {
 
 class ArtCatalogueTest : public ::testing::Test
 {
 protected:
-    // A file in the folder with one collection per entry of `titles`, pictures
-    // of `width` by `height` and an 40 by 60 portrait.
-    void WriteCollections(const std::string& name, const std::vector<std::vector<std::string>>& titles, int width,
-                          int height, QColor colour = Qt::red)
+    // A file with a collection per entry of `titles`, named after the file, and a 40 by 60 portrait.
+    void Write(const std::string& name, const std::vector<std::vector<std::string>>& titles, int width, int height)
     {
-        const std::string picture = WritePicture(mSources.File(name + ".png"), width, height, colour, colour);
-        const std::string portrait = WritePicture(mSources.File(name + "-face.png"), 40, 60);
         ArtInfo art;
-        std::vector<std::vector<std::string>> pictures;
-        std::vector<std::vector<int>> rotations;
         for (std::size_t i = 0; i < titles.size(); ++i) {
-            CollectionInfo collection =
-                MakeCollection(name + std::to_string(i), titles[i], name + "-face" + std::to_string(i));
+            CollectionInfo collection = MakeCollection(name + std::to_string(i), titles[i], "face" + std::to_string(i));
             collection.SetMaxPictureSize(static_cast<unsigned>(width), static_cast<unsigned>(height));
             collection.SetMaxPortraitSize(40, 60);
             art.AddCollection(collection);
-            pictures.emplace_back(titles[i].size(), picture);
-            rotations.emplace_back(titles[i].size(), 0);
         }
-        art.SaveToFile(mFolder.File(name).c_str(), pictures, rotations,
-                       std::vector<std::string>(titles.size(), portrait), std::vector<int>(titles.size(), 0));
+        SaveWithPicture(art, mFolder.File(name), WritePicture(mSources.File(name + ".png"), width, height),
+                        WritePicture(mSources.File("face.png"), 40, 60));
     }
-
-    ArtCatalogue Load()
+    ArtCatalogue Load(const std::string& folder)
     {
         ArtCatalogue catalogue;
-        catalogue.LoadPainters(mFolder.Path());
+        catalogue.LoadPainters(folder);
         catalogue.Finish();
         return catalogue;
     }
-
-    TempDir mFolder;
-    TempDir mSources;
+    TempDir mFolder, mSources;
 };
 
-TEST_F(ArtCatalogueTest, WithoutFilesThereIsNoArtist)
+TEST_F(ArtCatalogueTest, NoFileNoArtistOneCollectionNoRandomArtistTwoARandomArtistOverBothAndBrokenFilesSkipped)
 {
-    std::ofstream(mFolder.File("readme.txt")) << "no art here";
-    ArtCatalogue catalogue = Load();
-    EXPECT_EQ(0, catalogue.GetNumArtists());
-    EXPECT_EQ(-1, catalogue.GetPreferedArtist());
-    EXPECT_EQ(QPoint(0, 0), catalogue.GetMaxBitmapSize());
-    EXPECT_EQ("", catalogue.GetArtistName(0, -1));
-    EXPECT_TRUE(catalogue.GetPainting(0, 0).isNull());
-    catalogue.SetPreferedArtist(99);
-    EXPECT_EQ(-1, catalogue.GetPreferedArtist());
-
-    ArtCatalogue missing;
-    missing.LoadPainters(mFolder.File("no-such-folder"));
-    missing.Finish();
-    EXPECT_EQ(0, missing.GetNumArtists());
-}
-
-TEST_F(ArtCatalogueTest, OneCollectionHasNoRandomArtist)
-{
-    WriteCollections("one.tart", {{"Dawn", "Noon"}}, 100, 50);
-    ArtCatalogue catalogue = Load();
-    EXPECT_EQ(1, catalogue.GetNumArtists());
-    EXPECT_EQ(0, catalogue.GetPreferedArtist());
-    EXPECT_EQ("one.tart0", catalogue.GetArtistName(0, -1));
-    EXPECT_EQ("life of one.tart0", catalogue.GetArtistLifeSpan(0, -1));
-    EXPECT_EQ("Noon", catalogue.GetPaintingName(0, 1));
-    EXPECT_EQ("", catalogue.GetPaintingName(0, 2));
+    WriteFile(mFolder.File("readme.txt"), "no art here");
+    for (const std::string& folder : {mFolder.Path(), mFolder.File("no-such-folder")}) {
+        ArtCatalogue none = Load(folder);
+        none.SetPreferedArtist(99);
+        EXPECT_EQ(std::make_pair(0, -1), std::make_pair(none.GetNumArtists(), none.GetPreferedArtist()));
+        EXPECT_TRUE(none.GetArtistName(0, -1).empty() && none.GetPainting(0, 0).isNull());
+    }
+    Write("one.tart", {{"Dawn", "Noon"}}, 100, 50);
+    ArtCatalogue catalogue = Load(mFolder.Path());
+    catalogue.SetPreferedArtist(1);
+    EXPECT_EQ(std::make_pair(1, 0), std::make_pair(catalogue.GetNumArtists(), catalogue.GetPreferedArtist()));
+    EXPECT_EQ("one.tart0|life of one.tart0", catalogue.GetArtistName(0, -1) + "|" + catalogue.GetArtistLifeSpan(0, -1));
+    EXPECT_EQ("Noon|", catalogue.GetPaintingName(0, 1) + "|" + catalogue.GetPaintingName(0, 2));
     EXPECT_EQ(QSize(100, 50), catalogue.GetPainting(0, 0).size());
     EXPECT_EQ(QSize(40, 60), catalogue.GetArtistPortrait(0, -1).size());
     EXPECT_TRUE(catalogue.GetPainting(-1, 0).isNull());
-    catalogue.SetPreferedArtist(1);
-    EXPECT_EQ(0, catalogue.GetPreferedArtist());
-}
 
-TEST_F(ArtCatalogueTest, TwoCollectionsOfThreeAndTwoPictures)
-{
-    WriteCollections("a.tart", {{"A1", "A2", "A3"}}, 300, 100, Qt::red);
-    WriteCollections("b.tart", {{"B1", "B2"}}, 120, 250, Qt::blue);
-    ArtCatalogue catalogue = Load();
-    ASSERT_EQ(3, catalogue.GetNumArtists());
-    EXPECT_EQ(0, catalogue.GetPreferedArtist());
-    EXPECT_EQ(3, catalogue.GetNumPaintings(0));
-    EXPECT_EQ(2, catalogue.GetNumPaintings(1));
-    EXPECT_EQ(5, catalogue.GetNumPaintings(2));
-
+    std::filesystem::remove(mFolder.File("one.tart"));
+    Write("a.tart", {{"A1", "A2", "A3"}}, 300, 100);
+    Write("b.Tart", {{"B1", "B2"}}, 120, 250);
+    WriteArtFile(mFolder.File("c-damaged.tart"), "22 serialization::archive 7 0 0 0 0 3 0 0 0 1");
+    WriteFile(mFolder.File("d-text.TART"), "just text");
+    WriteArtFile(mFolder.File("e-nodescription.tart"), "", false);
+    Write("f-ignored.tart.bak", {{"Backup"}}, 60, 40);
+    std::filesystem::create_directory(mFolder.File("g-folder.tart"));
+    catalogue = Load(mFolder.Path());
+    ASSERT_EQ(std::make_pair(3, 0), std::make_pair(catalogue.GetNumArtists(), catalogue.GetPreferedArtist()));
+    for (const auto& [artist, count] : {std::pair{0, 3}, {1, 2}, {2, 5}})
+        EXPECT_EQ(count, catalogue.GetNumPaintings(artist)) << artist;
     // The pseudo artist's pictures run through both artists in file order.
-    const char* titles[] = {"A1", "A2", "A3", "B1", "B2"};
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(titles[i], catalogue.GetPaintingName(2, i));
-    EXPECT_EQ("", catalogue.GetPaintingName(2, 5));
-    EXPECT_EQ("a.tart0", catalogue.GetArtistName(2, 2));
-    EXPECT_EQ("b.tart0", catalogue.GetArtistName(2, 3));
-    EXPECT_EQ("life of b.tart0", catalogue.GetArtistLifeSpan(2, 4));
-    EXPECT_EQ("", catalogue.GetArtistName(2, 5));
-    EXPECT_EQ("<Random>", catalogue.GetArtistName(2, -1));
-    EXPECT_EQ("", catalogue.GetArtistLifeSpan(2, -1));
-
+    const char* titles[] = {"A1", "A2", "A3", "B1", "B2", ""};
+    const char* artists[] = {"a.tart0", "a.tart0", "a.tart0", "b.Tart0", "b.Tart0", ""};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(std::string(titles[i]) + "|" + artists[i],
+                  catalogue.GetPaintingName(2, i) + "|" + catalogue.GetArtistName(2, i));
+    EXPECT_EQ("life of b.Tart0", catalogue.GetArtistLifeSpan(2, 4));
+    EXPECT_EQ("<Random>|", catalogue.GetArtistName(2, -1) + "|" + catalogue.GetArtistLifeSpan(2, -1));
     EXPECT_EQ(QSize(120, 250), catalogue.GetPainting(2, 3).size());
-    EXPECT_TRUE(catalogue.GetPainting(2, 5).isNull());
+    EXPECT_TRUE(catalogue.GetPainting(2, 5).isNull() && catalogue.GetArtistPortrait(2, 5).isNull());
     EXPECT_FALSE(catalogue.GetArtistPortrait(2, 4).isNull());
-    EXPECT_TRUE(catalogue.GetArtistPortrait(2, 5).isNull());
-
-    int artist = 2;
-    int picture = 4;
+    int artist = 2, picture = 4;
     ASSERT_TRUE(catalogue.ResolvePicture(artist, picture));
-    EXPECT_EQ(1, artist);
-    EXPECT_EQ(1, picture);
-
-    // Each size for itself: the widest picture of one, the highest of the other.
+    EXPECT_EQ(std::make_pair(1, 1), std::make_pair(artist, picture));
     EXPECT_EQ(QPoint(300, 250), catalogue.GetMaxBitmapSize());
     EXPECT_EQ(QPoint(40, 60), catalogue.GetMaxPortraitSize());
-
-    catalogue.SetPreferedArtist(2);
-    EXPECT_EQ(2, catalogue.GetPreferedArtist());
     catalogue.SetPreferedArtist(3);
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
+    catalogue.SetPreferedArtist(2);
+    EXPECT_EQ(2, catalogue.GetPreferedArtist());
 }
 
-TEST_F(ArtCatalogueTest, BrokenFilesAmongGoodOnesAreSkipped)
+// ProgressArt loads once per process: the executable's folder (with the shipped collection) and the plug-in folder.
+TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
 {
-    WriteCollections("1-good.tart", {{"First"}}, 50, 50);
-    korva::test::WriteArtFile(mFolder.File("2-damaged.tart"), "22 serialization::archive 7 0 0 0 0 3 0 0 0 1");
-    std::ofstream(mFolder.File("3-text.TART")) << "just text";
-    korva::test::WriteArtFile(mFolder.File("4-nodescription.tart"), "", false);
-    WriteCollections("5-good.Tart", {{"Second", "Third"}, {"Fourth"}}, 60, 40);
-    WriteCollections("6-ignored.tart.bak", {{"Backup"}}, 60, 40);
-    std::filesystem::create_directory(mFolder.File("7-folder.tart"));
+    TempDir plugins;
+    const std::string picture = WritePicture(plugins.File("p.png"), 90, 70);
+    ArtInfo three, two;
+    three.AddCollection(MakeCollection("Three", {"T1", "T2", "T3"}));
+    SaveWithPicture(three, plugins.File("a.tart"), picture);
+    CollectionInfo big = MakeCollection("Two", {"W1", "W2"});
+    big.SetMaxPictureSize(399, 398);
+    big.SetMaxPortraitSize(79, 78);
+    two.AddCollection(big);
+    SaveWithPicture(two, plugins.File("b.tart"), picture);
 
-    ArtCatalogue catalogue = Load();
-    ASSERT_EQ(4, catalogue.GetNumArtists());
-    EXPECT_EQ("1-good.tart0", catalogue.GetArtistName(0, -1));
-    EXPECT_EQ("5-good.Tart0", catalogue.GetArtistName(1, -1));
-    EXPECT_EQ("5-good.Tart1", catalogue.GetArtistName(2, -1));
-    EXPECT_EQ(4, catalogue.GetNumPaintings(3));
-    EXPECT_EQ("Fourth", catalogue.GetPaintingName(3, 3));
+    korva::ArtCatalogue shipped;
+    shipped.LoadPainters(TsGetExecutableDirectory());
+    shipped.Finish();
+    ASSERT_EQ(shipped.GetNumArtists(), 1) << "the collection shipped beside the test program";
+    const int pictures = shipped.GetNumPaintings(0);
+    EXPECT_EQ(pictures, 6);
+    EXPECT_FALSE(shipped.GetArtistPortrait(0, -1).isNull());
+
+    ProgressArt::SetPluginFolder([&] { return plugins.Path(); });
+    ProgressArt::Init();
+    ProgressArt::SetPluginFolder(nullptr);
+    // Loaded once: the plug-in folder is forgotten, the catalogue stays.
+    const int random = 3;
+    ASSERT_EQ(random + 1, ProgressArt::GetNumArtists());
+    EXPECT_EQ(0, ProgressArt::GetPreferedArtist());
+    EXPECT_EQ("Three|Two|<Random>", ProgressArt::GetArtistName(1, -1) + "|" + ProgressArt::GetArtistName(2, -1) +
+                                        "|" + ProgressArt::GetArtistName(random, -1));
+    EXPECT_EQ(pictures + 5, ProgressArt::GetNumPaintings(random));
+    EXPECT_EQ("W1", ProgressArt::GetPaintingName(random, pictures + 3));
+    EXPECT_EQ(QSize(90, 70), ProgressArt::GetPainting(2, 1).size());
+    EXPECT_EQ(std::max(shipped.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
+    EXPECT_EQ(std::max(shipped.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
+
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 25; ++i) {
+                const int at = pictures + (i + t) % 5;
+                wrong += ProgressArt::GetPaintingName(random, at).empty() ||
+                         ProgressArt::GetPainting(random, at).size() != QSize(90, 70);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(0, wrong.load());
 }
 
 } // namespace

@@ -1,39 +1,29 @@
 #pragma once
-// Helpers of the art tests: source pictures, collections, and compound files
-// with a description of our own making.
+// Helpers of the art tests: source pictures, collections, and compound files with descriptions of our own.
 
 #include "../utl/TempDir.h"
 
 #include <KORVAutl/UserComm.h>
 #include <KORVAutlwin/art/ArtInfo.h>
-#include <KORVAutlwin/art/ArtStorageReader.h>
 #include <KORVAutlwin/art/ArtStorageWriter.h>
 
-#include <QColor>
-#include <QImage>
+#include <QPainter>
 
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace korva::test {
 
-/// Writes a PNG of `width` by `height`: the left half `left`, the right half `right`.
 inline std::string WritePicture(const std::string& path, int width, int height, QColor left = Qt::red,
                                 QColor right = Qt::blue)
 {
     QImage image(width, height, QImage::Format_RGB32);
-    for (int x = 0; x < width; ++x)
-        for (int y = 0; y < height; ++y)
-            image.setPixelColor(x, y, x < width / 2 ? left : right);
+    image.fill(right);
+    QPainter(&image).fillRect(0, 0, width / 2, height, left);
     if (!image.save(QString::fromStdString(path), "PNG"))
         throw std::runtime_error("cannot write " + path);
     return path;
 }
 
-/// A collection by `artist` with one picture per title (each with its own stream name).
 inline CollectionInfo MakeCollection(const std::string& artist, const std::vector<std::string>& titles,
                                      const std::string& portraitName = std::string())
 {
@@ -49,8 +39,9 @@ inline CollectionInfo MakeCollection(const std::string& artist, const std::vecto
     return collection;
 }
 
-/// Saves `art` into `path` with `source` for every picture, no rotation and no portraits.
-inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const std::string& source)
+/// Saves `art` into `path` with `source` for every picture and `portrait` for every portrait, no rotation.
+inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const std::string& source,
+                            const std::string& portrait = std::string())
 {
     std::vector<std::vector<std::string>> pictures;
     std::vector<std::vector<int>> rotations;
@@ -58,11 +49,11 @@ inline void SaveWithPicture(const ArtInfo& art, const std::string& path, const s
         pictures.emplace_back(collection.GetPictures().size(), source);
         rotations.emplace_back(collection.GetPictures().size(), 0);
     }
-    art.SaveToFile(path.c_str(), pictures, rotations, std::vector<std::string>(art.GetCollections().size()),
-                   std::vector<int>(art.GetCollections().size(), 0));
+    const std::size_t count = art.GetCollections().size();
+    art.SaveToFile(path.c_str(), pictures, rotations, std::vector<std::string>(count, portrait),
+                   std::vector<int>(count, 0));
 }
 
-/// A compound file at `path` whose stream "ArtInfo" holds `description` (plus a stream "other").
 inline void WriteArtFile(const std::string& path, const std::string& description, bool withDescription = true)
 {
     korva::ArtStorageWriter writer(path);
@@ -73,20 +64,32 @@ inline void WriteArtFile(const std::string& path, const std::string& description
         throw std::runtime_error("cannot write " + path);
 }
 
-/// The text of the stream "ArtInfo" of `path`.
-inline std::string ReadDescription(const std::string& path)
+inline std::unique_ptr<const ArtInfo> Read(const std::string& path)
+{
+    return std::unique_ptr<const ArtInfo>(ArtInfo::ReadArtInfo(path.c_str()));
+}
+
+/// A line per collection: "artist|life|WxH|PWxPH|portrait|title:stream|..."; no stream names without `streams`.
+inline std::string Describe(const ArtInfo& art, bool streams = true)
 {
     std::string text;
-    korva::ArtStorageReader(path).ReadStream("ArtInfo", text);
+    for (const CollectionInfo& c : art.GetCollections()) {
+        text += c.GetArtistName() + "|" + c.GetLifeSpan() + "|" + std::to_string(c.GetMaxPictureWidth()) + "x" +
+                std::to_string(c.GetMaxPictureHeight()) + "|" + std::to_string(c.GetMaxPortraitWidth()) + "x" +
+                std::to_string(c.GetMaxPortraitHeight()) + (streams ? "|" + c.GetPortraitName() : "");
+        for (const PictureInfo& picture : c.GetPictures())
+            text += "|" + picture.GetTitle() + (streams ? ":" + picture.GetFileName() : "");
+        text += "\n";
+    }
     return text;
 }
 
-inline std::string ReadTextFile(const std::string& path)
+/// Whether the colour at `at` (read back from a JPEG) is `expected`, within the loss of the encoding.
+inline bool Near(const QImage& image, QPoint at, QColor expected)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
+    const QColor actual = image.pixelColor(at);
+    return std::max({std::abs(actual.red() - expected.red()), std::abs(actual.green() - expected.green()),
+                     std::abs(actual.blue() - expected.blue())}) < 40;
 }
 
 /// A user channel that keeps what it is told instead of showing it.

@@ -1,40 +1,17 @@
-// ExecuteWithProgress and its dialog: the work runs on another thread behind a
-// modal ProgressDialog that the user cannot close; the dialog closes when the
-// work ends, however short; failures of the work come back on the caller's
-// thread; the cancel button calls the cancel function. Real input, offscreen.
+// ExecuteWithProgress: the work on another thread behind a modal ProgressDialog the user cannot close.
 
-#include "../frame/TestApplication.h"
+#include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/ExecuteWithProgress.h>
 #include <KORVAutlwin/progress/IndeterminateProgressCtrl.h>
 #include <KORVAutlwin/progress/ProgressDialog.h>
 
-#include <QApplication>
-#include <QPushButton>
-#include <QTest>
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
-#include <semaphore>
 #include <stdexcept>
-#include <thread>
 #include <typeinfo>
-
-#include <unistd.h>
 
 namespace {
 
 using namespace std::chrono_literals;
-
-// The work waits at a gate until the test, inside the dialog, opens it.
-using Gate = std::binary_semaphore;
-
-bool IsProgressDialog(QWidget* widget)
-{
-    return qobject_cast<ProgressDialog*>(widget) != nullptr;
-}
 
 class ExecuteWithProgressTest : public ::testing::Test
 {
@@ -42,172 +19,99 @@ protected:
     void SetUp() override
     {
         korva::test::Application();
-        // A dialog that never closes hangs the test: end it instead.
-        alarm(60);
+        alarm(60);  // a dialog that never closes hangs the test: end it instead
     }
     void TearDown() override
     {
         alarm(0);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
+
+    // Calls `action` with the dialog once it is up; the work waits at `gate` until the action opens it.
+    static void OnDialog(std::function<void(ProgressDialog*)> action)
+    {
+        korva::test::WhenModal([action](QWidget* modal) { action(static_cast<ProgressDialog*>(modal)); }, 10s,
+                               [](QWidget* modal) { return qobject_cast<ProgressDialog*>(modal) != nullptr; });
+    }
+    std::binary_semaphore gate{0};
 };
 
-TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialog)
+TEST_F(ExecuteWithProgressTest, WorkThatReturnsAtOnceStillClosesTheDialogAndAFailureIsThrownOnTheCallersThread)
 {
     // Often, so that work ending before the dialog is up is among the runs.
-    const auto caller = std::this_thread::get_id();
     for (int run = 0; run < 25; ++run) {
         std::thread::id worker;
         ExecuteWithProgress([&] { worker = std::this_thread::get_id(); }, "Short", nullptr);
-        EXPECT_NE(worker, std::thread::id());
-        EXPECT_NE(worker, caller);
+        EXPECT_TRUE(worker != std::thread::id() && worker != std::this_thread::get_id());
     }
     for (QWidget* widget : QApplication::topLevelWidgets())
-        EXPECT_FALSE(IsProgressDialog(widget)) << "a dialog was left behind";
-}
+        EXPECT_EQ(qobject_cast<ProgressDialog*>(widget), nullptr) << "a dialog was left behind";
 
-TEST_F(ExecuteWithProgressTest, DialogIsModalAndTitledWhileTheWorkRuns)
-{
-    Gate gate{0};
-    bool seen = false;
-    korva::test::WhenModal(
-        [&](QWidget* modal) {
-            auto* dialog = static_cast<ProgressDialog*>(modal);
-            seen = true;
-            EXPECT_TRUE(dialog->isVisible());
-            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Exporting spectra"));
-            EXPECT_TRUE(dialog->GetBar()->isVisible());
-            EXPECT_EQ(dialog->GetBar()->property("ctrlId").toInt(), ProgressDialog::kBarCtrlId);
-            EXPECT_FALSE(dialog->GetCancelButton()->isVisible()) << "no cancel function, no button";
-            EXPECT_FALSE(dialog->IsFinished());
-            gate.release();
-        },
-        10s, IsProgressDialog);
-    ExecuteWithProgress([&] { gate.acquire(); }, "Exporting spectra", nullptr);
-    EXPECT_TRUE(seen);
-}
-
-TEST_F(ExecuteWithProgressTest, ExceptionOfTheWorkIsThrownOnTheCallersThreadWithItsText)
-{
-    class DerivedException : public Exception
+    struct DerivedException : Exception
     {
-    public:
-        DerivedException() : Exception("x", Exception("cause")) {}
+        using Exception::Exception;
     };
-
-    const auto caller = std::this_thread::get_id();
-    for (int kind = 0; kind < 2; ++kind) {
-        std::thread::id thrownOn;
+    // An Exception comes as a new one with its text only; anything else, and no function, as UnknownException.
+    auto thrown = [](const std::function<void()>& work) -> std::string {
         try {
-            ExecuteWithProgress(
-                [&] {
-                    thrownOn = std::this_thread::get_id();
-                    if (kind == 0)
-                        throw Exception("x");
-                    throw DerivedException();
-                },
-                "Failing", nullptr);
-            ADD_FAILURE() << "nothing thrown";
+            ExecuteWithProgress(work, "Failing", nullptr);
+        } catch (const ProgressInfo::UnknownException& exception) {
+            return std::string("unknown") + (*exception.Why() ? " with a text" : "");
         } catch (const Exception& exception) {
-            EXPECT_EQ(std::this_thread::get_id(), caller);
-            EXPECT_NE(thrownOn, caller);
-            EXPECT_STREQ(exception.Why(), "x");
-            // A new Exception with the text: neither the derived class nor the causes come along.
-            EXPECT_EQ(typeid(exception), typeid(Exception));
-            EXPECT_EQ(exception.Cause(), nullptr);
+            return (typeid(exception) == typeid(Exception) ? "Exception " : "derived ") + std::string(exception.Why()) +
+                   (exception.Cause() ? " and causes" : "");
         }
-    }
+        return "nothing";
+    };
+    EXPECT_EQ(thrown([] { throw Exception("x"); }), "Exception x");
+    EXPECT_EQ(thrown([] { throw DerivedException("x", Exception("cause")); }), "Exception x");
+    EXPECT_EQ(thrown([] { throw std::runtime_error("not ours"); }), "unknown with a text");
+    EXPECT_EQ(thrown([] { throw 42; }), "unknown with a text");
+    EXPECT_EQ(thrown(std::function<void()>()), "unknown with a text");
 }
 
-TEST_F(ExecuteWithProgressTest, AnythingElseBecomesUnknownException)
+TEST_F(ExecuteWithProgressTest, OnlyTheCancelButtonDoesAnythingAndItCallsCancelOnTheCallersThread)
 {
-    EXPECT_THROW(ExecuteWithProgress([] { throw std::runtime_error("not ours"); }, "Failing", nullptr),
-                 ProgressInfo::UnknownException);
-    EXPECT_THROW(ExecuteWithProgress([] { throw 42; }, "Failing", nullptr), ProgressInfo::UnknownException);
-    EXPECT_THROW(ExecuteWithProgress(std::function<void()>(), "Empty", nullptr), ProgressInfo::UnknownException);
-    try {
-        ExecuteWithProgress([] { throw 42; }, "Failing", nullptr);
-    } catch (const ProgressInfo::UnknownException& exception) {
-        EXPECT_STRNE(exception.Why(), "");
-    }
-}
+    OnDialog([&](ProgressDialog* dialog) {
+        EXPECT_FALSE(dialog->GetCancelButton()->isVisible()) << "no cancel function, no button";
+        gate.release();
+    });
+    ExecuteWithProgress([&] { gate.acquire(); }, "Exporting", nullptr);
 
-TEST_F(ExecuteWithProgressTest, EscapeReturnAndTheCloseBoxDoNothingWhileTheWorkRuns)
-{
-    Gate gate{0};
-    int cancelCalls = 0;
-    bool stillUp = false;
-    korva::test::WhenModal(
-        [&](QWidget* modal) {
-            auto* dialog = static_cast<ProgressDialog*>(modal);
-            QPushButton* cancel = dialog->GetCancelButton();
-            dialog->activateWindow();
-            cancel->setFocus();
-            QTest::keyClick(dialog, Qt::Key_Escape);
-            QTest::keyClick(dialog, Qt::Key_Return);
-            QTest::keyClick(dialog, Qt::Key_Enter, Qt::KeypadModifier);
-            // Return on the focused cancel button must not press it either.
-            QTest::keyClick(cancel, Qt::Key_Return);
-            dialog->close();
-            QTest::qWait(100);
-            stillUp = dialog->isVisible() && QApplication::activeModalWidget() == dialog;
-            gate.release();
-        },
-        10s, IsProgressDialog);
-    ExecuteWithProgress([&] { gate.acquire(); }, [&] { ++cancelCalls; }, "Busy", nullptr);
-    EXPECT_TRUE(stillUp);
-    EXPECT_EQ(cancelCalls, 0);
-}
-
-TEST_F(ExecuteWithProgressTest, CancelButtonCallsCancelOnTheCallersThreadAndTheWorkEnds)
-{
-    // Without a cancel function first, for the height.
-    int heightWithout = 0;
-    Gate first{0};
-    korva::test::WhenModal(
-        [&](QWidget* modal) {
-            heightWithout = modal->height();
-            first.release();
-        },
-        10s, IsProgressDialog);
-    ExecuteWithProgress([&] { first.acquire(); }, "Exporting", nullptr);
-
-    const auto caller = std::this_thread::get_id();
     std::atomic<bool> cancelled{false};
     std::atomic<int> loops{0};
     std::thread::id cancelThread;
-    int heightWith = 0;
-    int buttonHeight = 0;
-    korva::test::WhenModal(
-        [&](QWidget* modal) {
-            auto* dialog = static_cast<ProgressDialog*>(modal);
-            QPushButton* cancel = dialog->GetCancelButton();
-            heightWith = dialog->height();
-            buttonHeight = cancel->height();
-            EXPECT_TRUE(cancel->isVisible());
-            EXPECT_TRUE(cancel->isEnabled());
-            EXPECT_EQ(cancel->property("ctrlId").toInt(), ProgressDialog::kCancelCtrlId);
-            QTest::mouseClick(cancel, Qt::LeftButton);
-            // The button closes nothing by itself.
-            EXPECT_TRUE(dialog->isVisible());
-        },
-        10s, IsProgressDialog);
+    bool stillUp = false;
+    OnDialog([&](ProgressDialog* dialog) {
+        EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Exporting spectra"));
+        EXPECT_TRUE(dialog->GetBar()->isVisible());
+        QPushButton* cancel = dialog->GetCancelButton();
+        EXPECT_TRUE(cancel->isVisible() && cancel->isEnabled());
+        // Escape, Return and Enter (even on the focused cancel button) and the close box do nothing.
+        dialog->activateWindow();
+        cancel->setFocus();
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        QTest::keyClick(dialog, Qt::Key_Return);
+        QTest::keyClick(dialog, Qt::Key_Enter, Qt::KeypadModifier);
+        QTest::keyClick(cancel, Qt::Key_Return);
+        dialog->close();
+        QTest::qWait(100);
+        stillUp = dialog->isVisible() && QApplication::activeModalWidget() == dialog && !cancelled;
+        QTest::mouseClick(cancel, Qt::LeftButton);
+        EXPECT_TRUE(dialog->isVisible()) << "the button closes nothing by itself";
+    });
     ExecuteWithProgress(
         [&] {
-            while (!cancelled.load()) {
-                ++loops;
+            for (; !cancelled.load(); ++loops)
                 std::this_thread::sleep_for(5ms);
-            }
         },
         [&] {
             cancelThread = std::this_thread::get_id();
             cancelled.store(true);
         },
-        "Exporting", nullptr);
-    EXPECT_TRUE(cancelled.load());
-    EXPECT_EQ(cancelThread, caller);
-    EXPECT_GT(loops.load(), 0);
-    EXPECT_GE(heightWith - heightWithout, buttonHeight) << "the dialog grows by the button";
+        "Exporting spectra", nullptr);
+    EXPECT_TRUE(stillUp);
+    EXPECT_TRUE(cancelThread == std::this_thread::get_id() && loops > 0) << "on the caller's thread, while the work ran";
 }
 
 } // namespace

@@ -1,69 +1,71 @@
 #pragma once
-// What the Progress tests share: an application with a real main frame (its
-// profile in a registry store of its own), a frame on the toolkit status bar,
-// and a break window that records every message it is sent.
+// What the Progress tests share: a real main frame, input through the platform's queue, answers to boxes.
 
 #include "../frame/MdiFrameTestSupport.h"
 
+#include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsStatusBar.h>
 #include <KORVAutlwin/frame/TsXTPStatusBar.h>
 #include <KORVAutlwin/progress/BreakWindowChannel.h>
 #include <KORVAutlwin/progress/Progress.h>
 
-#include <QEvent>
-#include <QObject>
-#include <QPointer>
+#include <QPushButton>
+#include <QWindow>
 
-#include <memory>
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
+#include <atomic>
+#include <thread>
+
+// The platform's input queue, where real input waits for the event loop; QtGui exports it, its header is not installed.
+class QWindowSystemInterface
+{
+public:
+    struct SynchronousDelivery;
+    struct AsynchronousDelivery;
+    template <typename Delivery>
+    static bool handleCloseEvent(QWindow* window);
+    template <typename Delivery>
+    static bool handleMouseEvent(QWindow* window, const QPointF& local, const QPointF& global, Qt::MouseButtons state,
+                                 Qt::MouseButton button, QEvent::Type type, Qt::KeyboardModifiers modifiers,
+                                 Qt::MouseEventSource source);
+    template <typename Delivery>
+    static bool handleKeyEvent(QWindow* window, QEvent::Type type, int key, Qt::KeyboardModifiers modifiers,
+                               const QString& text, bool autorepeat, ushort count);
+    static bool sendWindowSystemEvents(QEventLoop::ProcessEventsFlags flags);
+};
 
 namespace korva::test {
 
-/// Counts the events of one type that pass through the objects it filters, or
-/// that are sent to it (and takes those).
-class EventCounter : public QObject
+using Queue = QWindowSystemInterface;
+
+/// A click on the middle of `target`, queued by the platform as a user's would be.
+inline void QueueClick(QWidget* target)
 {
-public:
-    explicit EventCounter(QEvent::Type type) : mType(type) {}
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == mType)
-            ++count;
-        return QObject::eventFilter(watched, event);
-    }
-    bool event(QEvent* event) override
-    {
-        if (event->type() == mType) {
-            ++count;
-            return true;
-        }
-        return QObject::event(event);
-    }
-    int count = 0;
+    const QPointF local = target->mapTo(target->window(), target->rect().center());
+    const QPointF global = target->mapToGlobal(target->rect().center());
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+        Queue::handleMouseEvent<Queue::AsynchronousDelivery>(
+            target->window()->windowHandle(), local, global,
+            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::LeftButton, type, Qt::NoModifier,
+            Qt::MouseEventNotSynthesized);
+}
 
-private:
-    QEvent::Type mType;
-};
-
-/// A main frame whose message bar is the toolkit status bar.
-class XTPFrame : public TessmaMDIFrame
+/// A key pressed and released on the window of `target`, queued by the platform.
+inline void QueueKey(QWidget* target, int key)
 {
-public:
-    QWidget* GetMessageBar() override
-    {
-        if (!mBar) {
-            mBar = new TsXTPStatusBar(this);
-            setStatusBar(mBar);
-        }
-        return mBar;
-    }
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease})
+        Queue::handleKeyEvent<Queue::AsynchronousDelivery>(target->window()->windowHandle(), type, key,
+                                                           Qt::NoModifier, QString(), false, 1);
+}
 
-private:
-    QPointer<TsXTPStatusBar> mBar;
-};
+/// Answers the next modal box with `answer`, keeping its text in `asked`.
+inline void Answer(int answer, QString* asked = nullptr, std::chrono::milliseconds timeout = std::chrono::seconds(10))
+{
+    WhenModal([answer, asked](QWidget* box) {
+        if (asked)
+            *asked = BoxText(box);
+        Click(box, answer);
+    }, timeout);
+}
 
 /// One message of the break window protocol as the window received it.
 struct BreakMessage
@@ -134,6 +136,43 @@ public:
     std::vector<bool> startSwitches;      // allowBreak, showSpin, showGauge
 };
 
+/// Counts the events of one type that pass through the objects it filters, or that are sent to it.
+class EventCounter : public QObject
+{
+public:
+    explicit EventCounter(QEvent::Type type) : mType(type) {}
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        count += event->type() == mType;
+        return QObject::eventFilter(watched, event);
+    }
+    bool event(QEvent* event) override
+    {
+        if (event->type() != mType)
+            return QObject::event(event);
+        ++count;
+        return true;
+    }
+    int count = 0;
+
+private:
+    QEvent::Type mType;
+};
+
+class XTPFrame : public TessmaMDIFrame
+{
+public:
+    QWidget* GetMessageBar() override
+    {
+        if (!mBar)
+            setStatusBar(mBar = new TsXTPStatusBar(this));
+        return mBar;
+    }
+
+private:
+    QPointer<TsXTPStatusBar> mBar;
+};
+
 /// An application whose main window is a real frame, shown offscreen.
 class ProgressFrameFixture : public MdiFrameFixture
 {
@@ -156,29 +195,14 @@ protected:
     }
 
     template <typename Frame = TessmaMDIFrame>
-    Frame& MakeFrame()
+    void MakeFrame()
     {
-        auto frame = std::make_unique<Frame>();
-        Frame& made = *frame;
-        mFrame = std::move(frame);
+        mFrame = std::make_unique<Frame>();
         mApp->SetMainWnd(mFrame.get());
         mFrame->resize(800, 600);
-        // The message bar exists before any work starts, as in an application.
-        mFrame->GetMessageBar();
+        mFrame->GetMessageBar();  // the message bar exists before any work starts, as in an application
         mFrame->show();
         QCoreApplication::processEvents();
-        return made;
-    }
-
-    /// The message bar's first pane with id 0.
-    std::string MessageText() const
-    {
-        QWidget* bar = mFrame->GetMessageBar();
-        if (auto* plain = qobject_cast<TsStatusBar*>(bar))
-            return plain->GetPaneText(plain->CommandToIndex(0));
-        if (auto* xtp = qobject_cast<TsXTPStatusBar*>(bar))
-            return xtp->GetPaneText(xtp->CommandToIndex(0));
-        return {};
     }
 
     std::unique_ptr<TessmaMDIFrame> mFrame;
