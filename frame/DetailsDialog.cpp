@@ -14,6 +14,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr unsigned int kShowDetailsText = 13181;
@@ -97,6 +99,16 @@ void DetailsDialogClass::Build(const char* text, const char* title, unsigned int
     layout->addWidget(mDetails, 3);
     setMinimumWidth(FromDlgX(240));
     ShowDetails(showDetails && !details.empty());
+    FitHeight();
+}
+
+// As tall as the wrapped text, the buttons and (when open) the details need: no empty band.
+void DetailsDialogClass::FitHeight()
+{
+    const int width = std::max(minimumWidth(), sizeHint().width());
+    layout()->activate();
+    const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
+    resize(width, height);
 }
 
 bool DetailsDialogClass::IsDetailsShown() const
@@ -112,7 +124,7 @@ void DetailsDialogClass::ShowDetails(bool show)
     // the first show, the window takes its size from the layout by itself.
     if (isVisible()) {
         layout()->invalidate();
-        resize(width(), sizeHint().height());
+        FitHeight();
     }
 }
 

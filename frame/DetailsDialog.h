@@ -52,6 +52,7 @@ protected:
 
 private:
     void Build(const char* text, const char* title, unsigned int nType, bool showDetails);
+    void FitHeight();
     void ShowDetails(bool show);
 
     std::string details;

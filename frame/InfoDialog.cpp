@@ -14,6 +14,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr unsigned int kDontShowAgainText = 13199;
@@ -208,11 +210,28 @@ void InfoDialog::Build()
     layout->addWidget(view, 1);
     layout->addLayout(mButtonRow);
 
+    QSize most;
     switch (size) {
-    case eSmallSize: resize(FromDlgX(200), FromDlgY(120)); break;
-    case eMediumSize: resize(FromDlgX(300), FromDlgY(200)); break;
-    case eLargeSize: resize(FromDlgX(420), FromDlgY(300)); break;
+    case eSmallSize: most = QSize(FromDlgX(200), FromDlgY(120)); break;
+    case eMediumSize: most = QSize(FromDlgX(300), FromDlgY(200)); break;
+    case eLargeSize: most = QSize(FromDlgX(420), FromDlgY(300)); break;
     }
+    // The size chosen is the most the dialog takes at first; a short plain
+    // text gets a dialog as tall as its lines need (a page may scroll instead).
+    if (format == ePlainText) {
+        auto* plain = static_cast<QPlainTextEdit*>(view);
+        const QMargins margins = layout->contentsMargins();
+        const int textWidth = most.width() - margins.left() - margins.right() - 2 * plain->frameWidth() -
+                              2 * static_cast<int>(plain->document()->documentMargin());
+        const QRect lines = plain->fontMetrics().boundingRect(QRect(0, 0, std::max(textWidth, 1), 1 << 20),
+                                                              Qt::TextWordWrap, plain->toPlainText());
+        const int textHeight = lines.height() + 2 * plain->frameWidth() +
+                               2 * static_cast<int>(plain->document()->documentMargin()) + plain->fontMetrics().height();
+        const int height = margins.top() + textHeight + layout->spacing() + mButtonRow->sizeHint().height() +
+                           margins.bottom();
+        most.setHeight(std::min(most.height(), height));
+    }
+    resize(most);
 }
 
 QPushButton* InfoDialog::AddButton(Buttons button, const QString& caption)
