@@ -406,6 +406,11 @@ void BreakDialog::NextPainting()
     painting = ProgressArt::GetPainting(artist, picture);
     portrait = ProgressArt::GetArtistPortrait(artist, picture);
     paintingLabel->setText(QString::fromStdString(ProgressArt::GetPaintingName(artist, picture)));
+    // The title right under the painting, which stands centred in the picture area.
+    const QRect area = GetPictureRect();
+    const int shown = std::min(painting.height(), area.height());
+    const int paintingBottom = area.top() + (area.height() - shown) / 2 + shown;
+    paintingLabel->move(paintingLabel->x(), paintingBottom + kLabelGap);
     artistLabel->setText(QString::fromStdString(ProgressArt::GetArtistName(artist, picture)) + QLatin1Char('\n') +
                          QString::fromStdString(ProgressArt::GetArtistLifeSpan(artist, picture)));
     update(GetPictureRect());
