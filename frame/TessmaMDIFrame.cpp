@@ -434,6 +434,22 @@ void TessmaMDIFrame::setVisible(bool visible)
         LoadWindowPosition();
     }
     TsFrameWnd::setVisible(visible);
+    KeepSplashOnTop();
+}
+
+void TessmaMDIFrame::changeEvent(QEvent* event)
+{
+    TsFrameWnd::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange)
+        KeepSplashOnTop();
+}
+
+// A window manager may raise the frame above the splash as it comes up or is
+// activated; the splash stays in front for as long as it is shown.
+void TessmaMDIFrame::KeepSplashOnTop()
+{
+    if (TsSplashWindow* splash = TsStartWindow::Instance(); splash && splash->isVisible())
+        splash->raise();
 }
 
 void TessmaMDIFrame::closeEvent(QCloseEvent* event)

@@ -182,6 +182,8 @@ public:
     void setVisible(bool visible) override;
 
 protected:
+    /// Activation keeps the splash in front.
+    void changeEvent(QEvent* event) override;
     CmdTarget* GetActiveCommandTarget() const override;
     /// The frame's timers by their ids (ETimer).
     virtual void OnTimer(unsigned int id);
@@ -198,6 +200,8 @@ private:
     QPointer<TsStatusBar> mStatusBar;
     QMdiArea* mMdiArea;
     QBasicTimer mMemoryTimer;
+    void KeepSplashOnTop();
+
     QBasicTimer mSplashTimer;
     bool mPositionApplied = false;
     std::new_handler mPreviousNewHandler = nullptr;
