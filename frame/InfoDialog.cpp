@@ -221,12 +221,12 @@ void InfoDialog::Build()
     if (format == ePlainText) {
         auto* plain = static_cast<QPlainTextEdit*>(view);
         const QMargins margins = layout->contentsMargins();
-        const int textWidth = most.width() - margins.left() - margins.right() - 2 * plain->frameWidth() -
-                              2 * static_cast<int>(plain->document()->documentMargin());
+        // Frame and document margin on each side of the text.
+        const int border = plain->frameWidth() + static_cast<int>(plain->document()->documentMargin());
+        const int textWidth = most.width() - margins.left() - margins.right() - 2 * border;
         const QRect lines = plain->fontMetrics().boundingRect(QRect(0, 0, std::max(textWidth, 1), 1 << 20),
                                                               Qt::TextWordWrap, plain->toPlainText());
-        const int textHeight = lines.height() + 2 * plain->frameWidth() +
-                               2 * static_cast<int>(plain->document()->documentMargin()) + plain->fontMetrics().height();
+        const int textHeight = lines.height() + 2 * border + plain->fontMetrics().height();
         const int height = margins.top() + textHeight + layout->spacing() + mButtonRow->sizeHint().height() +
                            margins.bottom();
         most.setHeight(std::min(most.height(), height));

@@ -79,7 +79,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string file = Folder() + "/HKCU.sqlite";
     for (const char* companion : {"", "-wal", "-shm"})
         unlink((file + companion).c_str());
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    const std::string content(reinterpret_cast<const char*>(data), size);
+    std::ofstream(file, std::ios::binary) << content;
     korva::RegistryStore::Reset();
 
     bool damaged = !Walk(HKEY_CURRENT_USER, 0);
@@ -95,6 +96,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     korva::RegistryStore::Reset();
     if (damaged)
-        Check(Read(file) == std::string(reinterpret_cast<const char*>(data), size));
+        Check(Read(file) == content);
     return 0;
 }
