@@ -93,6 +93,10 @@ int CheckIntact(sqlite::Database& database, const std::string& path, bool& intac
     int rc = database.ReadText(small ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)", verdict);
     if (rc == SQLITE_OK)
         rc = database.ReadInt("PRAGMA user_version", version);
+    // Every statement must find its tables and columns: a store whose schema was
+    // changed is as damaged as one with a broken page (preparing marks it).
+    for (std::size_t which = 0; rc == SQLITE_OK && version == kSchemaVersion && which < StatementCount; ++which)
+        database.Prepared(which, rc);
     // A version this code does not know is no registry store of its own either.
     intact = !database.Damaged() &&
              (rc != SQLITE_OK || (verdict == "ok" && (version == 0 || version == kSchemaVersion)));

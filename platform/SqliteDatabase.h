@@ -55,11 +55,14 @@ public:
     bool ReadOnly() const { return mReadOnly; }
     void SetBusyTimeout(int milliseconds);
 
-    /// Records a result of this connection: damage (SQLITE_CORRUPT, SQLITE_NOTADB)
-    /// marks the database damaged for good. Returns `rc`.
+    /// Records a result of this connection: whatever reads as damage
+    /// (Win32Result gives ERROR_REGISTRY_CORRUPT: a corrupt page, no database,
+    /// a table or column missing) marks the database damaged for good, so that
+    /// a call that reported damage is never followed by a write. Returns `rc`.
     int Note(int rc)
     {
-        if ((rc & 0xFF) == SQLITE_CORRUPT || (rc & 0xFF) == SQLITE_NOTADB)
+        if (rc != SQLITE_OK && rc != SQLITE_ROW && rc != SQLITE_DONE &&
+            Win32Result(rc, false) == ERROR_REGISTRY_CORRUPT)
             MarkDamaged();
         return rc;
     }

@@ -77,6 +77,7 @@ TEST_F(RegistryDamageTest, DamagedFileIsRefusedUntouchedAndMovedAsideAtTheNextSt
         [&] { Overwrite(static_cast<long>(content.find("Key 150")) + 4, "7"); },
         [&] { Overwrite(static_cast<long>(content.rfind("Key 150")) + 4, "7"); },
         [&] { Overwrite(size - 2 * kPage, content.substr(kPage, kPage)); },        // a page copied over another
+        [&] { Overwrite(static_cast<long>(content.find("data BLOB")), "okta"); },  // a column renamed
     };
     for (std::size_t row = 0; row < std::size(damages); ++row) {
         SCOPED_TRACE("damage " + std::to_string(row));
