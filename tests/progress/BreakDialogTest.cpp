@@ -215,9 +215,15 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgainInAShu
     const QRect portrait = mDialog->GetPortraitRect(), artist = mDialog->GetArtistLabel()->geometry();
     const QRect title = mDialog->GetPaintingLabel()->geometry(), button = mDialog->GetStopButton()->geometry();
     EXPECT_TRUE(portrait.left() > picture.right() && artist.top() > portrait.bottom());
-    EXPECT_GT(title.top(), picture.bottom());
     EXPECT_EQ(button.right() + 1, mDialog->width() - BreakDialog::kMargin);
-    EXPECT_TRUE(button.bottom() < title.top() && button.top() > artist.bottom());
+    EXPECT_TRUE(button.bottom() <= picture.bottom() && button.top() > artist.bottom());
+    // The title right under the painting, which stands centred in the picture area.
+    const auto titleUnderPainting = [&] {
+        const int shown = std::min(mDialog->GetPainting().height(), picture.height());
+        const int gap = mDialog->GetPaintingLabel()->y() - (picture.top() + (picture.height() - shown) / 2 + shown);
+        return gap > 0 && gap <= 8 && mDialog->GetPaintingLabel()->x() == title.x();
+    };
+    EXPECT_TRUE(titleUnderPainting());
 
     // One painting per client, in the shuffled order, wrapping at the end.
     for (int client = 0; client <= count; ++client) {
@@ -230,6 +236,7 @@ TEST_F(BreakDialogTest, ArtLayoutShowsEveryPaintingOnceBeforeAnyComesAgainInAShu
         EXPECT_EQ(mDialog->GetPaintingIndex(), client % count);
         EXPECT_EQ(mDialog->GetPainting().size(), ProgressArt::GetPainting(0, number).size());
         EXPECT_EQ(mDialog->GetPaintingLabel()->text().toStdString(), ProgressArt::GetPaintingName(0, number));
+        EXPECT_TRUE(titleUnderPainting());
         EXPECT_EQ(mDialog->GetArtistLabel()->text().toStdString(),
                   ProgressArt::GetArtistName(0, number) + "\n" + ProgressArt::GetArtistLifeSpan(0, number));
     }
