@@ -22,16 +22,6 @@ using korva::ArtStorageWriter;
 
 namespace {
 
-std::string FailureOf(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Exception& exception) {
-        return exception.Why();
-    }
-    return "(no exception)";
-}
-
 class ArtInfoTest : public ::testing::Test
 {
 protected:
@@ -222,7 +212,7 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTextsAndKeepTheOldFileReadable)
          "Reading from " + File("damaged.tart") + " failed."},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(row.text, FailureOf(row.save));
+        EXPECT_EQ(row.text, Thrown(row.save));
     EXPECT_EQ(damaged, ReadFile(File("damaged.tart")));
     // A picture that failed in the middle leaves the old description; the streams written before it stay.
     auto read = Read(target);

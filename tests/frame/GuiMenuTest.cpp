@@ -64,16 +64,6 @@ QMenu* Parse(const std::string& text)
     return MenuResource::Parse(text.data(), text.size(), 7);
 }
 
-std::string Thrown(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Exception& e) {
-        return e.Why();
-    }
-    return "(nothing thrown)";
-}
-
 class GuiMenuTest : public ::testing::Test
 {
 protected:

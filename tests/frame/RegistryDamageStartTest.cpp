@@ -1,6 +1,5 @@
 // The start of an application with a damaged registry file.
 
-#include "../utl/TempDir.h"
 #include "TestApplication.h"
 
 #include <KORVAutlwin/frame/MuteInformUserComm.h>

@@ -39,15 +39,6 @@ protected:
         }
         return {type, size};
     }
-    static std::string Thrown(const std::function<void()>& action)
-    {
-        try {
-            action();
-        } catch (const Exception& e) {
-            return e.Why();
-        }
-        return "(nothing thrown)";
-    }
 };
 
 TEST_F(RegistrySectionTest, ConstructorsOpenCreateOrThrowTheirTexts)

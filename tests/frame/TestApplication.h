@@ -3,16 +3,14 @@
 // kept (Qt allows one per process), offscreen; and the helpers that find a
 // dialog's controls by "ctrlId" and answer it.
 
+#include "../utl/TempDir.h"
+
 #include <KORVAutlwin/frame/GuardedApplication.h>
 
 #include <QtTest>
 #include <QtWidgets>
 
 #include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
-#include <functional>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>

@@ -1,20 +1,14 @@
 // The registry store: Win32 semantics, and what SQLite must guarantee underneath
 // (other processes, killed writers, read-only and damaged files).
 
+#include "utl/TempDir.h"
+
 #include <KORVAutlwin/platform/Registry.h>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <chrono>
-#include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iterator>
-#include <string>
-#include <thread>
 #include <vector>
 
 #include <sys/stat.h>
@@ -53,18 +47,10 @@ class RegistryStoreTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        char pattern[] = "/tmp/korva-registry-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern), nullptr);
-        mDir = pattern;
-        ::setenv("KORVA_REGISTRY_DIR", mDir.c_str(), 1);
+        ::setenv("KORVA_REGISTRY_DIR", mDir.Path().c_str(), 1);
         korva::RegistryStore::Reset();
     }
-    void TearDown() override
-    {
-        korva::RegistryStore::Reset();   // also closes what a test left open
-        std::error_code ignored;
-        fs::remove_all(mDir, ignored);
-    }
+    void TearDown() override { korva::RegistryStore::Reset(); }   // also closes what a test left open
 
     static LONG CreateKey(HKEY root, const std::string& path, REGSAM access, HKEY* key, DWORD* disposition = nullptr)
     {
@@ -118,12 +104,12 @@ protected:
                                          nullptr, nullptr);
         return rc == ERROR_SUCCESS ? Info(n, n + 5) : Info{static_cast<DWORD>(rc)};
     }
-    std::string FileOf(const char* root) const { return mDir + "/" + root + ".sqlite"; }
+    std::string FileOf(const char* root) const { return mDir.File(std::string(root) + ".sqlite"); }
     static std::string Bytes(const void* data, std::size_t size) { return {static_cast<const char*>(data), size}; }
     static std::string Text(const std::string& text) { return text + '\0'; }   // a text value as stored
     static std::string Err(LONG rc) { return "<error " + std::to_string(rc) + ">"; }
 
-    std::string mDir;
+    TempDir mDir;
 };
 
 TEST_F(RegistryStoreTest, NamesCompareWithoutCaseAndKeepTheirFirstSpelling)
@@ -370,7 +356,7 @@ TEST_F(RegistryStoreTest, RootsThatCannotBeWrittenAreReadOnly)
     Create(HKEY_LOCAL_MACHINE, "SOFTWARE\\Vendor");
     ASSERT_EQ(SetText(HKEY_LOCAL_MACHINE, "RootValue", "r"), ERROR_SUCCESS);
     korva::RegistryStore::Reset();
-    EXPECT_TRUE(AsUnprivileged(mDir, [] {
+    EXPECT_TRUE(AsUnprivileged(mDir.Path(), [] {
         HKEY key = nullptr;
         EXPECT_EQ(Get(HKEY_LOCAL_MACHINE, "RootValue"), Text("r"));
         EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Vendor", 0, KEY_WRITE, &key), ERROR_ACCESS_DENIED);
@@ -400,8 +386,7 @@ TEST_F(RegistryStoreTest, DamagedFilesGiveCorruptAndAreLeftAlone)
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "x", 0, KEY_READ, &key), ERROR_REGISTRY_CORRUPT);
     EXPECT_EQ(SetText(HKEY_CURRENT_USER, "v", "x"), ERROR_REGISTRY_CORRUPT);
-    std::ifstream in(FileOf("HKCU"), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), garbage);
+    EXPECT_EQ(ReadFile(FileOf("HKCU")), garbage);
     EXPECT_EQ(SetText(HKEY_LOCAL_MACHINE, "v", "x"), ERROR_SUCCESS);   // the other root is not affected
 
     // A registry whose pages after the first are damaged: the damage is reported when a call reaches it.
@@ -442,7 +427,7 @@ TEST_F(RegistryStoreTest, WritersInTwoProcessesKilledAtAnyMomentLoseNothingTheyR
     const auto data = [](std::uint32_t record) { return std::string(300, 'k') + std::to_string(record); };
     for (const std::size_t killAfter : {1, 40, 600}) {
         // A new store each round: both writers also race to set it up.
-        ::setenv("KORVA_REGISTRY_DIR", (mDir + "/" + std::to_string(killAfter)).c_str(), 1);
+        ::setenv("KORVA_REGISTRY_DIR", mDir.File(std::to_string(killAfter)).c_str(), 1);
         korva::RegistryStore::Reset();
         int gate[2], reports[2];
         ASSERT_EQ(::pipe(gate) | ::pipe(reports), 0);

@@ -14,15 +14,6 @@ namespace {
 
 const auto kDone = static_cast<QEvent::Type>(QEvent::registerEventType());
 
-// Waits (without handling events) until `condition` holds; false after 10 s.
-bool WaitUntil(const std::function<bool()>& condition)
-{
-    for (const auto deadline = std::chrono::steady_clock::now() + 10s; !condition(); std::this_thread::sleep_for(1ms))
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-    return true;
-}
-
 // A function that runs until it is stopped (returns -1) or released (returns its call number).
 struct Controlled
 {
@@ -42,7 +33,7 @@ struct Controlled
             return released ? float(call) : -1.0f;
         };
     }
-    bool Entered() { return WaitUntil([this] { return entered.exchange(false); }); }
+    bool Entered() { return WaitFor([this] { return entered.exchange(false); }, 10s); }
 };
 
 class InThreadTest : public ::testing::Test
@@ -72,7 +63,7 @@ TEST_F(InThreadTest, RunsAtTheLowestNicePriorityPostsOneNoticeAtItsEndButStopBef
     std::thread::id runThread;
     InThread finished([&](bool&) { runThread = std::this_thread::get_id(); return float(Nice()); }, &mReceiver, kDone);
     finished.Start();
-    ASSERT_TRUE(WaitUntil([&] { return !finished.IsRunning(); }));
+    ASSERT_TRUE(WaitFor([&] { return !finished.IsRunning(); }, 10s));
     EXPECT_EQ(mReceiver.count, 0) << "posted, not sent from the thread";
     EXPECT_EQ(finished.get(), float(InThread::kThreadNice));
     EXPECT_NE(runThread, std::this_thread::get_id());
@@ -83,7 +74,7 @@ TEST_F(InThreadTest, RunsAtTheLowestNicePriorityPostsOneNoticeAtItsEndButStopBef
     std::atomic<bool> stopSeen{true};
     InThread stopped([&](bool& stop) { stopSeen = InThread::StopRequested(stop); return 4.0f; }, &mReceiver, kDone);
     stopped.Start();
-    ASSERT_TRUE(WaitUntil([&] { return !stopped.IsRunning(); }));
+    ASSERT_TRUE(WaitFor([&] { return !stopped.IsRunning(); }, 10s));
     stopped.Stop();
     EXPECT_FALSE(stopped.HasThread());
     EXPECT_EQ(Deliver(), 1) << "the waiting notice was removed";

@@ -22,12 +22,7 @@ using Lines = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
 
 // Whether `pid` has ended and was reaped, within 5 s.
-bool Reaped(pid_t pid)
-{
-    for (const auto deadline = Clock::now() + std::chrono::seconds(5); kill(pid, 0) == 0 && Clock::now() < deadline;)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return kill(pid, 0) != 0;
-}
+bool Reaped(pid_t pid) { return WaitFor([pid] { return kill(pid, 0) != 0; }, std::chrono::seconds(5)); }
 
 class ProgressBreakRouteTest : public ProgressFrameFixture
 {
