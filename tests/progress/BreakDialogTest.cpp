@@ -303,7 +303,7 @@ TEST_F(BreakDialogInProcessTest, EscapeAnsweredNoGoesOnAStopConfirmedMakesTheNex
         }
         return true;
     })) << "the click never reached the stop button";
-    EXPECT_EQ(std::tuple(progress->NextSpin(), dialog->GetGauge()->GetCaption()), std::tuple(false, "Stopping..."));
+    EXPECT_EQ((std::tuple{progress->NextSpin(), dialog->GetGauge()->GetCaption()}), std::tuple(false, "Stopping..."));
     // The end of the work ends the service; the next client is not stopped by the last one's answer.
     progress.reset();
     EXPECT_TRUE(!dialog->IsServing() && Progress(nullptr, "Again", 0.0f, 1.0f, false, true, true).Set(0.5f));

@@ -6,9 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <memory>
-
 namespace fs = std::filesystem;
 
 namespace {
