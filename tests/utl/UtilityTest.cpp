@@ -97,9 +97,9 @@ TEST(SystemInfoTest, VersionsComeFromTheFile)
     int major = 0, minor = 0, build = 0, revision = 0;
     ASSERT_TRUE(TsSystemInfo::GetApplicationVersion(major, minor, build, revision));
     EXPECT_EQ((std::vector<int>{major, minor, build, revision}), (std::vector<int>{3, 14, 15, 92}));
-    EXPECT_EQ(TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort) + "|" +
-                  TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionLong) + "|" + TsSystemInfo::GetApplicationName(),
-              "3.14|3.14.15.92|utl_tests");
+    EXPECT_EQ(TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionShort), "3.14");
+    EXPECT_EQ(TsSystemInfo::GetApplicationVersion(TsSystemInfo::eVersionLong), "3.14.15.92");
+    EXPECT_EQ(TsSystemInfo::GetApplicationName(), "utl_tests");
     // A program that declares no version gives false and keeps the numbers.
     EXPECT_TRUE(!TsSystemInfo::GetApplicationVersion(major, minor, build, revision, "/bin/sh") && major == 3);
 }
