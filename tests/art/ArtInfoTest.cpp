@@ -248,7 +248,8 @@ TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)
         SaveWithPicture(art, File("readonly.tart"), source);
         chmod(File("readonly.tart").c_str(), 0444);
         SaveWithPicture(art, File("readonly.tart"), source);
-        EXPECT_EQ(std::tuple(3u, 1u), std::tuple(app.messages.size(), Read(File("readonly.tart"))->GetCollections().size()));
+        EXPECT_EQ(std::tuple(app.messages.size(), Read(File("readonly.tart"))->GetCollections().size()),
+                  std::tuple(3u, 1u));
     }
 }
 
