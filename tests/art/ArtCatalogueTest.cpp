@@ -5,8 +5,6 @@
 
 #include <KORVAutl/TsFileUtl.h>
 
-#include <gtest/gtest.h>
-
 using korva::ArtCatalogue;
 using namespace korva::test;
 

@@ -9,8 +9,6 @@
 #include <boost/archive/archive_exception.hpp>
 #include <boost/iostreams/stream.hpp>
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 using namespace korva::test;
@@ -252,7 +250,6 @@ TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)
                   std::tuple(3u, 1u));
     }
 }
-
 
 void WriteThroughDevice(const std::string& path, const std::string& text)
 {

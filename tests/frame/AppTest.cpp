@@ -6,9 +6,7 @@
 #include <KORVAutlwin/frame/TsApp.h>
 
 #include <KORVAutl/Exception.h>
-#include <KORVAutl/LanguageString.h>
 #include <KORVAutl/ResourceModule.h>
-#include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsSystemInfo.h>
 #include <KORVAutl/XMLSection.h>
 

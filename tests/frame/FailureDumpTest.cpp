@@ -4,8 +4,6 @@
 
 #include "frame/helpers/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <regex>
 

@@ -10,8 +10,6 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/LanguageString.h>
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 namespace {

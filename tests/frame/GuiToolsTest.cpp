@@ -7,8 +7,6 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/TsString.h>
 
-#include <gtest/gtest.h>
-
 #include <dlfcn.h>
 
 #include <cerrno>

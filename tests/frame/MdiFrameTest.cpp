@@ -8,8 +8,6 @@
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/TsStartWindow.h>
 
-#include <KORVAutl/LanguageString.h>
-
 #include <cmath>
 #include <deque>
 #include <new>

@@ -9,12 +9,7 @@
 #include <KORVAutl/Log.h>
 #include <KORVAutl/UserComm.h>
 
-#include <QCoreApplication>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
 
 TEST(RegistryDamageStartTest, StartKeepsTheDamagedFileAsideLogsItAndTellsTheUserOnce)
 {

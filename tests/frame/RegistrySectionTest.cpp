@@ -4,7 +4,6 @@
 #include "MdiFrameTestSupport.h"
 
 #include <KORVAutl/Exception.h>
-#include <KORVAutl/LanguageString.h>
 #include <KORVAutl/TsSystemInfo.h>
 
 namespace {

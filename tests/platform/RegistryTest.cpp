@@ -5,7 +5,6 @@
 
 #include <KORVAutlwin/platform/Registry.h>
 
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <cstdio>

@@ -7,10 +7,6 @@
 
 #include <KORVAutlwin/progress/BreakWindowProcess.h>
 
-#include <fstream>
-#include <string>
-#include <vector>
-
 using korva::test::BreakMessage;
 using korva::test::ProgressFrameFixture;
 

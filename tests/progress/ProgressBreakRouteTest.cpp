@@ -7,8 +7,6 @@
 #include <KORVAutlwin/progress/TsGauge.h>
 
 #include <cstring>
-#include <fstream>
-#include <map>
 
 #include <fcntl.h>
 #include <signal.h>

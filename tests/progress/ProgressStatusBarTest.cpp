@@ -2,7 +2,6 @@
 
 #include "ProgressTestSupport.h"
 
-#include <KORVAutl/LanguageString.h>
 #include <KORVAutlwin/progress/BreakWindowProcess.h>
 #include <KORVAutlwin/progress/SpinWindow.h>
 #include <KORVAutlwin/progress/TsGauge.h>

@@ -13,7 +13,6 @@
 #include <QWindow>
 
 #include <atomic>
-#include <thread>
 
 // The platform's input queue, where real input waits for the event loop; QtGui exports it, its header is not installed.
 class QWindowSystemInterface

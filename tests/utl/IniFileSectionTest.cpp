@@ -4,8 +4,6 @@
 #include <KORVAutl/IniFileSection.h>
 #include <KORVAutl/XMLSection.h>
 
-#include <gtest/gtest.h>
-
 namespace fs = std::filesystem;
 
 namespace {

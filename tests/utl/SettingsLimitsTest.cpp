@@ -6,9 +6,6 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/XMLSection.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <vector>
 
 namespace {

@@ -1,5 +1,8 @@
 #pragma once
-// Files for tests, and a fresh folder below the system's temporary folder, removed with its content at scope end.
+// What every suite uses: files, a fresh folder below the system's temporary folder (removed with its content at
+// scope end), the text of a thrown exception, and waiting for a condition.
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <csignal>

@@ -4,8 +4,6 @@
 #include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/TsString.h>
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <cerrno>
 #include <climits>

@@ -9,8 +9,6 @@
 #include <KORVAutl/TsSystemInfo.h>
 #include <KORVAutlwin/platform/TsUnicode.h>
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <map>

@@ -9,8 +9,6 @@
 #include <KORVAutl/XMLInputStream.h>
 #include <KORVAutl/XMLSection.h>
 
-#include <gtest/gtest.h>
-
 #include <map>
 
 #include <sys/stat.h>
