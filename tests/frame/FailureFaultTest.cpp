@@ -33,11 +33,6 @@ std::pair<unsigned int, std::string> Fault(const std::function<void()>& body)
     return {0, ""};
 }
 
-unsigned int FaultCode(const std::function<void()>& body)
-{
-    return Fault(body).first;
-}
-
 [[gnu::noinline]] void WriteAt(std::uintptr_t address)
 {
     *reinterpret_cast<volatile int*>(address) = 7;
@@ -81,7 +76,7 @@ TEST(FailureFaultTest, EachFaultComesOutWithItsCodeAndTheProcessGoesOn)
 #endif
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(FaultCode(c.body), c.code) << c.name;
+        EXPECT_EQ(Fault(c.body).first, c.code) << c.name;
         fedisableexcept(FE_ALL_EXCEPT);
         feclearexcept(FE_ALL_EXCEPT);
     }
@@ -97,18 +92,18 @@ TEST(FailureFaultTest, GuardsNest)
 {
     // A fault in the inner guard ends there; the outer body goes on and its guard catches its own fault.
     unsigned int inner = 0;
-    EXPECT_EQ(FaultCode([&] {
-                  inner = FaultCode([] { WriteAt(0x80); });
+    EXPECT_EQ(Fault([&] {
+                  inner = Fault([] { WriteAt(0x80); }).first;
                   WriteAt(0x90);
-              }),
+              }).first,
               0xC0000005u);
     EXPECT_EQ(inner, 0xC0000005u);
     // A translated fault that the outer body does not catch travels on through the outer guard.
-    EXPECT_EQ(FaultCode([] { RunWithFaultTranslation([] { WriteAt(0xA0); }); }), 0xC0000005u);
+    EXPECT_EQ(Fault([] { RunWithFaultTranslation([] { WriteAt(0xA0); }); }).first, 0xC0000005u);
     // Ordinary exceptions pass through guards unchanged, and leave no guard behind.
     EXPECT_THROW(RunWithFaultTranslation([] { RunWithFaultTranslation([] { throw std::runtime_error("x"); }); }),
                  std::runtime_error);
-    EXPECT_EQ(FaultCode([] { WriteAt(0xB0); }), 0xC0000005u);
+    EXPECT_EQ(Fault([] { WriteAt(0xB0); }).first, 0xC0000005u);
 }
 
 TEST(FailureFaultTest, StackOverflowOnAThreadWithASmallStack)
@@ -126,7 +121,7 @@ TEST(FailureFaultTest, StackOverflowOnAThreadWithASmallStack)
         auto* run = static_cast<Run*>(argument);
         run->fault = Fault([] { Recurse(0); });
         // The thread's stack is usable again after the overflow.
-        run->wentOn = FaultCode([] { Recurse(-1); }) == 0 && FaultCode([] { WriteAt(0); }) == 0xC0000005u;
+        run->wentOn = Fault([] { Recurse(-1); }).first == 0 && Fault([] { WriteAt(0); }).first == 0xC0000005u;
         return nullptr;
     };
     ASSERT_EQ(pthread_create(&thread, &attributes, body, &run), 0);

@@ -59,8 +59,7 @@ TEST_F(MessageDialogTest, CheckedAnswerIsRememberedButNeverCancel)
     // Checked and No: stored in the application's profile, and the next call is answered by it.
     CheckAnd(kBoxCheck, IDNO);
     EXPECT_EQ(ask(), IDNO);
-    EXPECT_EQ(Stored(key), "7");
-    EXPECT_FALSE(ShowDontShowAgainMessage(key));
+    EXPECT_EQ(std::tuple(Stored(key), ShowDontShowAgainMessage(key)), std::tuple("7", false));
 }
 
 TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
@@ -92,8 +91,7 @@ TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnc
     // Checked and Yes: stored as the button's bit.
     CheckAnd(kCheck, IDYES);
     EXPECT_EQ(run(InfoDialog::eYes | InfoDialog::eNo, InfoDialog::eYes), IDYES);
-    EXPECT_EQ(Stored(key), "8");
-    EXPECT_FALSE(InfoDialog::WillShow(key));
+    EXPECT_EQ(std::tuple(Stored(key), InfoDialog::WillShow(key)), std::tuple("8", false));
 
     // Each stored button stands for its answer; Close and Cancel for IDCANCEL.
     for (const auto& [stored, answer] : {std::pair{1, IDCANCEL}, {2, IDOK}, {4, IDCANCEL}, {8, IDYES}, {16, IDNO}}) {
