@@ -144,7 +144,8 @@ TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)
         // The question with details is not remembered: it asks, and leaves the "to all" alone.
         Answer(mShown, Key(Qt::Key_Return));
         EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
-        EXPECT_EQ(std::tuple(mShown.kind, scope.GetLastAnsver(), scope.GetUsage()), std::tuple("YesNoDialog", toAll, 3));
+        EXPECT_EQ(std::tuple(mShown.kind, scope.GetLastAnsver(), scope.GetUsage()),
+                  std::tuple("YesNoDialog", toAll, 3));
     }
 
     // A new scope starts without an answer; the plain yes/no question asks through the box.
@@ -156,6 +157,7 @@ TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)
 
 TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
 {
+    constexpr int kTextCtrlId = CustomMessageBoxDlg::kTextCtrlId;
     StandardUserComm standard;
     UserComm::SetUserComm(&standard);
     Answer(mShown, Key(Qt::Key_Return));
@@ -165,7 +167,7 @@ TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
         Inform({"3 files written."});
     }
     // Titled with the application's name.
-    EXPECT_EQ(std::tuple(mShown.texts[CustomMessageBoxDlg::kTextCtrlId], mShown.type, mShown.title, standard.GetUsage()),
+    EXPECT_EQ(std::tuple(mShown.texts[kTextCtrlId], mShown.type, mShown.title, standard.GetUsage()),
               std::tuple("Export:\n3 files written.\n", unsigned(MB_ICONASTERISK), "Dialogs", 1));
     UserComm::SetUserComm(&mOuter);
 }
