@@ -1,6 +1,5 @@
-// Crashes for real, in a child process (the helper program): a fault outside
-// every guard, on the main thread and on a worker, a stack overflow and an
-// uncaught exception must each leave a dump and end the process as a crash.
+// Crashes for real, in a child process (the helper program): a fault outside every guard, on the main thread and on a
+// worker, a stack overflow and an uncaught exception must each leave a dump and end the process as a crash.
 
 #include "frame/helpers/ChildProcess.h"
 

@@ -1,6 +1,5 @@
-// Processor faults inside RunWithFaultTranslation, raised for real: they must
-// come out as TsSystemException with the right code and text, and the process
-// must go on working afterwards.
+// Processor faults inside RunWithFaultTranslation, raised for real: they must come out as TsSystemException with the
+// right code and text, and the process must go on working afterwards.
 
 #include <KORVAutlwin/frame/CExceptionHelper.h>
 #include <KORVAutlwin/frame/FaultTranslation.h>

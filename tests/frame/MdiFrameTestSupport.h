@@ -1,6 +1,6 @@
 #pragma once
-// What the frame and dialog tests share: an application object whose profile
-// lives in a fresh registry store, and the means to see and answer its boxes.
+// What the frame and dialog tests share: an application object whose profile lives in a fresh registry store, and the
+// means to see and answer its boxes.
 
 #include "TestApplication.h"
 

@@ -1,6 +1,5 @@
-// The message box: buttons, icon, default button, Escape, wrapping, check box
-// and captions; the line breaker; the switch that mutes the details dialog; the
-// "to all" question without a default (button sets and defaults are checked
+// The message box: buttons, icon, default button, Escape, wrapping, check box and captions; the line breaker; the
+// switch that mutes the details dialog; the "to all" question without a default (button sets and defaults are checked
 // through the user channel).
 
 #include "MdiFrameTestSupport.h"

@@ -1,7 +1,6 @@
 #pragma once
-// One guarded QApplication for the whole test program, made on first use and
-// kept (Qt allows one per process), offscreen; and the helpers that find a
-// dialog's controls by "ctrlId" and answer it.
+// One guarded QApplication for the whole test program, made on first use and kept (Qt allows one per process),
+// offscreen; and the helpers that find a dialog's controls by "ctrlId" and answer it.
 
 #include "../utl/TempDir.h"
 

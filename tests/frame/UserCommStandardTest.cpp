@@ -1,6 +1,5 @@
-// The dialog channel: which dialog each call shows (by the length of the text),
-// default buttons and answers, usage counting, the message box helper, the
-// silenced informs in the registry, and the running progress that each dialog
+// The dialog channel: which dialog each call shows (by the length of the text), default buttons and answers, usage
+// counting, the message box helper, the silenced informs in the registry, and the running progress that each dialog
 // steps in front of.
 
 #include "../progress/ProgressTestSupport.h"
