@@ -145,8 +145,7 @@ TEST_F(ProgressBreakRouteTest, WithoutGaugeOnlyTheStartIsSentInactiveObjectsSend
         EXPECT_FALSE(quick.IsActive());
         EXPECT_EQ(Taken(), Lines{"show 1"});
     }
-    EXPECT_TRUE(gauge->isVisible());
-    EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), 0);
+    EXPECT_TRUE(gauge->isVisible() && bar.CommandToIndex(Progress::kGaugePaneId) == 0);
 }
 
 TEST_F(ProgressBreakRouteTest, WithoutAWindowOrACompanionThatCannotStartOrIsOfAnotherVersionTheRouteShowsNothing)
@@ -155,10 +154,8 @@ TEST_F(ProgressBreakRouteTest, WithoutAWindowOrACompanionThatCannotStartOrIsOfAn
         BreakWindowChannel::SetChannel(none ? nullptr : &mProcess);
         setenv("KORVA_BREAKWIN", "/nonexistent/breakwin", 1);
         Progress progress(nullptr, "No window", 0.0f, 2.0f, true, true, true);
-        EXPECT_TRUE(progress.IsActive());
-        EXPECT_TRUE(progress.Set(1.0f));
+        EXPECT_TRUE(progress.IsActive() && progress.Set(1.0f) && progress.SetInfoStr("Still counting"));
         EXPECT_FLOAT_EQ(progress.GetValue(), 1.0f);
-        EXPECT_TRUE(progress.SetInfoStr("Still counting"));
         Progress::Hide();
         EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     }
@@ -220,11 +217,9 @@ TEST_F(ProgressBreakRouteTest, OurEndIsCloseOnExecAndAKilledOrHangingCompanionLe
     EXPECT_TRUE(!mProcess.IsWindow() && mProcess.GetCompanionPid() == 0);
     EXPECT_TRUE(Reaped(first) && Progress::GetBreakWindow() == nullptr);
     ASSERT_TRUE(mProcess.Create());
-    EXPECT_NE(mProcess.GetCompanionPid(), first);
-    EXPECT_TRUE(progress.Set(60.0f));
+    EXPECT_TRUE(mProcess.GetCompanionPid() != first && progress.Set(60.0f));
 
     // A companion that stops answering is given up after the acknowledgement timeout.
-    ASSERT_TRUE(mProcess.Create());
     const pid_t hanging = mProcess.GetCompanionPid();
     ASSERT_EQ(kill(hanging, SIGSTOP), 0);
     const auto stopped = Clock::now();
