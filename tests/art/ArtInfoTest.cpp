@@ -113,8 +113,7 @@ TEST_F(ArtInfoTest, PicturesShrinkAndTurnAndSavingAgainKeepsTheOlderSetFirstAndI
     const auto read = Read(File("a.tart"));
     ASSERT_TRUE(read);
     EXPECT_EQ(Describe(first) + Describe(second), Describe(*read));
-    EXPECT_TRUE(Near(read->GetImage(0, 1), {5, 5}, Qt::red));
-    EXPECT_TRUE(Near(read->GetImage(2, 0), {5, 5}, Qt::blue));
+    EXPECT_TRUE(Near(read->GetImage(0, 1), {5, 5}, Qt::red) && Near(read->GetImage(2, 0), {5, 5}, Qt::blue));
     // The same collections again: doubled in the description, their streams replaced, not doubled.
     SaveWithPicture(second, File("a.tart"), red);
     const auto again = Read(File("a.tart"));
@@ -224,8 +223,7 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTextsAndKeepTheOldFileReadable)
     EXPECT_EQ(before, files());
     ASSERT_TRUE(read = Read(target));
     EXPECT_EQ(Describe(old) + Describe(portrayed), Describe(*read));
-    EXPECT_FALSE(read->GetImage(1, 0).isNull());
-    EXPECT_TRUE(read->GetIcon(1).isNull());
+    EXPECT_TRUE(!read->GetImage(1, 0).isNull() && read->GetIcon(1).isNull());
 }
 
 TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)

@@ -78,8 +78,7 @@ TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
 TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnchecked)
 {
     const char* key = "NewFeatures";
-    EXPECT_TRUE(InfoDialog::WillShow(""));
-    EXPECT_TRUE(InfoDialog::WillShow(key));
+    EXPECT_TRUE(InfoDialog::WillShow("") && InfoDialog::WillShow(key));
     const auto run = [key](int buttons, InfoDialog::Buttons defaultButton = InfoDialog::eOK) {
         InfoDialog dialog("Version 7 reads the new file format.");
         dialog.EnableDontShowAgain(key);
