@@ -5,12 +5,6 @@
 
 #include <KORVAutl/TsFileUtl.h>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <filesystem>
-#include <thread>
-
 using korva::ArtCatalogue;
 using namespace korva::test;
 
@@ -57,8 +51,8 @@ TEST_F(ArtCatalogueTest, NoFileNoArtistOneCollectionNoRandomArtistTwoARandomArti
     EXPECT_EQ(std::make_pair(1, 0), std::make_pair(catalogue.GetNumArtists(), catalogue.GetPreferedArtist()));
     EXPECT_EQ("one.tart0|life of one.tart0", catalogue.GetArtistName(0, -1) + "|" + catalogue.GetArtistLifeSpan(0, -1));
     EXPECT_EQ("Noon|", catalogue.GetPaintingName(0, 1) + "|" + catalogue.GetPaintingName(0, 2));
-    EXPECT_EQ(QSize(100, 50), catalogue.GetPainting(0, 0).size());
-    EXPECT_EQ(QSize(40, 60), catalogue.GetArtistPortrait(0, -1).size());
+    EXPECT_EQ(std::tuple(QSize(100, 50), QSize(40, 60)),
+              std::tuple(catalogue.GetPainting(0, 0).size(), catalogue.GetArtistPortrait(0, -1).size()));
     EXPECT_TRUE(catalogue.GetPainting(-1, 0).isNull());
 
     std::filesystem::remove(mFolder.File("one.tart"));
@@ -87,8 +81,8 @@ TEST_F(ArtCatalogueTest, NoFileNoArtistOneCollectionNoRandomArtistTwoARandomArti
     int artist = 2, picture = 4;
     ASSERT_TRUE(catalogue.ResolvePicture(artist, picture));
     EXPECT_EQ(std::make_pair(1, 1), std::make_pair(artist, picture));
-    EXPECT_EQ(QPoint(300, 250), catalogue.GetMaxBitmapSize());
-    EXPECT_EQ(QPoint(40, 60), catalogue.GetMaxPortraitSize());
+    EXPECT_EQ(std::tuple(QPoint(300, 250), QPoint(40, 60)),
+              std::tuple(catalogue.GetMaxBitmapSize(), catalogue.GetMaxPortraitSize()));
     catalogue.SetPreferedArtist(3);
     EXPECT_EQ(0, catalogue.GetPreferedArtist());
     catalogue.SetPreferedArtist(2);
@@ -132,19 +126,11 @@ TEST(ArtProgressArtTest, LoadsTheProgramFolderAndThePluginFolderOnce)
     EXPECT_EQ(std::max(shipped.GetMaxBitmapSize().x(), 399), ProgressArt::GetMaxBitmapSize().x());
     EXPECT_EQ(std::max(shipped.GetMaxPortraitSize().y(), 78), ProgressArt::GetMaxPortraitSize().y());
 
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < 25; ++i) {
-                const int at = pictures + (i + t) % 5;
-                wrong += ProgressArt::GetPaintingName(random, at).empty() ||
+    EXPECT_EQ(0, WrongOnFourThreads(25, [&](int t, int i) {
+                  const int at = pictures + (i + t) % 5;
+                  return ProgressArt::GetPaintingName(random, at).empty() ||
                          ProgressArt::GetPainting(random, at).size() != QSize(90, 70);
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(0, wrong.load());
+              }));
 }
 
 } // namespace

@@ -9,28 +9,13 @@
 #include <boost/archive/archive_exception.hpp>
 #include <boost/iostreams/stream.hpp>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <filesystem>
 #include <sys/stat.h>
-#include <thread>
 
 using namespace korva::test;
 using korva::ArtStorageReader;
 using korva::ArtStorageWriter;
 
 namespace {
-
-std::string FailureOf(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Exception& exception) {
-        return exception.Why();
-    }
-    return "(no exception)";
-}
 
 class ArtInfoTest : public ::testing::Test
 {
@@ -111,10 +96,10 @@ TEST_F(ArtInfoTest, PicturesShrinkAndTurnAndSavingAgainKeepsTheOlderSetFirstAndI
         const auto read = Read(File(name + ".tart"));
         ASSERT_TRUE(read);
         const QImage image = read->GetImage(0, 0);
-        EXPECT_EQ(row.picture, image.size());
-        EXPECT_EQ(row.portrait, read->GetIcon(0).size());
+        EXPECT_EQ(std::tuple(row.picture, row.portrait, row.picture),
+                  std::tuple(image.size(), read->GetIcon(0).size(),
+                             korva::ArtImage::StoredSize(source.c_str(), row.rotation, 400, 400)));
         EXPECT_TRUE(Near(image, row.redAt, Qt::red) && Near(image, row.blueAt, Qt::blue));
-        EXPECT_EQ(row.picture, korva::ArtImage::StoredSize(source.c_str(), row.rotation, 400, 400));
     }
 
     const std::string red = WritePicture(File("red.png"), 50, 40, Qt::red, Qt::red);
@@ -128,14 +113,13 @@ TEST_F(ArtInfoTest, PicturesShrinkAndTurnAndSavingAgainKeepsTheOlderSetFirstAndI
     const auto read = Read(File("a.tart"));
     ASSERT_TRUE(read);
     EXPECT_EQ(Describe(first) + Describe(second), Describe(*read));
-    EXPECT_TRUE(Near(read->GetImage(0, 1), {5, 5}, Qt::red));
-    EXPECT_TRUE(Near(read->GetImage(2, 0), {5, 5}, Qt::blue));
+    EXPECT_TRUE(Near(read->GetImage(0, 1), {5, 5}, Qt::red) && Near(read->GetImage(2, 0), {5, 5}, Qt::blue));
     // The same collections again: doubled in the description, their streams replaced, not doubled.
     SaveWithPicture(second, File("a.tart"), red);
     const auto again = Read(File("a.tart"));
     ASSERT_TRUE(again);
-    EXPECT_EQ(5u, again->GetCollections().size());
-    EXPECT_EQ(5u, ArtStorageReader(File("a.tart")).GetStreamNames().size());
+    EXPECT_EQ(std::tuple(5u, 5u),
+              std::tuple(again->GetCollections().size(), ArtStorageReader(File("a.tart")).GetStreamNames().size()));
     EXPECT_TRUE(Near(again->GetImage(1, 0), {5, 5}, Qt::red));
 }
 
@@ -222,7 +206,7 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTextsAndKeepTheOldFileReadable)
          "Reading from " + File("damaged.tart") + " failed."},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(row.text, FailureOf(row.save));
+        EXPECT_EQ(row.text, Thrown(row.save));
     EXPECT_EQ(damaged, ReadFile(File("damaged.tart")));
     // A picture that failed in the middle leaves the old description; the streams written before it stay.
     auto read = Read(target);
@@ -239,8 +223,7 @@ TEST_F(ArtInfoTest, FailuresOfSavingHaveTheirTextsAndKeepTheOldFileReadable)
     EXPECT_EQ(before, files());
     ASSERT_TRUE(read = Read(target));
     EXPECT_EQ(Describe(old) + Describe(portrayed), Describe(*read));
-    EXPECT_FALSE(read->GetImage(1, 0).isNull());
-    EXPECT_TRUE(read->GetIcon(1).isNull());
+    EXPECT_TRUE(!read->GetImage(1, 0).isNull() && read->GetIcon(1).isNull());
 }
 
 TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)
@@ -261,11 +244,10 @@ TEST_F(ArtInfoTest, AFileOutOfReachIsToldThroughTheUserChannelAndStaysAsItWas)
         SaveWithPicture(art, File("readonly.tart"), source);
         chmod(File("readonly.tart").c_str(), 0444);
         SaveWithPicture(art, File("readonly.tart"), source);
-        EXPECT_EQ(3u, app.messages.size());
-        EXPECT_EQ(1u, Read(File("readonly.tart"))->GetCollections().size());
+        EXPECT_EQ(std::tuple(app.messages.size(), Read(File("readonly.tart"))->GetCollections().size()),
+                  std::tuple(3u, 1u));
     }
 }
-
 
 void WriteThroughDevice(const std::string& path, const std::string& text)
 {
@@ -345,18 +327,10 @@ TEST(ArtStreamDeviceTest, ReadsWritesAndSeeksStreamsAndReplacesFilesOnlyOnCommit
     EXPECT_EQ("(unreadable)", ReadOf(path));
     for (int i = 0; i < 6; ++i)
         WriteThroughDevice(dir.File(std::to_string(i) + ".cf"), "file " + std::to_string(i));
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < 60; ++i) {
-                const std::string name = std::to_string((i * 5 + t) % 6);
-                wrong += ReadOf(dir.File(name + ".cf")) != "file " + name;
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(0, wrong.load());
+    EXPECT_EQ(0, WrongOnFourThreads(60, [&](int t, int i) {
+                  const std::string name = std::to_string((i * 5 + t) % 6);
+                  return ReadOf(dir.File(name + ".cf")) != "file " + name;
+              }));
 }
 
 } // namespace

@@ -2,9 +2,6 @@
 
 #include <KORVAutl/TsFileUtl.h>
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
 #include <sys/wait.h>
 
 using namespace korva::test;

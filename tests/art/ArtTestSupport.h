@@ -9,6 +9,7 @@
 
 #include <QPainter>
 
+#include <atomic>
 #include <stdexcept>
 
 namespace korva::test {
@@ -90,6 +91,21 @@ inline bool Near(const QImage& image, QPoint at, QColor expected)
     const QColor actual = image.pixelColor(at);
     return std::max({std::abs(actual.red() - expected.red()), std::abs(actual.green() - expected.green()),
                      std::abs(actual.blue() - expected.blue())}) < 40;
+}
+
+/// How many calls of `wrong(thread, round)`, `rounds` on each of four threads at once, found something wrong.
+inline int WrongOnFourThreads(int rounds, const std::function<bool(int, int)>& wrong)
+{
+    std::atomic<int> count{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < rounds; ++i)
+                count += wrong(t, i);
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    return count;
 }
 
 /// A user channel that keeps what it is told instead of showing it.

@@ -6,9 +6,7 @@
 #include <KORVAutlwin/frame/TsApp.h>
 
 #include <KORVAutl/Exception.h>
-#include <KORVAutl/LanguageString.h>
 #include <KORVAutl/ResourceModule.h>
-#include <KORVAutl/TsFileUtl.h>
 #include <KORVAutl/TsSystemInfo.h>
 #include <KORVAutl/XMLSection.h>
 
@@ -68,12 +66,8 @@ TEST_F(AppTest, DamagedSettingsFileThrowsAndStaysAsItWas)
     std::filesystem::create_directories(Folder("user"));
     WriteFile(Folder("user") + "/Analyst.xml", "<AppSettings><unclosed>");
     TsApp app("Analyst");
-    try {
-        app.SetRegistryLocation();
-        FAIL() << "a damaged settings file must throw";
-    } catch (const Exception& error) {
-        EXPECT_NE(std::string(error.Why()).find("Analyst.xml"), std::string::npos) << error.Why();
-    }
+    const std::string why = Thrown([&] { app.SetRegistryLocation(); });
+    EXPECT_NE(why.find("Analyst.xml"), std::string::npos) << why;
     EXPECT_EQ(ReadFile(Folder("user") + "/Analyst.xml"), "<AppSettings><unclosed>");
 }
 

@@ -1,10 +1,7 @@
-// Crashes for real, in a child process (the helper program): a fault outside
-// every guard, on the main thread and on a worker, a stack overflow and an
-// uncaught exception must each leave a dump and end the process as a crash.
+// Crashes for real, in a child process (the helper program): a fault outside every guard, on the main thread and on a
+// worker, a stack overflow and an uncaught exception must each leave a dump and end the process as a crash.
 
 #include "frame/helpers/ChildProcess.h"
-
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <regex>
@@ -47,8 +44,7 @@ TEST(FailureDumpTest, EveryCrashLeavesACompleteDumpAndEndsAsACrash)
         EXPECT_TRUE(Has(dump, "\n  #[0-9]+ 0x[0-9a-f]{16} \\S*korva_failure_helper\\+0x[0-9a-f]+\n"));
         const std::string map = dump.substr(std::min(dump.find("memory map:\n"), dump.size()));
         EXPECT_TRUE(Has(map, "\n[0-9a-f]+-[0-9a-f]+ r-xp [^\n]*korva_failure_helper\n")) << dump;
-        EXPECT_TRUE(map.find("[stack]") != std::string::npos);
-        EXPECT_TRUE(map.ends_with("\nend of dump\n"));
+        EXPECT_TRUE(map.find("[stack]") != std::string::npos && map.ends_with("\nend of dump\n"));
         // Written on the failing thread: a worker's is not the process's.
         std::smatch ids;
         ASSERT_TRUE(std::regex_search(dump, ids, std::regex("process: ([0-9]+)\nthread: ([0-9]+)\n")));

@@ -1,6 +1,5 @@
-// Processor faults inside RunWithFaultTranslation, raised for real: they must
-// come out as TsSystemException with the right code and text, and the process
-// must go on working afterwards.
+// Processor faults inside RunWithFaultTranslation, raised for real: they must come out as TsSystemException with the
+// right code and text, and the process must go on working afterwards.
 
 #include <KORVAutlwin/frame/CExceptionHelper.h>
 #include <KORVAutlwin/frame/FaultTranslation.h>
@@ -31,11 +30,6 @@ std::pair<unsigned int, std::string> Fault(const std::function<void()>& body)
         return {exception.GetCode(), exception.Why()};
     }
     return {0, ""};
-}
-
-unsigned int FaultCode(const std::function<void()>& body)
-{
-    return Fault(body).first;
 }
 
 [[gnu::noinline]] void WriteAt(std::uintptr_t address)
@@ -81,7 +75,7 @@ TEST(FailureFaultTest, EachFaultComesOutWithItsCodeAndTheProcessGoesOn)
 #endif
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(FaultCode(c.body), c.code) << c.name;
+        EXPECT_EQ(Fault(c.body).first, c.code) << c.name;
         fedisableexcept(FE_ALL_EXCEPT);
         feclearexcept(FE_ALL_EXCEPT);
     }
@@ -97,18 +91,18 @@ TEST(FailureFaultTest, GuardsNest)
 {
     // A fault in the inner guard ends there; the outer body goes on and its guard catches its own fault.
     unsigned int inner = 0;
-    EXPECT_EQ(FaultCode([&] {
-                  inner = FaultCode([] { WriteAt(0x80); });
+    EXPECT_EQ(Fault([&] {
+                  inner = Fault([] { WriteAt(0x80); }).first;
                   WriteAt(0x90);
-              }),
+              }).first,
               0xC0000005u);
     EXPECT_EQ(inner, 0xC0000005u);
     // A translated fault that the outer body does not catch travels on through the outer guard.
-    EXPECT_EQ(FaultCode([] { RunWithFaultTranslation([] { WriteAt(0xA0); }); }), 0xC0000005u);
+    EXPECT_EQ(Fault([] { RunWithFaultTranslation([] { WriteAt(0xA0); }); }).first, 0xC0000005u);
     // Ordinary exceptions pass through guards unchanged, and leave no guard behind.
     EXPECT_THROW(RunWithFaultTranslation([] { RunWithFaultTranslation([] { throw std::runtime_error("x"); }); }),
                  std::runtime_error);
-    EXPECT_EQ(FaultCode([] { WriteAt(0xB0); }), 0xC0000005u);
+    EXPECT_EQ(Fault([] { WriteAt(0xB0); }).first, 0xC0000005u);
 }
 
 TEST(FailureFaultTest, StackOverflowOnAThreadWithASmallStack)
@@ -126,7 +120,7 @@ TEST(FailureFaultTest, StackOverflowOnAThreadWithASmallStack)
         auto* run = static_cast<Run*>(argument);
         run->fault = Fault([] { Recurse(0); });
         // The thread's stack is usable again after the overflow.
-        run->wentOn = FaultCode([] { Recurse(-1); }) == 0 && FaultCode([] { WriteAt(0); }) == 0xC0000005u;
+        run->wentOn = Fault([] { Recurse(-1); }).first == 0 && Fault([] { WriteAt(0); }).first == 0xC0000005u;
         return nullptr;
     };
     ASSERT_EQ(pthread_create(&thread, &attributes, body, &run), 0);

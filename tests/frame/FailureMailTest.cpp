@@ -1,6 +1,5 @@
-// TsSendMail hands mail to xdg-email. The desktop's mail program cannot run
-// here, so a stand-in script named xdg-email, first on PATH, records the
-// arguments it gets and ends with the status a test chooses.
+// TsSendMail hands mail to xdg-email. The desktop's mail program cannot run here, so a stand-in script named xdg-email,
+// first on PATH, records the arguments it gets and ends with the status a test chooses.
 
 #include "frame/helpers/ChildProcess.h"
 
@@ -9,8 +8,6 @@
 
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/LanguageString.h>
-
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 

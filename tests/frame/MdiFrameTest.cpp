@@ -8,8 +8,6 @@
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/TsStartWindow.h>
 
-#include <KORVAutl/LanguageString.h>
-
 #include <cmath>
 #include <deque>
 #include <new>
@@ -39,8 +37,6 @@ protected:
     }
 };
 
-} // namespace
-
 TEST_F(MdiFramePositionTest, PositionComesBackInsideTheScreensAndMaximizedAsItWas)
 {
     // Saved on a screen that is gone: the window keeps its size and stands fully on the nearest one.
@@ -62,8 +58,7 @@ TEST_F(MdiFramePositionTest, PositionComesBackInsideTheScreensAndMaximizedAsItWa
     });
     EXPECT_EQ(Saved("Status"), 3);
     ShownGeometry([](TessmaMDIFrame& frame) {
-        EXPECT_TRUE(frame.isMaximized());
-        EXPECT_EQ(frame.normalGeometry(), QRect(100, 120, 700, 500));
+        EXPECT_EQ(std::tuple(frame.isMaximized(), frame.normalGeometry()), std::tuple(true, QRect(100, 120, 700, 500)));
     });
 
     // The screen with the largest share of the window takes it, else the nearest one.
@@ -87,8 +82,7 @@ TEST_F(MdiFramePositionTest, WithoutASectionOrWithOneValueMissingTheDefaultPlace
     ending->show();
     ending->CleanupWindow();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(alive.isNull());
-    EXPECT_EQ(Saved("Status"), -1);
+    EXPECT_TRUE(alive.isNull() && Saved("Status") == -1);
     EXPECT_EQ(ShownGeometry().size(), QSize(640, 480));
     for (const auto& [key, value] : {std::pair{"Status", 1}, {"Top", 100}, {"Left", 50}, {"Bottom", 500}})
         mApp->WriteProfileInt("WindowPos", key, value);
@@ -136,8 +130,6 @@ TEST_F(MdiFrameFixture, BarStateNamingABarThatIsGoneDoesNotVerify)
     EXPECT_FALSE(frame.LoadBarState("Nothing stored"));
 }
 
-namespace {
-
 class CommandView : public QLabel, public CmdTarget
 {
 public:
@@ -149,8 +141,6 @@ class StubbornView : public QLabel
 protected:
     void closeEvent(QCloseEvent* event) override { event->ignore(); }
 };
-
-} // namespace
 
 TEST_F(MdiFrameFixture, CommandsReachTheActiveChildFirstAndTheChildrenAreCountedAndClosed)
 {
@@ -231,9 +221,6 @@ TEST_F(MdiFrameFixture, TheFramesDialogsAreClosedAndDisabledButNotThoseOfOthers)
     EXPECT_EQ(frame.windowTitle(), QStringLiteral("MdiFrameTest")) << "the application's name";
 }
 
-
-namespace {
-
 // Counts the requests to free memory; one that is `leaving` leaves the frame while it is asked.
 struct Collector : CanGarbageCollect
 {
@@ -290,8 +277,6 @@ protected:
     std::deque<double> mReadings;
 };
 
-} // namespace
-
 TEST_F(MdiFrameMemoryTest, TheWarningReturnsOnlyAfterFreeMemoryHasClearlyRisen)
 {
     Collector collector;
@@ -328,10 +313,9 @@ TEST_F(MdiFrameMemoryTest, EveryCollectorIsAskedOnceAndASecondTimerDuringTheBoxO
         frame.OnTimer(TessmaMDIFrame::eSplashTimer);
     });
     frame.OnTimer(TessmaMDIFrame::eMemoryTimer);
-    EXPECT_EQ(answerer.texts.size(), 1u);
-    EXPECT_EQ(b.calls, 3);
-    EXPECT_EQ(mReadings.size(), 3u) << "the timer inside the box read nothing";
-    EXPECT_NE(TsStartWindow::Instance(), nullptr) << "the splash timer inside the box ran";
+    // The timers inside the box read nothing and left the splash window.
+    EXPECT_EQ(std::tuple(answerer.texts.size(), b.calls, mReadings.size()), std::tuple(1u, 3, 3u));
+    EXPECT_NE(TsStartWindow::Instance(), nullptr);
     frame.OnTimer(TessmaMDIFrame::eSplashTimer);
     EXPECT_EQ(TsStartWindow::Instance(), nullptr);
     frame.OnTimer(TessmaMDIFrame::eMemoryTimer);
@@ -354,11 +338,9 @@ TEST_F(MdiFrameMemoryTest, AFailingAllocationAsksTheUserAndFailsOnOkAndEndsThePr
         BoxAnswerer answerer(Qt::Key_Return);
         // More than the address space: the allocation fails for certain.
         EXPECT_THROW(static_cast<void>(::operator new(std::size_t(1) << 50)), std::bad_alloc);
-        EXPECT_EQ(answerer.texts, std::vector<QString>{Text(13289, 13290)});
-        EXPECT_EQ(collector.calls, 1);
-        // OK has the memory watch run soon.
-        EXPECT_EQ(readings, 0);
-        QTest::qWait(50);
+        EXPECT_EQ(std::tuple(answerer.texts, collector.calls, readings),
+                  std::tuple(std::vector<QString>{Text(13289, 13290)}, 1, 0));
+        QTest::qWait(50);   // OK has the memory watch run soon
         EXPECT_EQ(readings, 1);
     }
     EXPECT_EQ(std::get_new_handler(), nullptr);
@@ -372,3 +354,5 @@ TEST_F(MdiFrameMemoryTest, AFailingAllocationAsksTheUserAndFailsOnOkAndEndsThePr
         },
         ::testing::ExitedWithCode(1), "");
 }
+
+} // namespace

@@ -1,8 +1,7 @@
 #pragma once
-// What the frame and dialog tests share: an application object whose profile
-// lives in a fresh registry store, and the means to see and answer its boxes.
+// What the frame and dialog tests share: an application object whose profile lives in a fresh registry store, and the
+// means to see and answer its boxes.
 
-#include "../utl/TempDir.h"
 #include "TestApplication.h"
 
 #include <KORVAutlwin/frame/CustomMessageBoxDlg.h>
@@ -15,10 +14,7 @@
 #include <KORVAutl/LanguageString.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
-#include <memory>
-#include <string>
 #include <vector>
 
 namespace korva::test {

@@ -1,6 +1,5 @@
-// The message box: buttons, icon, default button, Escape, wrapping, check box
-// and captions; the line breaker; the switch that mutes the details dialog; the
-// "to all" question without a default (button sets and defaults are checked
+// The message box: buttons, icon, default button, Escape, wrapping, check box and captions; the line breaker; the
+// switch that mutes the details dialog; the "to all" question without a default (button sets and defaults are checked
 // through the user channel).
 
 #include "MdiFrameTestSupport.h"
@@ -12,22 +11,6 @@
 #include <KORVAutlwin/frame/YesNoCancelAll.h>
 
 using namespace korva::test;
-
-namespace {
-
-std::vector<std::string> Lines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    for (std::size_t start = 0;;) {
-        const std::size_t end = text.find('\n', start);
-        lines.push_back(text.substr(start, end - start));
-        if (end == std::string::npos)
-            return lines;
-        start = end + 1;
-    }
-}
-
-} // namespace
 
 TEST_F(MessageDialogTest, ButtonsAndIconFollowTheType)
 {
@@ -79,9 +62,7 @@ TEST_F(MessageDialogTest, ReturnPressesTheDefaultButtonAndEscapeCancelsUnlessThe
         });
         const int answer = box.exec();
         EXPECT_EQ(stayedOpen ? kStaysOpen : answer, c.answer);
-        if (c.key == Qt::Key_Return) {
-            EXPECT_EQ(shown.focused, c.answer) << "the default button has the focus";
-        }
+        EXPECT_TRUE(c.key != Qt::Key_Return || shown.focused == c.answer) << "the default button has the focus";
     }
 }
 
@@ -94,11 +75,11 @@ TEST_F(MessageDialogTest, LongTextIsWrappedAt140Characters)
     CustomMessageBoxDlg box(MB_OK, 0, nullptr);
     box.SetText(text.c_str());
     box.show();
-    const std::vector<std::string> lines = Lines(Look(&box).texts[CustomMessageBoxDlg::kTextCtrlId]);
-    ASSERT_GE(lines.size(), 6u);
-    for (const std::string& line : lines)
-        EXPECT_LE(line.size(), 140u) << line;
-    EXPECT_GT(lines.front().size(), 120u) << "lines are filled";
+    const QStringList lines = QString::fromStdString(Look(&box).texts[CustomMessageBoxDlg::kTextCtrlId]).split('\n');
+    ASSERT_GE(lines.size(), 6);
+    for (const QString& line : lines)
+        EXPECT_LE(line.size(), 140) << line.toStdString();
+    EXPECT_GT(lines.front().size(), 120) << "lines are filled";
     EXPECT_EQ(lines.back(), "A second paragraph stays a paragraph of its own.");
 }
 
@@ -165,8 +146,7 @@ TEST_F(MessageDialogTest, MutedDetailsDialogsCollectInsteadOfShowing)
     mute->Clear();
     DialogSpy spy;
     DetailsDialog("Done.", "Export");
-    EXPECT_EQ(spy.Count(), 1);
-    EXPECT_TRUE(mute->GetMessages().empty());
+    EXPECT_TRUE(spy.Count() == 1 && mute->GetMessages().empty());
 }
 
 TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
@@ -191,8 +171,7 @@ TEST_F(MessageDialogTest, WithoutDefaultReturnPressesNothingAndEscapeCancels)
     EXPECT_EQ(dialog.GetButtonPressed(), YesNoCancelAll::eCancel);
 
     // Answer codes outside 1 to 5 choose no button; anything but a button pressed is cancel (5).
-    for (int outside : {0, 6})
-        EXPECT_EQ(YesNoCancelAll::ButtonOfAnswer(outside), YesNoCancelAll::eNone);
-    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), 5);
-    EXPECT_EQ(YesNoCancelAll::AnswerOfButton(-1), 5);
+    EXPECT_EQ(std::tuple(YesNoCancelAll::ButtonOfAnswer(0), YesNoCancelAll::ButtonOfAnswer(6),
+                         YesNoCancelAll::AnswerOfButton(YesNoCancelAll::eNone), YesNoCancelAll::AnswerOfButton(-1)),
+              std::tuple(YesNoCancelAll::eNone, YesNoCancelAll::eNone, 5, 5));
 }

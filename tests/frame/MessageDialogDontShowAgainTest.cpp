@@ -59,8 +59,7 @@ TEST_F(MessageDialogTest, CheckedAnswerIsRememberedButNeverCancel)
     // Checked and No: stored in the application's profile, and the next call is answered by it.
     CheckAnd(kBoxCheck, IDNO);
     EXPECT_EQ(ask(), IDNO);
-    EXPECT_EQ(Stored(key), "7");
-    EXPECT_FALSE(ShowDontShowAgainMessage(key));
+    EXPECT_EQ(std::tuple(Stored(key), ShowDontShowAgainMessage(key)), std::tuple("7", false));
 }
 
 TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
@@ -79,8 +78,7 @@ TEST_F(MessageDialogTest, RememberedAnswerInAGivenSection)
 TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnchecked)
 {
     const char* key = "NewFeatures";
-    EXPECT_TRUE(InfoDialog::WillShow(""));
-    EXPECT_TRUE(InfoDialog::WillShow(key));
+    EXPECT_TRUE(InfoDialog::WillShow("") && InfoDialog::WillShow(key));
     const auto run = [key](int buttons, InfoDialog::Buttons defaultButton = InfoDialog::eOK) {
         InfoDialog dialog("Version 7 reads the new file format.");
         dialog.EnableDontShowAgain(key);
@@ -92,8 +90,7 @@ TEST_F(MessageDialogTest, InfoDialogRemembersTheCheckedButtonAndForgetsItWhenUnc
     // Checked and Yes: stored as the button's bit.
     CheckAnd(kCheck, IDYES);
     EXPECT_EQ(run(InfoDialog::eYes | InfoDialog::eNo, InfoDialog::eYes), IDYES);
-    EXPECT_EQ(Stored(key), "8");
-    EXPECT_FALSE(InfoDialog::WillShow(key));
+    EXPECT_EQ(std::tuple(Stored(key), InfoDialog::WillShow(key)), std::tuple("8", false));
 
     // Each stored button stands for its answer; Close and Cancel for IDCANCEL.
     for (const auto& [stored, answer] : {std::pair{1, IDCANCEL}, {2, IDOK}, {4, IDCANCEL}, {8, IDYES}, {16, IDNO}}) {

@@ -1,6 +1,5 @@
 // The start of an application with a damaged registry file.
 
-#include "../utl/TempDir.h"
 #include "TestApplication.h"
 
 #include <KORVAutlwin/frame/MuteInformUserComm.h>
@@ -10,12 +9,7 @@
 #include <KORVAutl/Log.h>
 #include <KORVAutl/UserComm.h>
 
-#include <QCoreApplication>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
 
 TEST(RegistryDamageStartTest, StartKeepsTheDamagedFileAsideLogsItAndTellsTheUserOnce)
 {

@@ -1,7 +1,8 @@
 #pragma once
-// One guarded QApplication for the whole test program, made on first use and
-// kept (Qt allows one per process), offscreen; and the helpers that find a
-// dialog's controls by "ctrlId" and answer it.
+// One guarded QApplication for the whole test program, made on first use and kept (Qt allows one per process),
+// offscreen; and the helpers that find a dialog's controls by "ctrlId" and answer it.
+
+#include "../utl/TempDir.h"
 
 #include <KORVAutlwin/frame/GuardedApplication.h>
 
@@ -9,10 +10,6 @@
 #include <QtWidgets>
 
 #include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
-#include <functional>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>

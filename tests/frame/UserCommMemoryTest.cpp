@@ -144,21 +144,20 @@ TEST_F(UserCommMemoryTest, ToAllAnswersEveryFollowingQuestionOfTheScope)
         // The question with details is not remembered: it asks, and leaves the "to all" alone.
         Answer(mShown, Key(Qt::Key_Return));
         EXPECT_EQ(scope.AskUserYesNo("Leave them out?", "Sample 17", nullptr, 3), 3);
-        EXPECT_EQ(mShown.kind, "YesNoDialog");
-        EXPECT_EQ(scope.GetLastAnsver(), toAll);
-        EXPECT_EQ(scope.GetUsage(), 3);
+        EXPECT_EQ(std::tuple(mShown.kind, scope.GetLastAnsver(), scope.GetUsage()),
+                  std::tuple("YesNoDialog", toAll, 3));
     }
 
     // A new scope starts without an answer; the plain yes/no question asks through the box.
     MemoryUserComm scope;
     Answer(mShown, Key(Qt::Key_Return));
     EXPECT_EQ(scope.AskUserYesNo("Delete the sample?", nullptr, 3), 3);
-    EXPECT_EQ(mShown.kind, "CustomMessageBoxDlg");
-    EXPECT_EQ(scope.GetLastAnsver(), 3);
+    EXPECT_EQ(std::tuple(mShown.kind, scope.GetLastAnsver()), std::tuple("CustomMessageBoxDlg", 3));
 }
 
 TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
 {
+    constexpr int kTextCtrlId = CustomMessageBoxDlg::kTextCtrlId;
     StandardUserComm standard;
     UserComm::SetUserComm(&standard);
     Answer(mShown, Key(Qt::Key_Return));
@@ -167,9 +166,8 @@ TEST_F(UserCommMemoryTest, ScopeOverTheDialogChannelShowsWhatItCollected)
         scope.SetHeader("Export:\n");
         Inform({"3 files written."});
     }
-    EXPECT_EQ(mShown.texts[CustomMessageBoxDlg::kTextCtrlId], "Export:\n3 files written.\n");
-    EXPECT_EQ(mShown.type, static_cast<unsigned int>(MB_ICONASTERISK));
-    EXPECT_EQ(mShown.title, "Dialogs") << "the application's name";
-    EXPECT_EQ(standard.GetUsage(), 1);
+    // Titled with the application's name.
+    EXPECT_EQ(std::tuple(mShown.texts[kTextCtrlId], mShown.type, mShown.title, standard.GetUsage()),
+              std::tuple("Export:\n3 files written.\n", unsigned(MB_ICONASTERISK), "Dialogs", 1));
     UserComm::SetUserComm(&mOuter);
 }

@@ -1,14 +1,9 @@
 // The temporaries that killed writers leave behind: the next save removes them
 // once their writer is gone, and never one whose writer still runs.
 
+#include "utl/TempDir.h"
+
 #include <KORVAutlwin/platform/AtomicFile.h>
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,9 +24,8 @@ pid_t EndedPid()
 
 TEST(AtomicFileTest, ASaveRemovesOnlyTheTemporariesOfWritersThatAreGone)
 {
-    char pattern[] = "/tmp/korva-atomic-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern), nullptr);
-    const fs::path folder = pattern;
+    const TempDir dir;
+    const fs::path folder = dir.Path();
     const std::string target = (folder / "settings.ini").string();
     const auto temporary = [&](pid_t pid, const char* rest) {
         return folder / (".settings.ini.tmp-" + std::to_string(pid) + rest);
@@ -44,18 +38,12 @@ TEST(AtomicFileTest, ASaveRemovesOnlyTheTemporariesOfWritersThatAreGone)
 
     korva::AtomicFile earlier(target); // a writer of this process that is still at work
     korva::AtomicFile file(target);
-    ASSERT_TRUE(file.Write("new", 3));
-    ASSERT_TRUE(file.Commit());
-    EXPECT_TRUE(earlier.Write("newer", 5));
-    EXPECT_TRUE(earlier.Commit());
+    ASSERT_TRUE(file.Write("new", 3) && file.Commit());
+    EXPECT_TRUE(earlier.Write("newer", 5) && earlier.Commit());
 
-    EXPECT_FALSE(fs::exists(ended));
-    EXPECT_TRUE(fs::exists(running));
-    EXPECT_TRUE(fs::exists(otherShape));
-    std::ifstream content(target);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(content), {}), "newer");
+    EXPECT_TRUE(!fs::exists(ended) && fs::exists(running) && fs::exists(otherShape));
+    EXPECT_EQ(ReadFile(target), "newer");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 3);
-    fs::remove_all(folder);
 }
 
 } // namespace

@@ -19,13 +19,11 @@ TEST(ChildProcessTest, TheChildGetsTheHandedDescriptorsAndTheDefaultSignalStateO
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const int leaked = dup(ends[0]); // not close-on-exec
-    sigset_t blocked;
-    sigset_t mask;
+    sigset_t blocked, mask;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGUSR1);
     pthread_sigmask(SIG_BLOCK, &blocked, &mask);
-    struct sigaction ignore{};
-    struct sigaction previous{};
+    struct sigaction ignore{}, previous{};
     ignore.sa_handler = SIG_IGN;
     sigaction(SIGUSR2, &ignore, &previous);
 
@@ -45,8 +43,7 @@ TEST(ChildProcessTest, TheChildGetsTheHandedDescriptorsAndTheDefaultSignalStateO
         output.append(buffer, static_cast<std::size_t>(got));
     close(ends[0]);
     EXPECT_EQ(child.Wait(), 0);
-    unsigned long long blockedSignals = ~0ULL;
-    unsigned long long ignoredSignals = ~0ULL;
+    unsigned long long blockedSignals = ~0ULL, ignoredSignals = ~0ULL;
     ASSERT_EQ(std::sscanf(output.c_str(), "SigBlk: %llx SigIgn: %llx", &blockedSignals, &ignoredSignals), 2) << output;
     EXPECT_EQ(blockedSignals, 0u);
     // The C library's own signals 32 and 33 stay ignored after posix_spawn; no program may use them.

@@ -5,10 +5,6 @@
 
 #include <KORVAutlwin/platform/Registry.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include <sys/wait.h>
 #include <unistd.h>
 

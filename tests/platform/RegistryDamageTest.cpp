@@ -5,13 +5,9 @@
 
 #include <KORVAutlwin/platform/Registry.h>
 
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <functional>
-#include <string>
 
 namespace {
 

@@ -1,20 +1,13 @@
 // The registry store: Win32 semantics, and what SQLite must guarantee underneath
 // (other processes, killed writers, read-only and damaged files).
 
+#include "utl/TempDir.h"
+
 #include <KORVAutlwin/platform/Registry.h>
 
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <chrono>
-#include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iterator>
-#include <string>
-#include <thread>
 #include <vector>
 
 #include <sys/stat.h>
@@ -53,18 +46,10 @@ class RegistryStoreTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        char pattern[] = "/tmp/korva-registry-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern), nullptr);
-        mDir = pattern;
-        ::setenv("KORVA_REGISTRY_DIR", mDir.c_str(), 1);
+        ::setenv("KORVA_REGISTRY_DIR", mDir.Path().c_str(), 1);
         korva::RegistryStore::Reset();
     }
-    void TearDown() override
-    {
-        korva::RegistryStore::Reset();   // also closes what a test left open
-        std::error_code ignored;
-        fs::remove_all(mDir, ignored);
-    }
+    void TearDown() override { korva::RegistryStore::Reset(); }   // also closes what a test left open
 
     static LONG CreateKey(HKEY root, const std::string& path, REGSAM access, HKEY* key, DWORD* disposition = nullptr)
     {
@@ -118,12 +103,12 @@ protected:
                                          nullptr, nullptr);
         return rc == ERROR_SUCCESS ? Info(n, n + 5) : Info{static_cast<DWORD>(rc)};
     }
-    std::string FileOf(const char* root) const { return mDir + "/" + root + ".sqlite"; }
+    std::string FileOf(const char* root) const { return mDir.File(std::string(root) + ".sqlite"); }
     static std::string Bytes(const void* data, std::size_t size) { return {static_cast<const char*>(data), size}; }
     static std::string Text(const std::string& text) { return text + '\0'; }   // a text value as stored
     static std::string Err(LONG rc) { return "<error " + std::to_string(rc) + ">"; }
 
-    std::string mDir;
+    TempDir mDir;
 };
 
 TEST_F(RegistryStoreTest, NamesCompareWithoutCaseAndKeepTheirFirstSpelling)
@@ -135,9 +120,8 @@ TEST_F(RegistryStoreTest, NamesCompareWithoutCaseAndKeepTheirFirstSpelling)
     ASSERT_EQ(SetText(key, "Value", "1"), ERROR_SUCCESS);
     ASSERT_EQ(SetText(key, "VALUE", "2"), ERROR_SUCCESS);
     ASSERT_EQ(CreateKey(HKEY_CURRENT_USER, "SOFTWARE\\acme\\TOOL", KEY_READ, &key, &disposition), ERROR_SUCCESS);
-    EXPECT_EQ(disposition, REG_OPENED_EXISTING_KEY);
-    EXPECT_EQ(EnumValue(key, 0), "Value");
-    EXPECT_EQ(Get(key, "value"), Text("2"));
+    EXPECT_EQ(std::tuple(disposition, EnumValue(key, 0), Get(key, "value")),
+              std::tuple(REG_OPENED_EXISTING_KEY, "Value", Text("2")));
 
     // A trailing separator names the same key.
     key = Open(HKEY_CURRENT_USER, "software\\ACME\\tool\\");
@@ -171,8 +155,7 @@ TEST_F(RegistryStoreTest, ValuesFollowTheSizeProtocolAndKeepTheirBytes)
     BYTE data[32] = {};
     DWORD size = 4, type = REG_NONE;
     EXPECT_EQ(RegQueryValueExA(key, "Blob", nullptr, &type, data, &size), ERROR_MORE_DATA);
-    EXPECT_EQ(size, 10u);
-    EXPECT_EQ(type, REG_BINARY);
+    EXPECT_EQ(std::tuple(size, type), std::tuple(10u, REG_BINARY));
     size = 0;
     EXPECT_EQ(RegQueryValueExA(key, "Blob", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 10u);
@@ -191,8 +174,7 @@ TEST_F(RegistryStoreTest, ValuesFollowTheSizeProtocolAndKeepTheirBytes)
 
     // Overwriting replaces type and size.
     ASSERT_EQ(SetText(key, "Blob", "t"), ERROR_SUCCESS);
-    EXPECT_EQ(Get(key, "Blob", &type), Text("t"));
-    EXPECT_EQ(type, REG_SZ);
+    EXPECT_EQ((std::tuple{Get(key, "Blob", &type), type}), std::tuple(Text("t"), REG_SZ));
 
     // Wide names meet narrow ones; data stays as written, UTF-16 bytes unconverted.
     const std::u16string text = u"Wert \u2713 \U0001D11E";
@@ -202,8 +184,7 @@ TEST_F(RegistryStoreTest, ValuesFollowTheSizeProtocolAndKeepTheirBytes)
               ERROR_SUCCESS);
     size = sizeof(data);
     ASSERT_EQ(RegQueryValueExW(key, u"größe \U0001D11E", nullptr, nullptr, data, &size), ERROR_SUCCESS);
-    EXPECT_EQ(Bytes(data, size), written);
-    EXPECT_EQ(Get(key, "Größe \U0001D11E"), written);
+    EXPECT_EQ(std::tuple(Bytes(data, size), Get(key, "Größe \U0001D11E")), std::tuple(written, written));
 }
 
 TEST_F(RegistryStoreTest, EnumerationIsInNameOrderWithBufferRules)
@@ -227,9 +208,7 @@ TEST_F(RegistryStoreTest, EnumerationIsInNameOrderWithBufferRules)
     EXPECT_EQ(size, 7u);
     length = sizeof(name);
     ASSERT_EQ(RegEnumValueA(key, 1, name, &length, nullptr, &type, data, &size), ERROR_SUCCESS);
-    EXPECT_EQ(std::string(name, length), "b");
-    EXPECT_EQ(type, REG_SZ);
-    EXPECT_EQ(Bytes(data, size), Text("second"));
+    EXPECT_EQ(std::tuple(std::string(name, length), type, Bytes(data, size)), std::tuple("b", REG_SZ, Text("second")));
     // A name buffer of length 0 still tells a value from none.
     EXPECT_EQ(EnumValue(key, 0, 0), Err(ERROR_MORE_DATA));
     EXPECT_EQ(EnumValue(key, 3), Err(ERROR_NO_MORE_ITEMS));
@@ -248,17 +227,15 @@ TEST_F(RegistryStoreTest, AccessRightsAreEnforcedPerHandle)
     ASSERT_EQ(SetText(all, "v", "x"), ERROR_SUCCESS);
 
     HKEY read = Open(HKEY_CURRENT_USER, "Rights", KEY_READ);
-    EXPECT_EQ(SetText(read, "v", "y"), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RegDeleteValueA(read, "v"), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(CreateKey(read, "New", KEY_READ, &child), ERROR_ACCESS_DENIED);
+    EXPECT_EQ((std::vector<LONG>{SetText(read, "v", "y"), RegDeleteValueA(read, "v"),
+                                 CreateKey(read, "New", KEY_READ, &child)}),
+              std::vector<LONG>(3, ERROR_ACCESS_DENIED));
     // Opening an existing child through create needs no right on the parent.
     EXPECT_EQ(CreateKey(read, "Existing", KEY_READ, &child), ERROR_SUCCESS);
     EXPECT_EQ(RegSetValueA(read, "Missing", REG_SZ, "t", 1), ERROR_ACCESS_DENIED);
 
     HKEY write = Open(HKEY_CURRENT_USER, "Rights", KEY_WRITE);
-    EXPECT_EQ(Get(write, "v"), Err(ERROR_ACCESS_DENIED));
-    EXPECT_EQ(EnumValue(write, 0), Err(ERROR_ACCESS_DENIED));
-    EXPECT_EQ(EnumKey(write, 0), Err(ERROR_ACCESS_DENIED));
+    EXPECT_EQ((Names{Get(write, "v"), EnumValue(write, 0), EnumKey(write, 0)}), Names(3, Err(ERROR_ACCESS_DENIED)));
     EXPECT_EQ(InfoOf(write), Info{ERROR_ACCESS_DENIED});
     EXPECT_EQ(SetText(write, "v", "y"), ERROR_SUCCESS);
     Create(write, "Made");
@@ -274,13 +251,11 @@ TEST_F(RegistryStoreTest, HandlesAreCheckedNeverReusedAndOutliveTheirKey)
     HKEY doomed = Create(HKEY_CURRENT_USER, "Doomed"), child = nullptr;
     ASSERT_EQ(SetText(doomed, "v", "x"), ERROR_SUCCESS);
     ASSERT_EQ(RegDeleteKeyA(HKEY_CURRENT_USER, "Doomed"), ERROR_SUCCESS);
-    EXPECT_EQ(Get(doomed, "v"), Err(ERROR_KEY_DELETED));
-    EXPECT_EQ(RegDeleteValueA(doomed, "v"), ERROR_KEY_DELETED);
-    EXPECT_EQ(EnumKey(doomed, 0), Err(ERROR_KEY_DELETED));
-    EXPECT_EQ(EnumValue(doomed, 0), Err(ERROR_KEY_DELETED));
+    EXPECT_EQ((Names{Get(doomed, "v"), EnumKey(doomed, 0), EnumValue(doomed, 0)}), Names(3, Err(ERROR_KEY_DELETED)));
+    EXPECT_EQ((std::vector<LONG>{RegDeleteValueA(doomed, "v"), CreateKey(doomed, "Child", KEY_READ, &child),
+                                 RegOpenKeyExA(doomed, "", 0, KEY_READ, &child)}),
+              std::vector<LONG>(3, ERROR_KEY_DELETED));
     EXPECT_EQ(InfoOf(doomed), Info{ERROR_KEY_DELETED});
-    EXPECT_EQ(CreateKey(doomed, "Child", KEY_READ, &child), ERROR_KEY_DELETED);
-    EXPECT_EQ(RegOpenKeyExA(doomed, "", 0, KEY_READ, &child), ERROR_KEY_DELETED);
 
     // A new key of the same name is another key: no values, and the old handle stays dead.
     HKEY reborn = Create(HKEY_CURRENT_USER, "Doomed");
@@ -370,7 +345,7 @@ TEST_F(RegistryStoreTest, RootsThatCannotBeWrittenAreReadOnly)
     Create(HKEY_LOCAL_MACHINE, "SOFTWARE\\Vendor");
     ASSERT_EQ(SetText(HKEY_LOCAL_MACHINE, "RootValue", "r"), ERROR_SUCCESS);
     korva::RegistryStore::Reset();
-    EXPECT_TRUE(AsUnprivileged(mDir, [] {
+    EXPECT_TRUE(AsUnprivileged(mDir.Path(), [] {
         HKEY key = nullptr;
         EXPECT_EQ(Get(HKEY_LOCAL_MACHINE, "RootValue"), Text("r"));
         EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Vendor", 0, KEY_WRITE, &key), ERROR_ACCESS_DENIED);
@@ -400,8 +375,7 @@ TEST_F(RegistryStoreTest, DamagedFilesGiveCorruptAndAreLeftAlone)
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "x", 0, KEY_READ, &key), ERROR_REGISTRY_CORRUPT);
     EXPECT_EQ(SetText(HKEY_CURRENT_USER, "v", "x"), ERROR_REGISTRY_CORRUPT);
-    std::ifstream in(FileOf("HKCU"), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), garbage);
+    EXPECT_EQ(ReadFile(FileOf("HKCU")), garbage);
     EXPECT_EQ(SetText(HKEY_LOCAL_MACHINE, "v", "x"), ERROR_SUCCESS);   // the other root is not affected
 
     // A registry whose pages after the first are damaged: the damage is reported when a call reaches it.
@@ -442,7 +416,7 @@ TEST_F(RegistryStoreTest, WritersInTwoProcessesKilledAtAnyMomentLoseNothingTheyR
     const auto data = [](std::uint32_t record) { return std::string(300, 'k') + std::to_string(record); };
     for (const std::size_t killAfter : {1, 40, 600}) {
         // A new store each round: both writers also race to set it up.
-        ::setenv("KORVA_REGISTRY_DIR", (mDir + "/" + std::to_string(killAfter)).c_str(), 1);
+        ::setenv("KORVA_REGISTRY_DIR", mDir.File(std::to_string(killAfter)).c_str(), 1);
         korva::RegistryStore::Reset();
         int gate[2], reports[2];
         ASSERT_EQ(::pipe(gate) | ::pipe(reports), 0);

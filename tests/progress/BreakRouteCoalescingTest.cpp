@@ -1,15 +1,10 @@
-// Progress on the break route leaves out the gauge values that would fill the
-// same width of the window's bar as the last one sent: every visible change
-// still goes, and the window ends with the exact last value. Against a window
-// of a known width, and against the real companion, which reports its own.
+// Progress on the break route leaves out the gauge values that would fill the same width of the window's bar as the
+// last one sent: every visible change still goes, and the window ends with the exact last value. Against a window of a
+// known width, and against the real companion, which reports its own.
 
 #include "ProgressTestSupport.h"
 
 #include <KORVAutlwin/progress/BreakWindowProcess.h>
-
-#include <fstream>
-#include <string>
-#include <vector>
 
 using korva::test::BreakMessage;
 using korva::test::ProgressFrameFixture;

@@ -11,7 +11,6 @@
 #include <KORVAutlwin/toolkit/DisplayColor.h>
 
 #include <QSignalSpy>
-#include <QTimerEvent>
 
 #include <map>
 
@@ -129,27 +128,22 @@ TEST_F(GaugeWidgetTest, ToolkitGaugeCountsInPercentAndHearsOncePerChangeOfPositi
     // The control is told (and so repaints) only when the percentage changes.
     TsXTPGauge gauge;
     QSignalSpy changes(&gauge, &QProgressBar::valueChanged);
-    auto expectUpdates = [&](int count) { EXPECT_EQ(changes.count(), count); };
-
     gauge.SetRange(10.0f, 20.0f);
     gauge.SetValue(12.5f);
-    EXPECT_EQ(gauge.value(), 25);
-    expectUpdates(1);
     // A new range changes nothing on display until the next value.
     gauge.SetRange(0.0f, 10.0f);
-    EXPECT_EQ(gauge.value(), 25);
+    EXPECT_EQ(std::tuple(gauge.value(), changes.count()), std::tuple(25, 1));
     // Values within the same percent are not passed on at all.
     for (float v = 2.5f; v < 2.6f; v += 0.001f)
         gauge.SetValue(v);
-    expectUpdates(1);
+    EXPECT_EQ(changes.count(), 1);
     // Beyond the range: 100 once, however often it is repeated.
     for (int i = 0; i < 20; ++i)
         gauge.SetValue(50.0f + i);
-    EXPECT_EQ(gauge.value(), 100);
-    expectUpdates(2);
+    EXPECT_EQ(std::tuple(gauge.value(), changes.count()), std::tuple(100, 2));
     for (int step = 0; step <= 10; ++step)
         gauge.SetValue(static_cast<float>(step));
-    expectUpdates(2 + 11);
+    EXPECT_EQ(changes.count(), 2 + 11);
 }
 
 using Ctrl = IndeterminateProgressCtrl;
@@ -185,8 +179,8 @@ TEST(IndeterminateProgressArithmeticTest, ColourStepsSaturateEachChannelAndBands
     EXPECT_EQ(std::make_pair(Ctrl::NextOffset(7), Ctrl::NextOffset(24)), std::make_pair(8, 0));
 
     // 100 / 25 + 2 bands of nine lines; one more in front once the bar is higher than 16 pixels.
-    EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 16), 24).size(), 6u * 9u);
-    EXPECT_EQ(Ctrl::BandLines(QRect(0, 0, 100, 17), 0).size(), 7u * 9u);
+    EXPECT_EQ(std::tuple(Ctrl::BandLines({0, 0, 100, 16}, 24).size(), Ctrl::BandLines({0, 0, 100, 17}, 0).size()),
+              std::tuple(6u * 9u, 7u * 9u));
 
     // For every offset and several shapes (higher than 16 pixels too), each pixel gets the pen of its column.
     for (const QRect client : {QRect(0, 0, 100, 12), QRect(3, 5, 37, 16), QRect(-4, 2, 260, 1), QRect(0, 0, 24, 9),
@@ -248,17 +242,12 @@ TEST_F(GaugeWidgetTest, ProgressDlgIsShownModelessOnTopAlwaysTitledAndStepsAroun
         EXPECT_FALSE(ProgressDlg(title, nullptr).windowTitle().isEmpty());
 
     // Held in range; step 10 comes round past either end; a narrower range takes the position along.
+    // SetPos, SetStep and StepIt give what was before; the bar shows what is now.
     QProgressBar* bar = dialog.GetProgressCtrl();
     dialog.SetRange(0, 50);
-    EXPECT_EQ(dialog.SetPos(70), 0);
-    EXPECT_EQ(dialog.SetPos(-5), 50);
-    EXPECT_EQ(bar->value(), 0);
-    dialog.SetPos(45);
-    EXPECT_EQ(dialog.StepIt(), 45);
-    EXPECT_EQ(bar->value(), 5);
-    EXPECT_EQ(dialog.SetStep(-20), 10);
-    EXPECT_EQ(dialog.StepIt(), 5);
-    EXPECT_EQ(bar->value(), 35);
+    EXPECT_EQ((std::vector<int>{dialog.SetPos(70), dialog.SetPos(-5), bar->value(), dialog.SetPos(45), dialog.StepIt(),
+                                bar->value(), dialog.SetStep(-20), dialog.StepIt(), bar->value()}),
+              (std::vector<int>{0, 50, 0, 0, 45, 5, 10, 5, 35}));
     dialog.SetRange(10, 20);
     EXPECT_EQ(std::make_tuple(bar->value(), bar->minimum(), bar->maximum()), std::make_tuple(20, 10, 20));
     EXPECT_EQ(ProgressDlg::SteppedPosition(7, 3, 7, 7), 7);
@@ -269,13 +258,12 @@ TEST(SpinArithmeticTest, StepsAfterTheirIntervalRoundsMoveHueAndStripesAndStripe
     // SpinWindow: more than 100 ms; position 9 wraps to 0.
     SpinWindow::SpinState state;
     state.lastTick = 1000;
-    EXPECT_FALSE(SpinWindow::StepState(state, 1100));
-    EXPECT_TRUE(SpinWindow::StepState(state, 1101));
+    const auto step = [&state](std::uint32_t now) { return SpinWindow::StepState(state, now); };
+    EXPECT_EQ((std::vector<bool>{step(1100), step(1101)}), (std::vector<bool>{false, true}));
     EXPECT_EQ(std::make_pair(state.position, state.lastTick), std::make_pair(1, 1101u));
     state.position = 9;
-    state.lastTick = 0xFFFFFFF0u;
-    EXPECT_FALSE(SpinWindow::StepState(state, 0x50u));  // 96 ms later
-    EXPECT_TRUE(SpinWindow::StepState(state, 0x60u));   // 112 ms later
+    state.lastTick = 0xFFFFFFF0u;   // 96 and 112 ms later across the wrap of the clock
+    EXPECT_EQ((std::vector<bool>{step(0x50u), step(0x60u)}), (std::vector<bool>{false, true}));
     EXPECT_EQ(state.position, 0) << "9 wraps to 0";
 
     // Spinner: more than 250 ms; from rest the turning starts at 0 and never comes back to rest.

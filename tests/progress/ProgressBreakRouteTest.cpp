@@ -7,8 +7,6 @@
 #include <KORVAutlwin/progress/TsGauge.h>
 
 #include <cstring>
-#include <fstream>
-#include <map>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -22,12 +20,7 @@ using Lines = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
 
 // Whether `pid` has ended and was reaped, within 5 s.
-bool Reaped(pid_t pid)
-{
-    for (const auto deadline = Clock::now() + std::chrono::seconds(5); kill(pid, 0) == 0 && Clock::now() < deadline;)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return kill(pid, 0) != 0;
-}
+bool Reaped(pid_t pid) { return WaitFor([pid] { return kill(pid, 0) != 0; }, std::chrono::seconds(5)); }
 
 class ProgressBreakRouteTest : public ProgressFrameFixture
 {
@@ -152,8 +145,7 @@ TEST_F(ProgressBreakRouteTest, WithoutGaugeOnlyTheStartIsSentInactiveObjectsSend
         EXPECT_FALSE(quick.IsActive());
         EXPECT_EQ(Taken(), Lines{"show 1"});
     }
-    EXPECT_TRUE(gauge->isVisible());
-    EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), 0);
+    EXPECT_TRUE(gauge->isVisible() && bar.CommandToIndex(Progress::kGaugePaneId) == 0);
 }
 
 TEST_F(ProgressBreakRouteTest, WithoutAWindowOrACompanionThatCannotStartOrIsOfAnotherVersionTheRouteShowsNothing)
@@ -162,10 +154,8 @@ TEST_F(ProgressBreakRouteTest, WithoutAWindowOrACompanionThatCannotStartOrIsOfAn
         BreakWindowChannel::SetChannel(none ? nullptr : &mProcess);
         setenv("KORVA_BREAKWIN", "/nonexistent/breakwin", 1);
         Progress progress(nullptr, "No window", 0.0f, 2.0f, true, true, true);
-        EXPECT_TRUE(progress.IsActive());
-        EXPECT_TRUE(progress.Set(1.0f));
+        EXPECT_TRUE(progress.IsActive() && progress.Set(1.0f) && progress.SetInfoStr("Still counting"));
         EXPECT_FLOAT_EQ(progress.GetValue(), 1.0f);
-        EXPECT_TRUE(progress.SetInfoStr("Still counting"));
         Progress::Hide();
         EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
     }
@@ -227,11 +217,9 @@ TEST_F(ProgressBreakRouteTest, OurEndIsCloseOnExecAndAKilledOrHangingCompanionLe
     EXPECT_TRUE(!mProcess.IsWindow() && mProcess.GetCompanionPid() == 0);
     EXPECT_TRUE(Reaped(first) && Progress::GetBreakWindow() == nullptr);
     ASSERT_TRUE(mProcess.Create());
-    EXPECT_NE(mProcess.GetCompanionPid(), first);
-    EXPECT_TRUE(progress.Set(60.0f));
+    EXPECT_TRUE(mProcess.GetCompanionPid() != first && progress.Set(60.0f));
 
     // A companion that stops answering is given up after the acknowledgement timeout.
-    ASSERT_TRUE(mProcess.Create());
     const pid_t hanging = mProcess.GetCompanionPid();
     ASSERT_EQ(kill(hanging, SIGSTOP), 0);
     const auto stopped = Clock::now();

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(ProgressRangeTest, InactiveObjectCountsAndAlwaysGoesOn)
+TEST(ProgressRangeTest, InactiveObjectCountsAndAlwaysGoesOnAndTheShortFormSpinsWithoutGaugeOrStop)
 {
     ASSERT_EQ(WinApp::GetApp(), nullptr);
     Progress progress(nullptr, "x", 0.0f, 10.0f, true, false, true);
@@ -23,9 +23,7 @@ TEST(ProgressRangeTest, InactiveObjectCountsAndAlwaysGoesOn)
     EXPECT_TRUE(progress.SetRange(5.0f, 1.0f));
     float low = 0.0f, high = 0.0f;
     progress.GetRange(low, high);
-    EXPECT_FLOAT_EQ(low, 5.0f);
-    EXPECT_FLOAT_EQ(high, 1.0f);
-    EXPECT_FLOAT_EQ(progress.GetValue(), 5.0f);
+    EXPECT_EQ((std::vector<float>{low, high, progress.GetValue()}), (std::vector<float>{5.0f, 1.0f, 5.0f}));
     progress.Set(0.5f);
     EXPECT_FLOAT_EQ(progress.GetValue(), 0.5f);
 
@@ -41,16 +39,11 @@ TEST(ProgressRangeTest, InactiveObjectCountsAndAlwaysGoesOn)
     EXPECT_FLOAT_EQ(progress.GetValue(), 6.0f);
     EXPECT_TRUE(progress.PopSubRange());
     EXPECT_EQ(progress.GetRanges().size(), 1u);
-}
 
-TEST(ProgressRangeTest, ShortFormSpinsWithoutGaugeOrStop)
-{
-    Progress spin("spin");
-    EXPECT_TRUE(spin.GetShowSpin());
-    EXPECT_FALSE(spin.GetShowGauge());
-    EXPECT_FALSE(spin.GetAllowBreak());
-    EXPECT_EQ(spin.GetStopQuestion(), "Do you really want to stop?");
-    EXPECT_EQ(spin.GetStopButton(), "Stop");
+    const Progress spin("spin");
+    EXPECT_EQ(std::tuple(spin.GetShowSpin(), spin.GetShowGauge(), spin.GetAllowBreak(), spin.GetStopQuestion(),
+                         spin.GetStopButton()),
+              std::tuple(true, false, false, "Do you really want to stop?", "Stop"));
 }
 
 } // namespace

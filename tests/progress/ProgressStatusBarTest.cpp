@@ -2,7 +2,6 @@
 
 #include "ProgressTestSupport.h"
 
-#include <KORVAutl/LanguageString.h>
 #include <KORVAutlwin/progress/BreakWindowProcess.h>
 #include <KORVAutlwin/progress/SpinWindow.h>
 #include <KORVAutlwin/progress/TsGauge.h>
@@ -66,14 +65,11 @@ TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOfAMainFrameOwnsT
     first->SetCounter(0.25f);
     first->Set(0.5f);
     Progress second(nullptr, "Second", 0.0f, 10.0f, true, false, true);
-    EXPECT_FALSE(second.IsActive());
-    EXPECT_TRUE(second.SetInfoStr("Not shown") && second.Set(4.0f));
+    EXPECT_TRUE(!second.IsActive() && second.SetInfoStr("Not shown") && second.Set(4.0f));
     {
         // A copy takes the texts, the ranges, the value and the counter along, never the display.
         Progress copy(*first);
-        EXPECT_FALSE(copy.IsActive());
-        EXPECT_EQ(copy.GetStopButton(), "Halt");
-        EXPECT_FLOAT_EQ(copy.GetValue(), 0.75f);
+        EXPECT_EQ(std::tuple(copy.IsActive(), copy.GetStopButton(), copy.GetValue()), std::tuple(false, "Halt", 0.75f));
         copy.Set(0.0f);
         EXPECT_FLOAT_EQ(copy.GetValue(), 0.25f);
         copy.SetInfoStr("From the copy");
@@ -84,10 +80,8 @@ TEST_F(ProgressStatusBarTest, OnlyTheFirstObjectOnTheMainThreadOfAMainFrameOwnsT
         EXPECT_FALSE(assigned.IsActive());
     }
     // Neither the second object nor the copies touch the first's display, not even at their ends.
-    EXPECT_TRUE(first->IsActive());
-    EXPECT_EQ(MessageText(), "First");
-    EXPECT_FLOAT_EQ(Gauge()->GetValue(), 0.75f);
-    EXPECT_NE(Panes().second, -1);
+    EXPECT_EQ(std::tuple(first->IsActive(), MessageText(), Gauge()->GetValue(), Panes().second != -1),
+              std::tuple(true, "First", 0.75f, true));
     first.reset();
     EXPECT_FALSE(Progress::IsProgressActive() || second.IsActive());
     EXPECT_EQ(MessageText(), Idle());
@@ -122,8 +116,8 @@ TEST_F(ProgressStatusBarTest, GaugeSpinIndicatorTextAndWaitCursorComeAndGoWithTh
     EXPECT_TRUE(progress->Set(2.0f));
     EXPECT_EQ(std::make_pair(progress->GetValue(), gauge->GetValue()), std::make_pair(10.0f, 10.0f));
     EXPECT_TRUE(progress->SetInfoStr("Second step"));
-    EXPECT_EQ(MessageText(), "Second step");
-    EXPECT_EQ(progress->GetInfoText(), "Computing");  // the status bar route keeps its text
+    // The status bar route keeps its text.
+    EXPECT_EQ(MessageText() + "|" + progress->GetInfoText(), "Second step|Computing");
     // The wait cursor lasts as long as the object; after a box put up the arrow, the next pump brings it back.
     ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
     QGuiApplication::changeOverrideCursor(Qt::ArrowCursor);
@@ -141,9 +135,8 @@ TEST_F(ProgressStatusBarTest, GaugeSpinIndicatorTextAndWaitCursorComeAndGoWithTh
     EXPECT_EQ(spin, nullptr) << "the spin indicator is deleted";
     EXPECT_EQ(Panes().second, -1);
     // The plain bar keeps its gauge between tasks, back at rest.
-    EXPECT_EQ(HostedIn(Progress::kGaugePaneId), gauge);
-    EXPECT_EQ(std::make_pair(gauge->GetHigh(), gauge->GetValue()), std::make_pair(1.0f, 0.0f));
-    EXPECT_EQ(MessageText(), Idle());
+    EXPECT_EQ(std::tuple(HostedIn(Progress::kGaugePaneId), gauge->GetHigh(), gauge->GetValue(), MessageText()),
+              std::tuple(static_cast<QWidget*>(gauge), 1.0f, 0.0f, Idle()));
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
@@ -188,12 +181,10 @@ TEST_F(ProgressStatusBarTest, ShowProgressDialogOffForcesTheStatusBarRoute)
     Progress::SetShowProgressDialog(false);
     {
         Progress progress(nullptr, "Forced", 0.0f, 4.0f, true, true, true);
-        EXPECT_FALSE(progress.GetAllowBreak());
-        EXPECT_EQ(HostedIn(Progress::kGaugePaneId), Gauge());
-        EXPECT_NE(HostedIn(Progress::kSpinPaneId), nullptr);
         progress.Set(2.0f);
-        EXPECT_FLOAT_EQ(Gauge()->GetValue(), 2.0f);
-        EXPECT_EQ(Progress::GetBreakWindow(), nullptr);
+        EXPECT_EQ(std::tuple(progress.GetAllowBreak(), HostedIn(Progress::kGaugePaneId), Gauge()->GetValue(),
+                             HostedIn(Progress::kSpinPaneId) != nullptr, Progress::GetBreakWindow()),
+                  std::tuple(false, static_cast<QWidget*>(Gauge()), 2.0f, true, nullptr));
     }
     EXPECT_EQ(window.GetCompanionPid(), 0) << "never asked to come into being";
 }
@@ -205,13 +196,11 @@ TEST_F(ProgressStatusBarTest, ToolkitBarHostsTheGaugeAndAMarqueeOnlyWhileActive)
     Progress::InitProgress();
     auto* gauge = dynamic_cast<TsXTPGauge*>(Progress::GetGauge());
     ASSERT_NE(gauge, nullptr);
-    EXPECT_FALSE(gauge->isVisible());
-    EXPECT_EQ(bar.CommandToIndex(Progress::kGaugePaneId), -1);
+    EXPECT_EQ(std::pair(gauge->isVisible(), bar.CommandToIndex(Progress::kGaugePaneId)), std::pair(false, -1));
     {
         Progress progress(nullptr, "Toolkit", 0.0f, 2.0f, true, false, true);
-        EXPECT_EQ(std::make_pair(bar.GetWindowIndex(gauge), bar.CommandToIndex(Progress::kSpinPaneId)),
-                  std::make_pair(0, 1));
-        EXPECT_TRUE(gauge->isVisible());
+        EXPECT_EQ(std::tuple(bar.GetWindowIndex(gauge), bar.CommandToIndex(Progress::kSpinPaneId), gauge->isVisible()),
+                  std::tuple(0, 1, true));
         QProgressBar* marquee = nullptr;
         for (auto* candidate : bar.findChildren<QProgressBar*>())
             marquee = bar.GetWindowIndex(candidate) == 1 ? candidate : marquee;
@@ -220,12 +209,10 @@ TEST_F(ProgressStatusBarTest, ToolkitBarHostsTheGaugeAndAMarqueeOnlyWhileActive)
         progress.Set(1.0f);
         EXPECT_EQ(gauge->GetPosition(), 50);
     }
-    EXPECT_EQ(std::make_pair(bar.CommandToIndex(Progress::kGaugePaneId), bar.CommandToIndex(Progress::kSpinPaneId)),
-              std::make_pair(-1, -1));
-    EXPECT_FALSE(gauge->isVisible());
-    EXPECT_EQ(gauge->GetPosition(), 0);
-    EXPECT_EQ(bar.findChildren<QProgressBar*>().size(), 1) << "the marquee is deleted";
-    EXPECT_EQ(MessageText(), Idle());
+    // The marquee is deleted.
+    EXPECT_EQ(std::tuple(bar.CommandToIndex(Progress::kGaugePaneId), bar.CommandToIndex(Progress::kSpinPaneId),
+                         gauge->isVisible(), gauge->GetPosition(), bar.findChildren<QProgressBar*>().size(), MessageText()),
+              std::tuple(-1, -1, false, 0, 1, Idle()));
 }
 
 TEST(ProgressMessageLoopTest, PaintsWhileKeyboardInputWaitsAndDoesNothingOffTheMainThread)

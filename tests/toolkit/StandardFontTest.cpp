@@ -8,12 +8,10 @@
 #include <KORVAutlwin/toolkit/StandardFont.h>
 
 #include <QFontMetricsF>
-#include <QGuiApplication>
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
 #include <tuple>
 
 namespace {
@@ -75,13 +73,11 @@ TEST(StandardFontTest, DescriptionsOfTheTwelveFontsAndTheFontsMadeFromThem)
 
 TEST(LogFontTest, MulDivRoundsAndDescriptionsSurviveTheWayThroughQFont)
 {
-    EXPECT_EQ(korva::MulDiv(8, 96, 72), 11);   // 10.67
-    EXPECT_EQ(korva::MulDiv(7, 96, 72), 9);    // 9.33
-    EXPECT_EQ(korva::MulDiv(3, 3, 2), 5);      // 4.5
-    EXPECT_EQ(korva::MulDiv(-3, 3, 2), -5);
-    EXPECT_EQ(korva::MulDiv(1, 2, 0), -1);
-    EXPECT_EQ(korva::MulDiv(0x40000000, 4, 1), -1);           // beyond int
-    EXPECT_EQ(korva::MulDiv(0x40000000, 4, 4), 0x40000000);   // but not in between
+    // 10.67, 9.33 and 4.5 rounded, away from 0; a division by 0 and a result beyond int (but not a product) give -1.
+    EXPECT_EQ((std::vector<int>{korva::MulDiv(8, 96, 72), korva::MulDiv(7, 96, 72), korva::MulDiv(3, 3, 2),
+                                korva::MulDiv(-3, 3, 2), korva::MulDiv(1, 2, 0), korva::MulDiv(0x40000000, 4, 1),
+                                korva::MulDiv(0x40000000, 4, 4)}),
+              (std::vector<int>{11, 9, 5, -5, -1, -1, 0x40000000}));
 
     korva::test::Application();
     LOGFONT lf{};
@@ -93,8 +89,8 @@ TEST(LogFontTest, MulDivRoundsAndDescriptionsSurviveTheWayThroughQFont)
     // A size in points becomes pixels at the resolution given.
     QFont points("DejaVu Sans");
     points.setPointSize(9);
-    EXPECT_EQ(korva::LogFontFromQFont(points, 96).lfHeight, -12);
-    EXPECT_EQ(korva::LogFontFromQFont(points, 144).lfHeight, -18);
+    EXPECT_EQ(std::tuple(korva::LogFontFromQFont(points, 96).lfHeight, korva::LogFontFromQFont(points, 144).lfHeight),
+              std::tuple(-12, -18));
 
     // A positive height is the cell: ascent plus descent match it, where a character height of 30 would overshoot.
     LOGFONT cellHeight{};

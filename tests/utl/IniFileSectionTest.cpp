@@ -4,11 +4,6 @@
 #include <KORVAutl/IniFileSection.h>
 #include <KORVAutl/XMLSection.h>
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <memory>
-
 namespace fs = std::filesystem;
 
 namespace {

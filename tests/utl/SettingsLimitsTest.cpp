@@ -6,9 +6,6 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/XMLSection.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <vector>
 
 namespace {
@@ -43,8 +40,7 @@ TEST(SettingsLimitsTest, FileNestedPastTheLimitIsRefusedAndLeftUntouched)
     // At the limit the file is read and written back.
     WriteFile(path, Nested(XMLSection::kMaxDepth));
     XMLSection section(path.c_str(), true);
-    EXPECT_TRUE(section.WriteKey("k", "v"));
-    EXPECT_TRUE(section.Flush());
+    EXPECT_TRUE(section.WriteKey("k", "v") && section.Flush());
     EXPECT_LT(ReadFile(path).size(), 80000u);
 }
 

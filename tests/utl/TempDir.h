@@ -1,6 +1,10 @@
 #pragma once
-// Files for tests, and a fresh folder below the system's temporary folder, removed with its content at scope end.
+// What every suite uses: files, a fresh folder below the system's temporary folder (removed with its content at
+// scope end), the text of a thrown exception, and waiting for a condition.
 
+#include <gtest/gtest.h>
+
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -8,6 +12,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include <sys/resource.h>
 
@@ -36,6 +41,31 @@ inline bool OnAFullDisk(rlim_t bytes, const std::function<bool()>& write)
     setrlimit(RLIMIT_FSIZE, &saved);
     std::signal(SIGXFSZ, previous);
     return result;
+}
+
+class Exception;
+
+/// The text of the exception `action` throws, or "(nothing thrown)".
+template <class Error = Exception>
+std::string Thrown(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const Error& error) {
+        return error.Why();
+    }
+    return "(nothing thrown)";
+}
+
+/// True as soon as `done` says so (polled without handling events); false after `timeout`.
+inline bool WaitFor(const std::function<bool()>& done, std::chrono::milliseconds timeout)
+{
+    for (const auto deadline = std::chrono::steady_clock::now() + timeout; !done();) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }
 
 class TempDir

@@ -4,8 +4,6 @@
 #include <KORVAutl/ResourceModule.h>
 #include <KORVAutl/TsString.h>
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <cerrno>
 #include <climits>
@@ -31,15 +29,13 @@ TEST(TsStringMemory, DupConcatAndSetOwnTheirText)
     const char original[] = "abc";
     char* copy = tsstrdup(original);
     ASSERT_TRUE(copy != original && !tsstrdup(nullptr));
-    EXPECT_STREQ(TsString::ConcatStr(copy, "def"), "abcdef");
-    EXPECT_STREQ(TsString::ConcatStr(copy, nullptr), "abcdef");
-    // Appending a part of itself must survive realloc moving the block.
-    EXPECT_STREQ(TsString::ConcatStr(copy, copy + 3), "abcdefdef");
-    EXPECT_STREQ(TsString::ConcatStr(copy, copy), "abcdefdefabcdefdef");
-    EXPECT_STREQ(TsString::SetStr(copy, copy + 9), "abcdefdef");
+    // Each result read before the next call; appending a part of itself must survive realloc moving the block.
+    EXPECT_EQ((Texts{TsString::ConcatStr(copy, "def"), TsString::ConcatStr(copy, nullptr),
+                     TsString::ConcatStr(copy, copy + 3), TsString::ConcatStr(copy, copy),
+                     TsString::SetStr(copy, copy + 9)}),
+              (Texts{"abcdef", "abcdef", "abcdefdef", "abcdefdefabcdefdef", "abcdefdef"}));
     EXPECT_TRUE(!TsString::SetStr(copy, nullptr) && !copy);
-    EXPECT_STREQ(TsString::ConcatStr(copy, nullptr), "");
-    EXPECT_STREQ(TsString::ConcatStr(copy, "x"), "x");
+    EXPECT_EQ((Texts{TsString::ConcatStr(copy, nullptr), TsString::ConcatStr(copy, "x")}), (Texts{"", "x"}));
     std::free(copy);
 }
 
@@ -90,9 +86,9 @@ TEST(TsStringLocale, NumbersKeepThePointUnderACommaLocale)
     double value = 0;
     EXPECT_TRUE(TsString::ToFloat("2.5", value) && value == 2.5 && !TsString::ToFloat("2,5", value));
     std::string formatted;
-    EXPECT_EQ(TsString::ToString(1234.5, "%.2f", formatted), "1234.50");
-    EXPECT_EQ(TsString::ToString(0.1), "0.1");
-    EXPECT_EQ(TsString::Format("%g|%s|%d", 0.5, "a,b", 7), "0.5|a,b|7");
+    EXPECT_EQ((Texts{TsString::ToString(1234.5, "%.2f", formatted), TsString::ToString(0.1),
+                     TsString::Format("%g|%s|%d", 0.5, "a,b", 7)}),
+              (Texts{"1234.50", "0.1", "0.5|a,b|7"}));
     std::snprintf(probe, sizeof probe, "%.1f", 1.5);
     EXPECT_STREQ(probe, "1,5") << "the caller's locale is left as it was";
     std::setlocale(LC_ALL, "C");
@@ -125,13 +121,13 @@ TEST(TsStringCompare, NumberCompareOrdersDigitRunsByValueAndStristrIgnoresCase)
 
 TEST(TsStringFormat, FormatsAnyLengthAndByLanguageId)
 {
-    EXPECT_EQ(TsString::Format("%s=%05.1f", "x", 3.14159), "x=003.1");
     const std::string longText(3000, 'q');
-    EXPECT_EQ(TsString::Format("<%s>", longText.c_str()), "<" + longText + ">");
+    EXPECT_EQ((Texts{TsString::Format("%s=%05.1f", "x", 3.14159), TsString::Format("<%s>", longText.c_str())}),
+              (Texts{"x=003.1", "<" + longText + ">"}));
     std::string text = "old";
     EXPECT_TRUE(&TsString::ToString(2.0 / 3.0, "%.3f", text) == &text && text == "0.667");
-    EXPECT_EQ(TsString::ToString(0.25, nullptr, text), "0.25");
-    EXPECT_EQ(TsString::ToString(1.5, "%300.1f", text), std::string(297, ' ') + "1.5");
+    EXPECT_EQ((Texts{TsString::ToString(0.25, nullptr, text), TsString::ToString(1.5, "%300.1f", text)}),
+              (Texts{"0.25", std::string(297, ' ') + "1.5"}));
 
     static const korva::StringEntry strings[] = {{4000001, "Row %d of %s"}};
     const korva::ResourceModule module("test", strings, 1, nullptr, 0);
@@ -148,8 +144,7 @@ TEST(TsStringEdit, ReplaceAndSplit)
         {"abc", "", "x", 0, "abc"},   {"abc", nullptr, "x", 0, "abc"}};
     for (const auto& [before, what, with, count, after] : replacements) {
         std::string text = before;
-        EXPECT_EQ(TsString::Replace(text, what, with), count) << before;
-        EXPECT_EQ(text, after) << before;
+        EXPECT_EQ((std::tuple{TsString::Replace(text, what, with), text}), std::tuple(count, after)) << before;
     }
     for (const auto& [text, parts] :
          {std::pair<std::string, Texts>{"a;;b", {"a", "", "b"}}, {";", {"", ""}}, {"", {}}}) {
@@ -183,8 +178,7 @@ TEST(TsStringConvert, ToIntAndToFloatTakeWholeTextsInRange)
 
     float f = 42;
     // Just above half-way between two floats: read through double it would round twice, down to 1.
-    EXPECT_TRUE(TsString::ToFloat("1.00000005960464477539062500001", f));
-    EXPECT_EQ(f, 1.00000012f);
+    EXPECT_TRUE(TsString::ToFloat("1.00000005960464477539062500001", f) && f == 1.00000012f) << f;
     f = 42;
     EXPECT_FALSE(TsString::ToFloat("1e39", f) || TsString::ToFloat("1e-50", f));
     EXPECT_EQ(f, 42);

@@ -3,10 +3,6 @@
 
 #include "../../utl/TempDir.h"
 
-#include <chrono>
-#include <string>
-#include <thread>
-
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -20,18 +16,6 @@ struct ChildEnd
     int exitCode = -1;
     int signal = 0;
 };
-
-/// True as soon as `done` says so; false after `timeout`.
-template <class Condition>
-bool WaitFor(Condition done, std::chrono::milliseconds timeout)
-{
-    for (const auto deadline = std::chrono::steady_clock::now() + timeout; !done();) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 /// Runs the helper with `mode` and `folder`, offscreen, and ends it after 20 s.
 inline ChildEnd RunHelper(const std::string& mode, const std::string& folder)

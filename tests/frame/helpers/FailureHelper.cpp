@@ -1,8 +1,7 @@
-// korva_failure_helper <mode> <folder>: what the failure tests check ends a
-// process, so it happens here: crashes that leave a dump, and the internal
-// error dialog, whose Finish ends the program (and may start it again). The
-// dump goes to <folder>/crash.dmp; onDumped writes <folder>/dumped (the path),
-// onFailed <folder>/failed (path, a line feed, the error number).
+// korva_failure_helper <mode> <folder>: what the failure tests check ends a process, so it happens here: crashes that
+// leave a dump, and the internal error dialog, whose Finish ends the program (and may start it again). The dump goes to
+// <folder>/crash.dmp; onDumped writes <folder>/dumped (the path), onFailed <folder>/failed (path, a line feed, the
+// error number).
 
 #include <KORVAutlwin/frame/FaultTranslation.h>
 #include <KORVAutlwin/frame/InternalErrorDialog.h>
