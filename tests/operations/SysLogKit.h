@@ -58,36 +58,27 @@ private:
 /// hangs fails the test.
 inline std::string InChild(const std::function<std::string()>& body)
 {
-    int pipeEnds[2];
-    if (pipe(pipeEnds) != 0)
-        return "no pipe";
+    std::FILE* out = std::tmpfile();
     const pid_t pid = fork();
     if (pid == 0) {
-        close(pipeEnds[0]);
         alarm(20);
-        const std::string out = body();
-        for (std::size_t done = 0; done < out.size();) {
-            const ssize_t n = write(pipeEnds[1], out.data() + done, out.size() - done);
-            if (n <= 0)
-                break;
-            done += static_cast<std::size_t>(n);
-        }
+        const std::string result = body();
+        std::fwrite(result.data(), 1, result.size(), out);
+        std::fflush(out);
         _exit(0);
     }
-    close(pipeEnds[1]);
-    std::string out;
-    char buffer[256];
-    for (ssize_t n; (n = read(pipeEnds[0], buffer, sizeof buffer)) > 0;)
-        out.append(buffer, static_cast<std::size_t>(n));
-    close(pipeEnds[0]);
     int status = 0;
     waitpid(pid, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child ended with status " << status;
-    return out;
+    std::string result(4096, '\0');
+    std::rewind(out);
+    result.resize(std::fread(result.data(), 1, result.size(), out));
+    std::fclose(out);
+    return result;
 }
 
-/// A loopback port that nothing listens on just now.
-inline int FreePort(int type)
+/// A socket bound to a free loopback port, which `port` receives.
+inline int BoundSocket(int type, int& port)
 {
     const int fd = socket(AF_INET, type, 0);
     sockaddr_in address{};
@@ -96,8 +87,16 @@ inline int FreePort(int type)
     socklen_t length = sizeof address;
     bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
     getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-    close(fd);
-    return ntohs(address.sin_port);
+    port = ntohs(address.sin_port);
+    return fd;
+}
+
+/// A loopback port that nothing listens on just now.
+inline int FreePort(int type)
+{
+    int port = 0;
+    close(BoundSocket(type, port));
+    return port;
 }
 
 /// rsyslogd in the foreground, receiving on 127.0.0.1 over UDP and TCP and
@@ -158,7 +157,7 @@ public:
                 if (close != std::string::npos && line.compare(close + 1, tag.size(), tag) == 0)
                     lines.push_back(line);
             }
-            if (last.empty() || std::find(lines.begin(), lines.end(), last) != lines.end())
+            if (std::find(lines.begin(), lines.end(), last) != lines.end())
                 break;
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }

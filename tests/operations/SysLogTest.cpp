@@ -10,39 +10,29 @@
 
 namespace {
 
+// Every row by index, by value and by its name in upper case; the fallback past the end and for junk.
+template <typename Value>
+void CheckTable(unsigned int rows, const char* (*atIndex)(unsigned int), const char* (*toString)(Value),
+                Value (*toValue)(const char*), const char* fallback)
+{
+    SCOPED_TRACE(fallback);
+    for (unsigned int row = 0; row < rows; ++row) {
+        std::string upper = atIndex(row);
+        for (char& c : upper)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        EXPECT_STREQ(toString(Value(row)), atIndex(row));
+        EXPECT_EQ(toValue(upper.c_str()), Value(row)) << upper;
+    }
+    for (const char* name : {atIndex(rows), toString(Value(rows)), toString(Value(-1)), toString(toValue("junk")),
+                             toString(toValue(nullptr))})
+        EXPECT_STREQ(name, fallback);
+}
+
 TEST(SysLogNames, TablesRoundTripWithoutCaseAndFallBack)
 {
-    struct Table
-    {
-        unsigned int rows;
-        std::function<const char*(unsigned int)> atIndex;
-        std::function<const char*(int)> toString;
-        std::function<int(const char*)> toValue;
-        const char* fallback;
-    };
-    const Table tables[] = {
-        {24, SysLog::FacilityAtIndex, [](int v) { return SysLog::FacilityToString(SysLog::EFacility(v)); },
-         SysLog::StringToFacility, "local7"},
-        {8, SysLog::SeverityAtIndex, [](int v) { return SysLog::SeverityToString(SysLog::ESeverity(v)); },
-         SysLog::StringToSeverity, "debug"},
-        {2, SysLog::SocketTypeAtIndex, [](int v) { return SysLog::SocketTypeToString(SysLog::ESocketType(v)); },
-         SysLog::StringToSocketType, "udp"},
-    };
-    for (const Table& table : tables) {
-        SCOPED_TRACE(table.fallback);
-        for (unsigned int row = 0; row < table.rows; ++row) {
-            std::string upper = table.atIndex(row);
-            for (char& c : upper)
-                c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-            EXPECT_STREQ(table.toString(static_cast<int>(row)), table.atIndex(row));
-            EXPECT_EQ(table.toValue(upper.c_str()), static_cast<int>(row)) << upper;
-        }
-        EXPECT_STREQ(table.atIndex(table.rows), table.fallback);
-        EXPECT_STREQ(table.toString(-1), table.fallback);
-        EXPECT_STREQ(table.toString(static_cast<int>(table.rows)), table.fallback);
-        EXPECT_STREQ(table.atIndex(table.toValue("no such name")), table.fallback);
-        EXPECT_STREQ(table.atIndex(table.toValue(nullptr)), table.fallback);
-    }
+    CheckTable(24, SysLog::FacilityAtIndex, SysLog::FacilityToString, SysLog::StringToFacility, "local7");
+    CheckTable(8, SysLog::SeverityAtIndex, SysLog::SeverityToString, SysLog::StringToSeverity, "debug");
+    CheckTable(2, SysLog::SocketTypeAtIndex, SysLog::SocketTypeToString, SysLog::StringToSocketType, "udp");
 }
 
 TEST(SysLogSettings, WriteNamesAndNumbersAndReadThemBack)
@@ -55,23 +45,22 @@ TEST(SysLogSettings, WriteNamesAndNumbersAndReadThemBack)
     SysLog::SetBaseSeverity(path, SysLog::eNotice);
     SysLog::SetFacility(path, SysLog::eCron);
     SysLog::SetSocketType(path, SysLog::eTcp);
-    EXPECT_EQ(SysLog::GetPort(path), 70000u);
-    EXPECT_EQ(SysLog::GetAddress(path), "syslog.example");
-    EXPECT_EQ(SysLog::GetBaseSeverity(path), SysLog::eNotice);
-    EXPECT_EQ(SysLog::GetFacility(path), SysLog::eCron);
-    EXPECT_EQ(SysLog::GetSocketType(path), SysLog::eTcp);
+    EXPECT_EQ(std::to_string(SysLog::GetPort(path)) + SysLog::GetAddress(path) + std::to_string(SysLog::GetBaseSeverity(path)) +
+                  std::to_string(SysLog::GetFacility(path)) + std::to_string(SysLog::GetSocketType(path)),
+              "70000syslog.example5150");
     EXPECT_NE(ReadText(ini).find("cron"), std::string::npos) << "names, not numbers, go to the file";
 
     // Values outside the tables write the fallback names.
     SysLog::SetBaseSeverity(path, SysLog::ESeverity(12));
     SysLog::SetFacility(path, SysLog::EFacility(99));
     SysLog::SetSocketType(path, SysLog::ESocketType(5));
-    std::string value;
     IniFileSection file(path, "SysLogSettings");
-    for (const auto& [key, expected] : {std::pair{"BaseSeverity", "debug"}, {"Facility", "local7"}, {"SocketType", "udp"}}) {
-        EXPECT_TRUE(file.ReadKey(key, value));
-        EXPECT_EQ(value, expected) << key;
-    }
+    const auto read = [&](const char* key) {
+        std::string value;
+        file.ReadKey(key, value);
+        return value + ";";
+    };
+    EXPECT_EQ(read("BaseSeverity") + read("Facility") + read("SocketType"), "debug;local7;udp;");
     file.WriteKey("Port", "-1");
     EXPECT_EQ(SysLog::GetPort(path), 4294967295u) << "as atoi reads it";
 }
@@ -152,15 +141,10 @@ TEST(SysLogFaults, PeerThatHangsUpEndsInFalseNotInSigpipe)
     SysLogFolder folder;
     const std::string ini = folder.File("SysLog.ini");
     const std::string results = InChild([&] {
-        const int listener = socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address);
+        int port = 0;
+        const int listener = BoundSocket(SOCK_STREAM, port);
         listen(listener, 1);
-        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
-        WriteText(ini, "[SysLogSettings]\nSocketType=tcp\nPort=" + std::to_string(ntohs(address.sin_port)) + "\n");
+        WriteText(ini, "[SysLogSettings]\nSocketType=tcp\nPort=" + std::to_string(port) + "\n");
         SysLog::SetIniPath(ini.c_str());
         std::string out = std::to_string(SysLog::LogMessage(SysLog::eDebug, "c", "one"));
         close(accept(listener, nullptr, nullptr));  // unread data: the peer resets the connection
