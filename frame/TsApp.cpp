@@ -3,6 +3,8 @@
 #include <KORVAutlwin/art/ProgressArt.h>
 #include <KORVAutlwin/frame/AboutDialog.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
+#include <KORVAutlwin/frame/RegistrySection.h>
+#include <KORVAutlwin/operations/SysLog.h>
 #include <KORVAutlwin/platform/Registry.h>
 #include <KORVAutlwin/platform/UserIdentity.h>
 
@@ -100,11 +102,15 @@ TsApp::TsApp(const char* name) : WinApp(name)
     OnUpdateCommand(ID_APP_ABOUT, [this](CCmdUI* cmdUI) { OnUpdateAppAbout(cmdUI); });
     // The pictures of progress come from the plug-in folder too.
     ProgressArt::SetPluginFolder([this] { return GetPluginDirectory(); });
+    // The syslog client finds its SysLog.ini through the application's registry branch and data folder.
+    SysLog::SetApplicationHooks([] { return std::string(GetRegistryBaseKeyName()); },
+                                [this] { return GetCommonAppDataDirectory(); });
 }
 
 TsApp::~TsApp()
 {
     ProgressArt::SetPluginFolder(nullptr);
+    SysLog::SetApplicationHooks(nullptr, nullptr);
     if (appSettings)
         appSettings->Flush();
     // What the application wrote to the registry survives a power cut from here on.
