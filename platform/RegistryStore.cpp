@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <string_view>
 #include <utility>
 
 #include <pthread.h>
@@ -81,6 +82,24 @@ std::string HivePath(Hive hive)
     return base + "/Tessmark/registry.sqlite";
 }
 
+// The tables of kSchema as SQLite keeps their statements ("IF NOT EXISTS" is
+// not kept), in name order, joined by ';'.
+const std::string& StoredTables()
+{
+    static const std::string tables = [] {
+        std::string text;
+        const std::string_view schema = kSchema;
+        const std::string_view create = "CREATE TABLE IF NOT EXISTS ";
+        for (std::size_t at = schema.find(create); at != std::string_view::npos; at = schema.find(create, at + 1)) {
+            const std::size_t end = schema.find(';', at);
+            text += (text.empty() ? "" : ";") + std::string("CREATE TABLE ") +
+                    std::string(schema.substr(at + create.size(), end - at - create.size()));
+        }
+        return text;
+    }();
+    return tables;
+}
+
 // Whether the file is sound, before anything is written to it. The full check
 // also finds an index that no longer matches its table, which would make
 // existing keys and values read as missing.
@@ -93,8 +112,16 @@ int CheckIntact(sqlite::Database& database, const std::string& path, bool& intac
     int rc = database.ReadText(small ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)", verdict);
     if (rc == SQLITE_OK)
         rc = database.ReadInt("PRAGMA user_version", version);
-    // Every statement must find its tables and columns: a store whose schema was
-    // changed is as damaged as one with a broken page (preparing marks it).
+    // The tables must be the ones this code makes, to the letter, and every
+    // statement must find them: a store whose schema was changed is as damaged
+    // as one with a broken page, and is found so before anything is written.
+    if (rc == SQLITE_OK && version == kSchemaVersion) {
+        std::string tables;
+        rc = database.ReadText("SELECT group_concat(sql, ';') FROM (SELECT sql FROM sqlite_schema"
+                               " WHERE type = 'table' AND name IN ('keys', 'vals') ORDER BY name)", tables);
+        if (rc == SQLITE_OK && tables != StoredTables())
+            database.MarkDamaged();
+    }
     for (std::size_t which = 0; rc == SQLITE_OK && version == kSchemaVersion && which < StatementCount; ++which)
         database.Prepared(which, rc);
     // A version this code does not know is no registry store of its own either.
