@@ -112,6 +112,13 @@ int CheckIntact(sqlite::Database& database, const std::string& path, bool& intac
     int rc = database.ReadText(small ? "PRAGMA integrity_check(1)" : "PRAGMA quick_check(1)", verdict);
     if (rc == SQLITE_OK)
         rc = database.ReadInt("PRAGMA user_version", version);
+    // Version 0 is a new file, with nothing in it yet; with tables it is none of ours.
+    if (rc == SQLITE_OK && version == 0) {
+        int objects = 0;
+        rc = database.ReadInt("SELECT count(*) FROM sqlite_schema", objects);
+        if (rc == SQLITE_OK && objects != 0)
+            database.MarkDamaged();
+    }
     // The tables must be the ones this code makes, to the letter, and every
     // statement must find them: a store whose schema was changed is as damaged
     // as one with a broken page, and is found so before anything is written.

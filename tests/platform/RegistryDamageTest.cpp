@@ -68,6 +68,7 @@ TEST_F(RegistryDamageTest, DamagedFileIsRefusedUntouchedAndMovedAsideAtTheNextSt
         [&] { Overwrite(0, std::string(100, 'Z')); },                               // the header
         [&] { Overwrite(28, std::string("\0\0\x10\0", 4)); },                       // the page count
         [&] { Overwrite(60, std::string("\0\0\0\x07", 4)); },                       // an unknown version
+        [&] { Overwrite(60, std::string(4, '\0')); },                               // tables without a version
         // One copy of a key name changed: the index no longer matches its table,
         // which a quick check misses and which made keys read as missing.
         [&] { Overwrite(static_cast<long>(content.find("Key 150")) + 4, "7"); },
