@@ -1,6 +1,7 @@
 #include <KORVAutl/UserComm.h>
 
 #include <atomic>
+#include <utility>
 
 namespace {
 std::atomic<UserComm*> gUserComm{nullptr};
@@ -17,3 +18,10 @@ UserComm* UserComm::SetUserComm(UserComm* channel)
 }
 
 UserComm::~UserComm() = default;
+
+TellingUserComm::TellingUserComm(Tell tell) : mTell(std::move(tell)), mPrevious(UserComm::SetUserComm(this)) {}
+
+TellingUserComm::~TellingUserComm()
+{
+    UserComm::SetUserComm(mPrevious);
+}

@@ -3,6 +3,8 @@
 // and informs the user. The application installs an implementation (dialogs,
 // silent collection, ...); code below it only calls GetUserComm().
 
+#include <functional>
+
 /// Answer codes, for results and for `defaultAnswer` (0: no default).
 enum EUserAnswer
 {
@@ -42,4 +44,33 @@ protected:
     UserComm() = default;
     UserComm(const UserComm&) = default;
     UserComm& operator=(const UserComm&) = default;
+};
+
+/// The channel of a program without windows: it asks nobody (two-answer
+/// questions get No, the others Cancel) and hands every inform and fatal error
+/// to `tell`. It is the current channel for its lifetime and puts back the one
+/// before it at its end.
+class TellingUserComm : public UserComm
+{
+public:
+    using Tell = std::function<void(const char* text)>;
+
+    explicit TellingUserComm(Tell tell);
+    ~TellingUserComm() override;
+    TellingUserComm(const TellingUserComm&) = delete;
+    TellingUserComm& operator=(const TellingUserComm&) = delete;
+
+    int AskUserYesNo(const char*, const char*, const char*, int) override { return eNo; }
+    int AskUserYesNo(const char*, const char*, int) override { return eNo; }
+    int AskUserYesYesToAllNoNoToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    int AskUserYesYesToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    int AskUserYesCancel(const char*, const char*, const char*, int) override { return eCancel; }
+    void FatalError(const char* text, const char*) override { mTell(text ? text : ""); }
+    void InformUser(const char* text, const char*, unsigned long) override { mTell(text ? text : ""); }
+    void HourGlassOn() override {}
+    void HourGlassOff() override {}
+
+private:
+    Tell mTell;
+    UserComm* mPrevious;
 };

@@ -61,25 +61,13 @@ Pictures are stored as JPEG at quality 75, never enlarged. Exit status: 0 done,
 )";
 
 // What the library tells the user goes to the terminal; a tool asks nothing.
-class ArtPackUserComm : public UserComm
+struct ArtPackUserComm
 {
-public:
-    ArtPackUserComm() { UserComm::SetUserComm(this); }
-    ~ArtPackUserComm() override { UserComm::SetUserComm(nullptr); }
-    int AskUserYesNo(const char*, const char*, const char*, int) override { return eNo; }
-    int AskUserYesNo(const char*, const char*, int) override { return eNo; }
-    int AskUserYesYesToAllNoNoToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
-    int AskUserYesYesToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
-    int AskUserYesCancel(const char*, const char*, const char*, int) override { return eCancel; }
-    void FatalError(const char* text, const char* title) override { InformUser(text, title, 0); }
-    void InformUser(const char* text, const char*, unsigned long) override
-    {
-        std::cerr << "artpack: " << (text ? text : "") << "\n";
-        failed = true;
-    }
-    void HourGlassOn() override {}
-    void HourGlassOff() override {}
     bool failed = false;
+    TellingUserComm channel{[this](const char* text) {
+        std::cerr << "artpack: " << text << "\n";
+        failed = true;
+    }};
 };
 
 struct PictureSource

@@ -109,21 +109,10 @@ inline int WrongOnFourThreads(int rounds, const std::function<bool(int, int)>& w
 }
 
 /// A user channel that keeps what it is told instead of showing it.
-class MessageCatcher : public UserComm
+struct MessageCatcher
 {
-public:
-    MessageCatcher() { UserComm::SetUserComm(this); }
-    ~MessageCatcher() override { UserComm::SetUserComm(nullptr); }
-    int AskUserYesNo(const char*, const char*, const char*, int) override { return eNo; }
-    int AskUserYesNo(const char*, const char*, int) override { return eNo; }
-    int AskUserYesYesToAllNoNoToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
-    int AskUserYesYesToAllCancel(const char*, const char*, const char*, int) override { return eCancel; }
-    int AskUserYesCancel(const char*, const char*, const char*, int) override { return eCancel; }
-    void FatalError(const char* text, const char*) override { messages.emplace_back(text); }
-    void InformUser(const char* text, const char*, unsigned long) override { messages.emplace_back(text); }
-    void HourGlassOn() override {}
-    void HourGlassOff() override {}
     std::vector<std::string> messages;
+    TellingUserComm channel{[this](const char* text) { messages.emplace_back(text); }};
 };
 
 } // namespace korva::test
