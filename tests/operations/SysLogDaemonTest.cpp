@@ -87,7 +87,7 @@ TEST_P(SysLogWire, ArrivesByteForByte)
     Rsyslogd daemon(folder);
     ASSERT_TRUE(daemon.Listening()) << "rsyslogd did not start listening";
     const std::string ini = folder.File("SysLog.ini");
-    WriteText(ini, Fill(row.ini, daemon));
+    WriteFile(ini, Fill(row.ini, daemon));
     const auto settingsBefore = Keys(ini, "SysLogSettings");
     const auto contextsBefore = Keys(ini, "SysLogContextSeverities");
 

@@ -2,6 +2,8 @@
 // What the SysLog tests share: a temporary folder, a forked child for each
 // process-wide start of SysLog, and a real rsyslogd on loopback ports.
 
+#include "utl/TempDir.h"
+
 #include <KORVAutlwin/platform/ChildProcess.h>
 
 #include <gtest/gtest.h>
@@ -23,34 +25,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-inline std::string ReadText(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-inline void WriteText(const std::string& path, const std::string& text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
-
 /// A fresh folder, removed at scope end; the registry store and the log move into it.
-class SysLogFolder
+class SysLogFolder : public TempDir
 {
 public:
     SysLogFolder()
     {
-        mPath = (std::filesystem::temp_directory_path() / "korva-syslog-XXXXXX").string();
-        if (!mkdtemp(mPath.data()))
-            std::abort();
-        setenv("KORVA_REGISTRY_DIR", mPath.c_str(), 1);
-        setenv("XDG_CONFIG_HOME", mPath.c_str(), 1);
+        setenv("KORVA_REGISTRY_DIR", Path().c_str(), 1);
+        setenv("XDG_CONFIG_HOME", Path().c_str(), 1);
     }
-    ~SysLogFolder() { std::filesystem::remove_all(mPath); }
-    std::string File(const std::string& name) const { return mPath + "/" + name; }
-
-private:
-    std::string mPath;
 };
 
 /// Runs `body` in a forked child, whose SysLog starts afresh: the settings are
@@ -124,7 +107,7 @@ public:
              << "input(type=\"imtcp\" port=\"" << mTcpPort << "\" address=\"127.0.0.1\")\n"
              << "template(name=\"raw\" type=\"string\" string=\"%rawmsg%\\n\")\n"
              << "action(type=\"omfile\" file=\"" << mOutput << "\" template=\"raw\")\n";
-        WriteText(conf, text.str());
+        WriteFile(conf, text.str());
         mProcess.Spawn(Program(), {"rsyslogd", "-n", "-f", conf, "-i", folder.File("rsyslogd.pid")});
     }
 
@@ -151,7 +134,7 @@ public:
         std::vector<std::string> lines;
         for (int i = 0; i < 200; ++i) {
             lines.clear();
-            std::istringstream in(ReadText(mOutput));
+            std::istringstream in(ReadFile(mOutput));
             for (std::string line; std::getline(in, line);) {
                 const auto close = line.find('>');
                 if (close != std::string::npos && line.compare(close + 1, tag.size(), tag) == 0)
@@ -173,7 +156,7 @@ private:
     {
         char local[32];
         std::snprintf(local, sizeof local, "0100007F:%04X 00000000:0000 %s", port, state);
-        return ReadText(table).find(local) != std::string::npos;
+        return ReadFile(table).find(local) != std::string::npos;
     }
 
     const std::string mOutput;

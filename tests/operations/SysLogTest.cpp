@@ -48,7 +48,7 @@ TEST(SysLogSettings, WriteNamesAndNumbersAndReadThemBack)
     EXPECT_EQ(std::to_string(SysLog::GetPort(path)) + SysLog::GetAddress(path) + std::to_string(SysLog::GetBaseSeverity(path)) +
                   std::to_string(SysLog::GetFacility(path)) + std::to_string(SysLog::GetSocketType(path)),
               "70000syslog.example5150");
-    EXPECT_NE(ReadText(ini).find("cron"), std::string::npos) << "names, not numbers, go to the file";
+    EXPECT_NE(ReadFile(ini).find("cron"), std::string::npos) << "names, not numbers, go to the file";
 
     // Values outside the tables write the fallback names.
     SysLog::SetBaseSeverity(path, SysLog::ESeverity(12));
@@ -126,7 +126,7 @@ TEST(SysLogFaults, EndInFalseWithoutCrashOrHang)
         SCOPED_TRACE(name);
         const std::string ini = folder.File("SysLog.ini");
         if (!text.empty())
-            WriteText(ini, text);
+            WriteFile(ini, text);
         const std::string results = InChild([&] {
             if (!text.empty())
                 SysLog::SetIniPath(ini.c_str());
@@ -144,7 +144,7 @@ TEST(SysLogFaults, PeerThatHangsUpEndsInFalseNotInSigpipe)
         int port = 0;
         const int listener = BoundSocket(SOCK_STREAM, port);
         listen(listener, 1);
-        WriteText(ini, "[SysLogSettings]\nSocketType=tcp\nPort=" + std::to_string(port) + "\n");
+        WriteFile(ini, "[SysLogSettings]\nSocketType=tcp\nPort=" + std::to_string(port) + "\n");
         SysLog::SetIniPath(ini.c_str());
         std::string out = std::to_string(SysLog::LogMessage(SysLog::eDebug, "c", "one"));
         close(accept(listener, nullptr, nullptr));  // unread data: the peer resets the connection
