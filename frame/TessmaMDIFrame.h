@@ -1,25 +1,26 @@
 #pragma once
-// The application's main window: a frame whose client is a QMdiArea with the
-// documents' windows, and which owns the process-level safety net.
-//
-//  - Commands go to the active MDI child first: to the child window itself if
-//    it is a command target, else to its widget if that is one; then to the
-//    frame, then to the application. The frame handles the Window menu's
-//    Cascade and Tile commands itself.
-//  - Events of the frame stop at the application's guard and end in the
-//    internal error dialog by the frame's exception mask (15 at construction).
-//    Processor faults are translated on the thread that built the frame.
-//  - Exhausted memory: the frame installs NewHandler as the process's new
-//    handler. Every 30 seconds (timer 1) it reads the free memory; below 5 % it
-//    warns once and asks the registered CanGarbageCollect objects to give back
-//    memory; the warning comes back only after free memory has risen to 10 %.
-//  - The splash (TsStartWindow) goes 2 seconds after the frame is made (timer 2).
-//  - The window position is kept in the profile section "WindowPos" (keys
-//    "Status", "Top", "Left", "Bottom", "Right"): written on close, applied when
-//    the frame is first shown, moved into the work area of the nearest screen.
-//
-// Timer messages do not nest: a timer that fires while a box of another timer
-// message is up is ignored.
+/// \class TessmaMDIFrame
+/// The application's main window: a frame whose client is a QMdiArea with the
+/// documents' windows, and which owns the process-level safety net.
+///
+///  - Commands go to the active MDI child first: to the child window itself if
+///    it is a command target, else to its widget if that is one; then to the
+///    frame, then to the application. The frame handles the Window menu's
+///    Cascade and Tile commands itself.
+///  - Events of the frame stop at the application's guard and end in the
+///    internal error dialog by the frame's exception mask (15 at construction).
+///    Processor faults are translated on the thread that built the frame.
+///  - Exhausted memory: the frame installs NewHandler as the process's new
+///    handler. Every 30 seconds (timer 1) it reads the free memory; below 5 % it
+///    warns once and asks the registered CanGarbageCollect objects to give back
+///    memory; the warning comes back only after free memory has risen to 10 %.
+///  - The splash (TsStartWindow) goes 2 seconds after the frame is made (timer 2).
+///  - The window position is kept in the profile section "WindowPos" (keys
+///    "Status", "Top", "Left", "Bottom", "Right"): written on close, applied when
+///    the frame is first shown, moved into the work area of the nearest screen.
+///
+/// Timer messages do not nest: a timer that fires while a box of another timer
+/// message is up is ignored.
 
 #include <KORVAutlwin/frame/TsFrameWnd.h>
 #include <KORVAutlwin/frame/WinApp.h>

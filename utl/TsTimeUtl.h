@@ -1,5 +1,6 @@
 #pragma once
-// Time helpers.
+/// \class TsTimeUtl
+/// Time helpers.
 
 #include <ctime>
 
