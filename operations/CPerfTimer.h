@@ -27,8 +27,7 @@ public:
     double GetElapsedMilliseconds() const;
     double GetElapsedMicroseconds() const;
 
-    /// Ticks per second, read once: 1e9 for the monotonic clock, 1 if the clock
-    /// can't tell its resolution, so that divisions stay safe.
+    /// Ticks per second: 1e9, the monotonic clock counting nanoseconds.
     static std::int64_t GetFrequency();
 
 private:

@@ -40,7 +40,7 @@ public:
     static const char* const SYSTEM_LOG;
 
     /// The standard event type bits; a mask of them says which types a source supports.
-    enum EventType
+    enum EventType : unsigned int
     {
         eError = 1,
         eWarning = 2,
@@ -99,6 +99,12 @@ public:
 
 private:
     friend class NTServiceApp;
+    friend class EventSource;
+
+    /// The registry key that holds the logs, below HKEY_LOCAL_MACHINE.
+    static const char* const REGISTRY_ROOT;
+    /// Read and write: query, set, create and enumerate children, notify.
+    static const unsigned long REGISTRY_ACCESS = 0x2001F;
 
     /// What the twelve forms come to, for callers that hold raw strings: a null
     /// `strings` or a null string among them counts as empty.
