@@ -93,9 +93,15 @@ public:
     /// once there are `count` of them or 10 s have passed.
     std::vector<Entry> Entries(const std::string& identifier, std::size_t count) const
     {
+        return Matching("SYSLOG_IDENTIFIER=" + identifier, count);
+    }
+
+    /// The same for any journalctl match, "FIELD=value".
+    std::vector<Entry> Matching(const std::string& match, std::size_t count) const
+    {
         std::vector<Entry> entries;
         for (int i = 0; i < 200; ++i) {
-            entries = Read(identifier);
+            entries = Read(match);
             if (entries.size() >= count)
                 break;
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -137,13 +143,13 @@ private:
         std::filesystem::create_directories(target, ignored);
     }
 
-    std::vector<Entry> Read(const std::string& identifier) const
+    std::vector<Entry> Read(const std::string& match) const
     {
         std::string command = "/usr/bin/journalctl -q --no-pager -o json";
         for (const auto& file : std::filesystem::recursive_directory_iterator(mFolder))
-            if (file.path().extension() == ".journal")
+            if (file.is_regular_file() && file.path().extension() == ".journal")
                 command += " --file='" + file.path().string() + "'";
-        command += " 'SYSLOG_IDENTIFIER=" + identifier + "' 2>/dev/null";
+        command += " '" + match + "' 2>/dev/null";
         std::vector<Entry> entries;
         if (command.find("--file") == std::string::npos)
             return entries;

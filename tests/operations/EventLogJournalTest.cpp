@@ -1,0 +1,134 @@
+// The event log against a real systemd-journald in a sandbox of the test's own:
+// what each form of WriteEntry leaves in the journal, read back with journalctl.
+#include "operations/JournalSandbox.h"
+#include "utl/TempDir.h"
+
+#include <KORVAutlwin/operations/EventLog.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+struct FormCase
+{
+    const char* name;
+    std::function<void(EventLog&, unsigned long id)> write;
+    // Fields expected besides the ones every entry has; "-" means absent.
+    std::vector<std::pair<std::string, std::string>> fields;
+};
+
+const unsigned char kData[] = {0x00, 0x7f, 0xA5, 0xff};
+const std::vector<std::string> kStrings = {"first", "", "line\nbreak", "gr\xc3\xbc\xc3\x9f"};
+
+const FormCase kForms[] = {
+    {"Id", [](EventLog& log, unsigned long id) { log.WriteEntry(id); },
+     {{"PRIORITY", "6"}, {"EVENT_TYPE", "4"}, {"EVENT_CATEGORY", "0"}, {"EVENT_STRING_1", "-"}, {"EVENT_DATA", "-"}}},
+    {"IdType", [](EventLog& log, unsigned long id) { log.WriteEntry(id, EventLog::eError); },
+     {{"PRIORITY", "3"}, {"EVENT_TYPE", "1"}, {"EVENT_CATEGORY", "0"}}},
+    {"IdTypeCategory", [](EventLog& log, unsigned long id) { log.WriteEntry(id, EventLog::eWarning, 65535); },
+     {{"PRIORITY", "4"}, {"EVENT_TYPE", "2"}, {"EVENT_CATEGORY", "65535"}, {"EVENT_DATA", "-"}}},
+    {"IdData",
+     [](EventLog& log, unsigned long id) { log.WriteEntry(id, EventLog::eInformation, 7, sizeof kData, kData); },
+     {{"PRIORITY", "6"}, {"EVENT_CATEGORY", "7"}, {"EVENT_DATA", "007fa5ff"}}},
+    {"IdSizeWithoutData", [](EventLog& log, unsigned long id) { log.WriteEntry(id, EventLog::eError, 1, 10, nullptr); },
+     {{"EVENT_DATA", "-"}}},
+    {"String", [](EventLog& log, unsigned long id) { log.WriteEntry("only one", id); },
+     {{"MESSAGE", "only one"}, {"EVENT_STRING_1", "only one"}, {"EVENT_STRING_2", "-"}, {"PRIORITY", "6"}}},
+    {"NullString", [](EventLog& log, unsigned long id) { log.WriteEntry(static_cast<const char*>(nullptr), id); },
+     {{"MESSAGE", ""}, {"EVENT_STRING_1", ""}}},
+    {"StringType", [](EventLog& log, unsigned long id) { log.WriteEntry("s", id, EventLog::eWarning); },
+     {{"PRIORITY", "4"}, {"EVENT_STRING_1", "s"}}},
+    {"StringTypeCategory", [](EventLog& log, unsigned long id) { log.WriteEntry("s", id, EventLog::eError, 3); },
+     {{"PRIORITY", "3"}, {"EVENT_CATEGORY", "3"}}},
+    {"StringData",
+     [](EventLog& log, unsigned long id) { log.WriteEntry("s", id, EventLog::eInformation, 2, 2, kData + 2); },
+     {{"EVENT_CATEGORY", "2"}, {"EVENT_DATA", "a5ff"}}},
+    {"Strings", [](EventLog& log, unsigned long id) { log.WriteEntry(kStrings, id); },
+     {{"MESSAGE", "first  line\nbreak gr\xc3\xbc\xc3\x9f"}, {"EVENT_STRING_1", "first"}, {"EVENT_STRING_2", ""},
+      {"EVENT_STRING_3", "line\nbreak"}, {"EVENT_STRING_4", "gr\xc3\xbc\xc3\x9f"}, {"EVENT_STRING_5", "-"}}},
+    {"EmptyStrings", [](EventLog& log, unsigned long id) { log.WriteEntry(std::vector<std::string>{}, id); },
+     {{"EVENT_STRING_1", "-"}}},
+    {"StringsType", [](EventLog& log, unsigned long id) { log.WriteEntry({"a", "b"}, id, EventLog::eError); },
+     {{"MESSAGE", "a b"}, {"PRIORITY", "3"}, {"EVENT_STRING_2", "b"}}},
+    {"StringsTypeCategory", [](EventLog& log, unsigned long id) { log.WriteEntry({"a"}, id, EventLog::eWarning, 9); },
+     {{"PRIORITY", "4"}, {"EVENT_CATEGORY", "9"}}},
+    {"StringsData",
+     [](EventLog& log, unsigned long id) { log.WriteEntry({"a"}, id, EventLog::eError, 0, 1, kData + 1); },
+     {{"PRIORITY", "3"}, {"EVENT_DATA", "7f"}}},
+};
+
+class EventLogJournal : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (const std::string why = JournalSandbox::Unavailable(); !why.empty())
+            GTEST_SKIP() << why;
+    }
+
+    TempDir mFolder;
+};
+
+TEST_F(EventLogJournal, EachFormWritesOneEntry)
+{
+    JournalSandbox journal(mFolder.Path());
+    const std::string source = "korva-forms-" + std::to_string(getpid());
+    EventLog log(source.c_str());
+    unsigned long id = 1000;
+    for (const FormCase& row : kForms)
+        row.write(log, id++);
+
+    const auto entries = journal.Entries(source, std::size(kForms));
+    ASSERT_EQ(entries.size(), std::size(kForms));
+    id = 1000;
+    for (std::size_t i = 0; i < entries.size(); ++i, ++id) {
+        const FormCase& row = kForms[i];
+        SCOPED_TRACE(row.name);
+        JournalSandbox::Entry entry = entries[i];
+        EXPECT_EQ(entry["EVENT_ID"], std::to_string(id));
+        EXPECT_EQ(entry["EVENT_USER"], "S-1-22-1-" + std::to_string(getuid()));
+        if (!entry.count("EVENT_STRING_1")) {
+            EXPECT_EQ(entry["MESSAGE"], "Event " + std::to_string(id));
+        }
+        for (const auto& [name, value] : row.fields) {
+            if (value == "-")
+                EXPECT_EQ(entry.count(name), 0u) << name;
+            else
+                EXPECT_EQ(entry[name], value) << name;
+        }
+    }
+}
+
+TEST_F(EventLogJournal, DroppedWithoutJournaldAndResumedWithIt)
+{
+    JournalSandbox journal(mFolder.Path(), false);
+    const std::string source = "korva-resume-" + std::to_string(getpid());
+    EventLog log(source.c_str());
+    log.WriteEntry("while nobody listens", 1);
+
+    ASSERT_TRUE(journal.Start());
+    log.WriteEntry("once journald runs", 2);
+    const auto entries = journal.Entries(source, 1);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].at("MESSAGE"), "once journald runs");
+}
+
+TEST_F(EventLogJournal, NoSourceNoEntry)
+{
+    JournalSandbox journal(mFolder.Path());
+    const std::string marker = "korva-marker-" + std::to_string(getpid());
+    EventLog(nullptr).WriteEntry("nowhere", 1);
+    EventLog("").WriteEntry("nowhere", 2);
+    EventLog(marker.c_str()).WriteEntry("marker", 3);
+    ASSERT_EQ(journal.Entries(marker, 1).size(), 1u);
+    // Entries arrive in order: the marker came last, so nothing else is on its way.
+    const auto ours = journal.Matching("_PID=" + std::to_string(getpid()), 1);
+    ASSERT_EQ(ours.size(), 1u);
+    EXPECT_EQ(ours[0].at("SYSLOG_IDENTIFIER"), marker);
+}
+
+} // namespace
