@@ -5,10 +5,9 @@
 // Also the processor monitor's cost of one sample of /proc/stat.
 //
 // journald runs in a sandbox of the run's own (a private mount namespace over a
-// temporary folder, as the tests do): needs root. Without it the journald rows
-// are skipped.
+// temporary folder): needs root. Without it the journald rows are skipped.
 
-#include "operations/JournalSandbox.h"
+#include "JournalSandbox.h"
 
 #include <KORVAutlwin/operations/EventLog.h>
 #include <KORVAutlwin/operations/TsSid.h>

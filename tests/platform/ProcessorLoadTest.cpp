@@ -49,15 +49,4 @@ TEST(ProcessorLoad, BetweenTwoReadings)
     }
 }
 
-TEST(ProcessorLoad, TheMachineItself)
-{
-    korva::ProcessorLoad load;
-    long percent = -1;
-    ASSERT_TRUE(load.Collect());
-    ASSERT_TRUE(load.Collect());
-    ASSERT_TRUE(load.GetPercent(percent));
-    EXPECT_GE(percent, 0);
-    EXPECT_LE(percent, 100);
-}
-
 } // namespace
