@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -70,8 +71,11 @@ public:
     /// Starts journald and waits for its socket; false when it ended or took too long.
     bool Start()
     {
+        // journald's own notes go to stderr, errors only, not into the machine's kernel log.
+        setenv("SYSTEMD_LOG_TARGET", "console", 1);
+        setenv("SYSTEMD_LOG_LEVEL", "err", 1);
         mJournald.Spawn(kProgram, {"systemd-journald"});
-        for (int i = 0; i < 500 && !mJournald.HasEnded(); ++i) {
+        for (int i = 0; i < 2000 && !mJournald.HasEnded(); ++i) {
             if (access("/run/systemd/journal/socket", F_OK) == 0)
                 return true;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
