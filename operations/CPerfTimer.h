@@ -1,8 +1,9 @@
 #pragma once
-// A stopwatch on the monotonic clock, held in one signed 64-bit count whose sign
-// is its state: 0 reset, below 0 stopped (the negated ticks measured), above 0
-// running (the clock's reading at start less the ticks measured before). A tick
-// is a nanosecond. Not for sharing across threads, except GetFrequency.
+/// \class CPerfTimer
+/// A stopwatch on the monotonic clock, held in one signed 64-bit count whose sign
+/// is its state: 0 reset, below 0 stopped (the negated ticks measured), above 0
+/// running (the clock's reading at start less the ticks measured before). A tick
+/// is a nanosecond. Not for sharing across threads, except GetFrequency.
 
 #include <cstdint>
 

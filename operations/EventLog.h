@@ -1,26 +1,27 @@
 #pragma once
-// The event log: entries written under a source name with the writer's security
-// identifier attached, and the static operations that find, create and delete
-// event sources.
-//
-// Entries go to journald, one record per entry, with these fields:
-//   MESSAGE            the insertion strings, separated by a space; "Event <id>" without any
-//   PRIORITY           3 for an error, 4 for a warning, 6 for every other type
-//   SYSLOG_IDENTIFIER  the source name
-//   EVENT_ID, EVENT_TYPE, EVENT_CATEGORY   the numbers, in decimal
-//   EVENT_USER         the writer's identifier, "S-1-22-1-<uid>"; absent when it could not be found
-//   EVENT_STRING_1 ... the insertion strings one by one, in order
-//   EVENT_DATA         the raw data in hex, two lower-case digits a byte; absent without data
-// Read them back with, for example, `journalctl -o json SYSLOG_IDENTIFIER=<source>`.
-//
-// Event sources live in the registry store under HKEY_LOCAL_MACHINE:
-//   System\CurrentControlSet\Services\EventLog\<log>\<source>
-// A source name is unique across all logs, without regard to case. Writing
-// does not need a registered source: the registry only says which log a
-// source belongs to and where its message files are.
-//
-// Writing never reports failure: without journald, or with an object whose
-// source was refused, an entry is dropped silently.
+/// \class EventLog
+/// The event log: entries written under a source name with the writer's security
+/// identifier attached, and the static operations that find, create and delete
+/// event sources.
+///
+/// Entries go to journald, one record per entry, with these fields:
+///   MESSAGE            the insertion strings, separated by a space; "Event <id>" without any
+///   PRIORITY           3 for an error, 4 for a warning, 6 for every other type
+///   SYSLOG_IDENTIFIER  the source name
+///   EVENT_ID, EVENT_TYPE, EVENT_CATEGORY   the numbers, in decimal
+///   EVENT_USER         the writer's identifier, "S-1-22-1-<uid>"; absent when it could not be found
+///   EVENT_STRING_1 ... the insertion strings one by one, in order
+///   EVENT_DATA         the raw data in hex, two lower-case digits a byte; absent without data
+/// Read them back with, for example, `journalctl -o json SYSLOG_IDENTIFIER=<source>`.
+///
+/// Event sources live in the registry store under HKEY_LOCAL_MACHINE:
+///   `System\CurrentControlSet\Services\EventLog\<log>\<source>`
+/// A source name is unique across all logs, without regard to case. Writing
+/// does not need a registered source: the registry only says which log a
+/// source belongs to and where its message files are.
+///
+/// Writing never reports failure: without journald, or with an object whose
+/// source was refused, an entry is dropped silently.
 
 #include <KORVAutlwin/operations/TsSid.h>
 

@@ -1,11 +1,12 @@
 #pragma once
-// One event source's registry key, through which its message files, category
-// count and supported types are set. Only EventLog::CreateEventSource makes one;
-// copies share the open key, which closes with the last of them.
-//
-// Values of the key (HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services\EventLog\<log>\<source>):
-//   "EventMessageFile", "CategoryMessageFile", "ParameterMessageFile"   REG_SZ paths
-//   "CategoryCount", "TypesSupported"                                   REG_DWORD
+/// \class EventSource
+/// One event source's registry key, through which its message files, category
+/// count and supported types are set. Only EventLog::CreateEventSource makes one;
+/// copies share the open key, which closes with the last of them.
+///
+/// Values of the key (`HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services\EventLog\<log>\<source>`):
+///   "EventMessageFile", "CategoryMessageFile", "ParameterMessageFile"   REG_SZ paths
+///   "CategoryCount", "TypesSupported"                                   REG_DWORD
 
 #include <KORVAutlwin/operations/EventLog.h>
 

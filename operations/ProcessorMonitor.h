@@ -1,16 +1,17 @@
 #pragma once
-// Watches the machine's total processor load on a thread of its own, one sample
-// a second, and calls back when the load has been high for long enough.
-//
-// A sample at or above the value limit adds a hit, one below it takes a hit off
-// (never below 0): a leaky bucket, so that a single quiet second doesn't undo
-// several busy ones while sustained quiet drains it. When the hits reach the hit
-// limit they go back to 0 and the callback runs, on the monitor's thread; it is
-// expected to return quickly. A hit limit of 1 or less fires on every busy sample.
-//
-// The load is the share of time, in whole per cent, that the processors spent
-// outside idle and I/O wait between two readings of /proc/stat. Without it the
-// thread ends at once: no sample, no callback.
+/// \class ProcessorMonitor
+/// Watches the machine's total processor load on a thread of its own, one sample
+/// a second, and calls back when the load has been high for long enough.
+///
+/// A sample at or above the value limit adds a hit, one below it takes a hit off
+/// (never below 0): a leaky bucket, so that a single quiet second doesn't undo
+/// several busy ones while sustained quiet drains it. When the hits reach the hit
+/// limit they go back to 0 and the callback runs, on the monitor's thread; it is
+/// expected to return quickly. A hit limit of 1 or less fires on every busy sample.
+///
+/// The load is the share of time, in whole per cent, that the processors spent
+/// outside idle and I/O wait between two readings of /proc/stat. Without it the
+/// thread ends at once: no sample, no callback.
 
 #include <atomic>
 #include <condition_variable>

@@ -1,7 +1,8 @@
 #pragma once
-// The security identifier of the user who runs this process. A Unix user has
-// the identifier S-1-22-1-<uid>: revision 1, authority 22, sub-authorities 1
-// and the uid, held in the binary layout of a SID.
+/// \class TsSid
+/// The security identifier of the user who runs this process. A Unix user has
+/// the identifier `S-1-22-1-<uid>`: revision 1, authority 22, sub-authorities 1
+/// and the uid, held in the binary layout of a SID.
 
 #include <memory>
 #include <string>

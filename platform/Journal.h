@@ -1,5 +1,6 @@
 #pragma once
-// journald's native protocol: one entry of "NAME=value" fields per call.
+/// \class korva::Journal
+/// journald's native protocol: one entry of "NAME=value" fields per call.
 
 #include <cstddef>
 #include <string_view>

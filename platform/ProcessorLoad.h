@@ -1,6 +1,7 @@
 #pragma once
-// The total processor load, from the "cpu" line of /proc/stat: the share of the
-// time between two readings that the processors spent outside idle and I/O wait.
+/// \class korva::ProcessorLoad
+/// The total processor load, from the "cpu" line of /proc/stat: the share of the
+/// time between two readings that the processors spent outside idle and I/O wait.
 
 #include <string>
 
