@@ -17,7 +17,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -45,13 +45,9 @@ void Cancel(QWidget* dialog)
 // The text of each page of a PDF file.
 std::vector<std::string> PdfPages(const std::string& file)
 {
-    std::string text;
-    if (FILE* pipe = popen(("pdftotext -layout '" + file + "' - 2>/dev/null").c_str(), "r")) {
-        char buffer[4096];
-        for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            text.append(buffer, n);
-        pclose(pipe);
-    }
+    const std::string text = std::system(("pdftotext -layout '" + file + "' '" + file + ".txt'").c_str()) == 0
+                                 ? ReadFile(file + ".txt")
+                                 : "";
     std::vector<std::string> pages;
     for (size_t start = 0, end; (end = text.find('\f', start)) != std::string::npos; start = end + 1)
         pages.push_back(text.substr(start, end - start));
