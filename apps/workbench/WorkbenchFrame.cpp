@@ -4,6 +4,7 @@
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
 #include "OperationsDemos.h"
+#include "PrintDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
 
@@ -129,6 +130,7 @@ void WorkbenchFrame::BuildMenus()
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
     AddOperationsDemos(*this);
+    AddPrintDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
