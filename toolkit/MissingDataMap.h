@@ -1,10 +1,11 @@
 #pragma once
-// A static picture of which cells of a table are present and which are
-// missing: each listed cell is a rectangle in the present colour (the suite's
-// green) or the missing colour (the missing-value colour of cells).
-//
-// The control does not own its data: the list of cells and the missing flags
-// must outlive it, or be replaced by SetData first.
+/// \class MissingDataMap
+/// A static picture of which cells of a table are present and which are
+/// missing: each listed cell is a rectangle in the present colour (the suite's
+/// green) or the missing colour (the missing-value colour of cells).
+///
+/// The control does not own its data: the list of cells and the missing flags
+/// must outlive it, or be replaced by SetData first.
 
 #include <QPoint>
 #include <QWidget>

@@ -1,11 +1,12 @@
 #pragma once
-// A printer's device context: the page calls of a print job (documents,
-// pages, escapes, device capabilities) over a QPrinter and the QPainter that
-// draws on it.
-//
-// All documents of one device context go into one output, which is finished
-// when the context is destroyed: a file then holds every copy printed through
-// it. A document started and never ended is dropped.
+/// \class PrintDC
+/// A printer's device context: the page calls of a print job (documents,
+/// pages, escapes, device capabilities) over a QPrinter and the QPainter that
+/// draws on it.
+///
+/// All documents of one device context go into one output, which is finished
+/// when the context is destroyed: a file then holds every copy printed through
+/// it. A document started and never ended is dropped.
 
 #include <memory>
 #include <string>

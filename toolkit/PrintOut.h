@@ -1,9 +1,10 @@
 #pragma once
-// What TSPrinter prints: a document that knows its pages and draws each one.
-// TSPrinter::Print calls, in this order: the document's name, orientation and
-// page range; BeginPrinting with the device and the page size; per page
-// HasPage, GetPageRect and PrintPage; EndCopy after each pass; EndPrinting
-// at the end of the job.
+/// \class PrintOut
+/// What TSPrinter prints: a document that knows its pages and draws each one.
+/// TSPrinter::Print calls, in this order: the document's name, orientation and
+/// page range; BeginPrinting with the device and the page size; per page
+/// HasPage, GetPageRect and PrintPage; EndCopy after each pass; EndPrinting
+/// at the end of the job.
 
 #include <QPageLayout>
 #include <QRect>

@@ -1,12 +1,13 @@
 #pragma once
-// Runs a print job for a PrintOut: keeps the print dialog's settings between
-// jobs, takes the device context, and drives the document, copy and page
-// loops. Copies of a TSPrinter share the dialog.
-//
-// Copies are asked of the device: one that makes them itself needs one pass,
-// a file gets one pass per copy. While the job runs the parent window is
-// disabled and the wait cursor shows; cancelling the dialog leaves the
-// PrintOut untouched.
+/// \class TSPrinter
+/// Runs a print job for a PrintOut: keeps the print dialog's settings between
+/// jobs, takes the device context, and drives the document, copy and page
+/// loops. Copies of a TSPrinter share the dialog.
+///
+/// Copies are asked of the device: one that makes them itself needs one pass,
+/// a file gets one pass per copy. While the job runs the parent window is
+/// disabled and the wait cursor shows; cancelling the dialog leaves the
+/// PrintOut untouched.
 
 #include <KORVAutlwin/toolkit/TsPrintDialog.h>
 

@@ -1,10 +1,11 @@
 #pragma once
-// The print dialog and what it keeps between jobs: the chosen printer and its
-// settings, and the device context that the last OK made, until a print job
-// takes it over.
-//
-// On this platform the file entry of the dialog ("Print to File (PDF)") stands
-// in for the system's PDF printer, so it is offered whatever the flags say.
+/// \class TsPrintDialog
+/// The print dialog and what it keeps between jobs: the chosen printer and its
+/// settings, and the device context that the last OK made, until a print job
+/// takes it over.
+///
+/// On this platform the file entry of the dialog ("Print to File (PDF)") stands
+/// in for the system's PDF printer, so it is offered whatever the flags say.
 
 #include <QPointer>
 

@@ -1,18 +1,19 @@
 #pragma once
-// A number or a matrix of numbers in an automation VARIANT: reads and writes
-// elements by index whatever the element type, following reference variants.
-// Matrices pass through automation interfaces this way.
-//
-// The class owns nothing: neither the VARIANT nor its array is freed here,
-// since both are made to be handed over through GetVariant(). Whoever keeps
-// them releases them with VariantClear and delete.
-//
-// Matrix layout: for the sizes a and b of the constructor, element (i, j) lies
-// at position b * i + j of the data block; Size(1) is a and Size(2) is b.
-//
-// Integers and floating-point numbers are never converted into each other:
-// reading a VT_R8 as an integer gives 0, and a VT_I4 as a double 0.0. Indices
-// are not checked.
+/// \class TsVariant
+/// A number or a matrix of numbers in an automation VARIANT: reads and writes
+/// elements by index whatever the element type, following reference variants.
+/// Matrices pass through automation interfaces this way.
+///
+/// The class owns nothing: neither the VARIANT nor its array is freed here,
+/// since both are made to be handed over through GetVariant(). Whoever keeps
+/// them releases them with VariantClear and delete.
+///
+/// Matrix layout: for the sizes a and b of the constructor, element (i, j) lies
+/// at position b * i + j of the data block; Size(1) is a and Size(2) is b.
+///
+/// Integers and floating-point numbers are never converted into each other:
+/// reading a VT_R8 as an integer gives 0, and a VT_I4 as a double 0.0. Indices
+/// are not checked.
 
 #include <KORVAutlwin/toolkit/Variant.h>
 

@@ -57,6 +57,7 @@ enum : unsigned short
     FADF_VARIANT = 0x0800
 };
 
+/// The extent of one dimension of an array: its element count and lowest index.
 struct SAFEARRAYBOUND
 {
     std::uint32_t cElements;
@@ -75,6 +76,8 @@ struct SAFEARRAY
     SAFEARRAYBOUND rgsabound[1];
 };
 
+/// A value of one of the automation types: the type code `vt` and the value
+/// (or a pointer to it, for `VT_BYREF` types and arrays).
 struct VARIANT
 {
     VARTYPE vt;
