@@ -8,6 +8,8 @@
 #include <KORVAutlwin/operations/EventSource.h>
 #include <KORVAutlwin/operations/NTServiceControl.h>
 
+#include <KORVAutlwin/platform/Registry.h>
+
 #include <KORVAutl/Log.h>
 
 #include <gtest/gtest.h>
@@ -28,12 +30,17 @@ protected:
         setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.Address().c_str(), 1);
         setenv("KORVA_SYSTEMD_UNIT_DIR", units.c_str(), 1);
         setenv("KORVA_REGISTRY_DIR", folder.path.c_str(), 1);
+        korva::RegistryStore::Reset();
         setenv("XDG_CONFIG_HOME", (folder.path + "/service").c_str(), 1);
         Log::SetLogFile((folder.path + "/control.log").c_str());
         peer = std::make_unique<SystemdPeer>(bus.Address(), units, folder.path);
         ASSERT_TRUE(peer->Ready());
     }
-    void TearDown() override { peer.reset(); }
+    void TearDown() override
+    {
+        peer.reset();
+        korva::RegistryStore::Reset();
+    }
 
     /// The log lines of this process written since the last call.
     std::string NewLogLines()
