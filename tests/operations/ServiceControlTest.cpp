@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 namespace {
@@ -29,11 +30,11 @@ protected:
         std::filesystem::create_directory(units);
         setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.Address().c_str(), 1);
         setenv("KORVA_SYSTEMD_UNIT_DIR", units.c_str(), 1);
-        setenv("KORVA_REGISTRY_DIR", folder.path.c_str(), 1);
+        setenv("KORVA_REGISTRY_DIR", folder.Path().c_str(), 1);
         korva::RegistryStore::Reset();
-        setenv("XDG_CONFIG_HOME", (folder.path + "/service").c_str(), 1);
-        Log::SetLogFile((folder.path + "/control.log").c_str());
-        peer = std::make_unique<SystemdPeer>(bus.Address(), units, folder.path);
+        setenv("XDG_CONFIG_HOME", (folder.Path() + "/service").c_str(), 1);
+        Log::SetLogFile((folder.Path() + "/control.log").c_str());
+        peer = std::make_unique<SystemdPeer>(bus.Address(), units, folder.Path());
         ASSERT_TRUE(peer->Ready());
     }
     void TearDown() override
@@ -46,10 +47,7 @@ protected:
     std::string NewLogLines()
     {
         Log::Flush();
-        std::ifstream file(folder.path + "/control.log");
-        std::stringstream text;
-        text << file.rdbuf();
-        const std::string all = text.str(), fresh = all.substr(std::min(logSeen, all.size()));
+        const std::string all = ReadFile(folder.File("control.log")), fresh = all.substr(std::min(logSeen, all.size()));
         logSeen = all.size();
         return fresh;
     }
@@ -61,9 +59,9 @@ protected:
         return status.dwCurrentState;
     }
 
-    service_kit::TempFolder folder;
-    PrivateBus bus{folder.path};
-    std::string units = folder.path + "/units";
+    TempDir folder;
+    PrivateBus bus{folder.Path()};
+    std::string units = folder.Path() + "/units";
     std::unique_ptr<SystemdPeer> peer;
     size_t logSeen = 0;
 };
@@ -72,10 +70,7 @@ TEST_F(ServiceControl, InstallStartInterrogateStopUninstall)
 {
     NTServiceControl control(kName);
     ASSERT_TRUE(control.Install(service_kit::SampleService().c_str(), nullptr, true, nullptr, nullptr));
-    std::ifstream unitFile(units + "/sampleservice.service");
-    std::stringstream unitText;
-    unitText << unitFile.rdbuf();
-    EXPECT_TRUE(Has(unitText.str(), "Type=notify\nExecStart=" + service_kit::SampleService() + "\n"));
+    EXPECT_TRUE(Has(ReadFile(units + "/sampleservice.service"), "Type=notify\nExecStart=" + service_kit::SampleService() + "\n"));
     EXPECT_EQ(EventLog::LogNameFromSourceName(kName), "Application");
     EXPECT_TRUE(control.IsInstalled());
     EXPECT_FALSE(control.Install(nullptr, nullptr, true, nullptr, nullptr));
@@ -138,7 +133,7 @@ TEST_F(ServiceControl, FailuresOfTheServiceReachTheCaller)
     ASSERT_TRUE(control.Uninstall());
 
     // A program that cannot be run: the Windows error first, then the start line.
-    ASSERT_TRUE(control.Install((folder.path + "/missing").c_str(), nullptr, true, nullptr, nullptr));
+    ASSERT_TRUE(control.Install((folder.Path() + "/missing").c_str(), nullptr, true, nullptr, nullptr));
     NewLogLines();
     EXPECT_FALSE(control.Start());
     EXPECT_EQ(control.GetLastError(), 3UL);
@@ -155,7 +150,7 @@ TEST_F(ServiceControl, StopDuringShutdownIsAShutdown)
     ASSERT_TRUE(control.Start());
     peer->SetSystemState("stopping");
     ASSERT_TRUE(control.Stop());
-    const std::string log = service_kit::LogText(folder.path + "/service");
+    const std::string log = service_kit::LogText(folder.Path() + "/service");
     EXPECT_TRUE(Has(log, "Shutdown message arrived at service handler."));
     EXPECT_FALSE(Has(log, "Stop message arrived at service handler."));
 }
@@ -196,7 +191,7 @@ TEST_F(ServiceControl, BadNamesAndAMissingManager)
     EXPECT_TRUE(Has(NewLogLines(), "Windows error - CreateService returned error 123: The specified service name is invalid."));
     EXPECT_TRUE(std::filesystem::is_empty(units));
 
-    setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder.path + "/no-bus").c_str(), 1);
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder.Path() + "/no-bus").c_str(), 1);
     NTServiceControl control(kName);
     EXPECT_FALSE(control.OpenSCM());
     EXPECT_EQ(control.GetLastError(), 1065UL);

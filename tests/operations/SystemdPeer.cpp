@@ -1,7 +1,7 @@
 #include "operations/SystemdPeer.h"
 
-#include <cerrno>
-#include <chrono>
+#include "utl/TempDir.h"
+
 #include <csignal>
 #include <cstring>
 #include <filesystem>
@@ -17,35 +17,18 @@
 
 extern char** environ;
 
-struct SystemdPeer::Unit
-{
-    std::string name, path, execStart;
-    bool loaded = false;
-    std::string activeState = "inactive", subState = "dead", result = "success";
-    int execMainStatus = 0, execMainCode = 0;
-    pid_t pid = 0;
-    int notifyFd = -1;
-    std::string job;
-    unsigned jobId = 0;
-    bool jobIsStart = false;
-    std::vector<std::string> notes;
-};
-
 PrivateBus::PrivateBus(const std::string& folder)
 {
     const std::string socket = folder + "/system_bus_socket";
-    std::ofstream(folder + "/bus.conf")
-        << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
-           " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-           "<busconfig><listen>unix:path=" << socket << "</listen><auth>EXTERNAL</auth>\n"
-           "<policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
-           "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>\n";
-    if (mDaemon.Spawn("/usr/bin/dbus-daemon", {"dbus-daemon", "--config-file=" + folder + "/bus.conf", "--nofork",
-                                                "--nopidfile", "--nosyslog"}) != 0)
-        return;
-    for (int i = 0; i < 250 && !std::filesystem::exists(socket); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    if (std::filesystem::exists(socket))
+    WriteFile(folder + "/bus.conf",
+              "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
+              " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n<busconfig><listen>unix:path="
+                  + socket + "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow user=\"*\"/>"
+                  "<allow own=\"*\"/><allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>\n");
+    if (mDaemon.Spawn("/usr/bin/dbus-daemon",
+                      {"dbus-daemon", "--config-file=" + folder + "/bus.conf", "--nofork", "--nopidfile", "--nosyslog"})
+            == 0
+        && WaitFor([&] { return std::filesystem::exists(socket); }, std::chrono::seconds(5)))
         mAddress = "unix:path=" + socket;
 }
 
@@ -67,79 +50,55 @@ SystemdPeer& Peer(void* data)
     return *static_cast<SystemdPeer*>(data);
 }
 
-bool ValidName(const std::string& name)
-{
-    return !name.empty() && name.find_first_of("/ \t") == std::string::npos && name.find('.') != std::string::npos;
-}
-
-int LoadUnit(sd_bus_message* message, void* data, sd_bus_error* error)
-{
-    const char* name = nullptr;
-    if (int result = sd_bus_message_read(message, "s", &name); result < 0)
-        return result;
-    if (!ValidName(name))
-        return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "Unit name %s is not valid.", name);
-    return sd_bus_reply_method_return(message, "o", Peer(data).Load(name).path.c_str());
-}
-
-// StartUnit, StopUnit and KillUnit look up a unit that has a file.
-SystemdPeer::Unit* Known(sd_bus_message* message, void* data, sd_bus_error* error, const char* signature,
-                         int* signal = nullptr)
+// The manager's answer to a malformed name, to a unit without a file, and to a
+// kill without a process.
+SystemdPeer::Unit* Find(sd_bus_message* message, void* data, sd_bus_error* error, bool needFile, int* signal = nullptr)
 {
     const char* name = nullptr;
     const char* mode = nullptr;
-    if (sd_bus_message_read(message, signature, &name, &mode, signal) < 0 || !ValidName(name)) {
-        sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "Unit name is not valid.");
+    const char* signature = signal ? "ssi" : std::strcmp(sd_bus_message_get_member(message), "LoadUnit") ? "ss" : "s";
+    if (sd_bus_message_read(message, signature, &name, &mode, signal) < 0 || !*name || std::strpbrk(name, "/ \t")
+        || !std::strchr(name, '.')) {
+        sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "Unit name %s is not valid.", name ? name : "");
         return nullptr;
     }
     SystemdPeer::Unit& unit = Peer(data).Load(name);
-    if (!unit.loaded) {
+    if (needFile && !unit.loaded) {
         sd_bus_error_setf(error, "org.freedesktop.systemd1.NoSuchUnit", "Unit %s not found.", name);
         return nullptr;
     }
     return &unit;
 }
 
-int StartUnit(sd_bus_message* message, void* data, sd_bus_error* error)
+int LoadUnit(sd_bus_message* message, void* data, sd_bus_error* error)
 {
-    SystemdPeer::Unit* unit = Known(message, data, error, "ss");
-    if (!unit)
-        return -sd_bus_error_get_errno(error);
-    const std::string job = Peer(data).NewJob(*unit);
-    Peer(data).StartUnit(*unit);
-    return sd_bus_reply_method_return(message, "o", job.c_str());
+    SystemdPeer::Unit* unit = Find(message, data, error, false);
+    return unit ? sd_bus_reply_method_return(message, "o", unit->path.c_str()) : -EINVAL;
 }
 
-int StopUnit(sd_bus_message* message, void* data, sd_bus_error* error)
+int StartOrStopUnit(sd_bus_message* message, void* data, sd_bus_error* error)
 {
-    SystemdPeer::Unit* unit = Known(message, data, error, "ss");
+    SystemdPeer::Unit* unit = Find(message, data, error, true);
     if (!unit)
-        return -sd_bus_error_get_errno(error);
-    const std::string job = Peer(data).NewJob(*unit);
-    Peer(data).StopUnit(*unit);
-    return sd_bus_reply_method_return(message, "o", job.c_str());
+        return -ENOENT;
+    const bool start = std::strcmp(sd_bus_message_get_member(message), "StartUnit") == 0;
+    return sd_bus_reply_method_return(message, "o", Peer(data).StartOrStop(*unit, start).c_str());
 }
 
 int KillUnit(sd_bus_message* message, void* data, sd_bus_error* error)
 {
     int signal = 0;
-    SystemdPeer::Unit* unit = Known(message, data, error, "ssi", &signal);
+    SystemdPeer::Unit* unit = Find(message, data, error, true, &signal);
     if (!unit)
-        return -sd_bus_error_get_errno(error);
+        return -ENOENT;
     if (!unit->pid)
         return sd_bus_error_setf(error, "org.freedesktop.systemd1.NoSuchProcess", "No main process to kill");
     kill(unit->pid, signal);
     return sd_bus_reply_method_return(message, "");
 }
 
-int Reload(sd_bus_message* message, void* data, sd_bus_error*)
-{
-    for (auto& [name, unit] : Peer(data).units)
-        Peer(data).Load(name);
-    return sd_bus_reply_method_return(message, "");
-}
-
-int Subscribe(sd_bus_message* message, void*, sd_bus_error*)
+// Unit files are read at each look-up, so a reload has nothing left to do.
+int Acknowledge(sd_bus_message* message, void*, sd_bus_error*)
 {
     return sd_bus_reply_method_return(message, "");
 }
@@ -153,20 +112,12 @@ int UnitProperty(sd_bus*, const char*, const char*, const char* property, sd_bus
                  sd_bus_error*)
 {
     const auto& unit = *static_cast<SystemdPeer::Unit*>(data);
-    const std::string name = property;
-    if (name == "LoadState")
-        return sd_bus_message_append(reply, "s", unit.loaded ? "loaded" : "not-found");
-    if (name == "ActiveState")
-        return sd_bus_message_append(reply, "s", unit.activeState.c_str());
-    if (name == "SubState")
-        return sd_bus_message_append(reply, "s", unit.subState.c_str());
-    if (name == "Result")
-        return sd_bus_message_append(reply, "s", unit.result.c_str());
-    if (name == "ExecMainStatus")
+    if (std::strcmp(property, "ExecMainStatus") == 0)
         return sd_bus_message_append(reply, "i", unit.execMainStatus);
-    if (name == "ExecMainCode")
-        return sd_bus_message_append(reply, "i", unit.execMainCode);
-    return sd_bus_message_append(reply, "u", static_cast<std::uint32_t>(unit.pid));
+    const std::string value = std::strcmp(property, "LoadState") == 0 ? (unit.loaded ? "loaded" : "not-found")
+        : std::strcmp(property, "ActiveState") == 0                   ? unit.activeState
+                                                                      : unit.result;
+    return sd_bus_message_append(reply, "s", value.c_str());
 }
 
 int FindUnit(sd_bus*, const char* path, const char*, void* data, void** found, sd_bus_error*)
@@ -174,10 +125,9 @@ int FindUnit(sd_bus*, const char* path, const char*, void* data, void** found, s
     char* name = nullptr;
     if (sd_bus_path_decode(path, kUnitPrefix, &name) <= 0)
         return 0;
-    auto& units = Peer(data).units;
-    const auto unit = units.find(name);
+    const auto unit = Peer(data).units.find(name);
     std::free(name);
-    if (unit == units.end())
+    if (unit == Peer(data).units.end())
         return 0;
     *found = unit->second.get();
     return 1;
@@ -186,58 +136,33 @@ int FindUnit(sd_bus*, const char* path, const char*, void* data, void** found, s
 const sd_bus_vtable kManager[] = {
     SD_BUS_VTABLE_START(0),
     SD_BUS_METHOD("LoadUnit", "s", "o", LoadUnit, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("StartUnit", "ss", "o", StartUnit, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("StopUnit", "ss", "o", StopUnit, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("StartUnit", "ss", "o", StartOrStopUnit, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("StopUnit", "ss", "o", StartOrStopUnit, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("KillUnit", "ssi", "", KillUnit, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Reload", "", "", Reload, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Subscribe", "", "", Subscribe, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Reload", "", "", Acknowledge, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Subscribe", "", "", Acknowledge, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_PROPERTY("SystemState", "s", SystemState, 0, 0),
     SD_BUS_SIGNAL("JobRemoved", "uoss", 0),
     SD_BUS_VTABLE_END};
 
-const sd_bus_vtable kUnit[] = {
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_PROPERTY("LoadState", "s", UnitProperty, 0, 0),
-    SD_BUS_PROPERTY("ActiveState", "s", UnitProperty, 0, 0),
-    SD_BUS_PROPERTY("SubState", "s", UnitProperty, 0, 0),
-    SD_BUS_VTABLE_END};
+const sd_bus_vtable kUnit[] = {SD_BUS_VTABLE_START(0), SD_BUS_PROPERTY("LoadState", "s", UnitProperty, 0, 0),
+                               SD_BUS_PROPERTY("ActiveState", "s", UnitProperty, 0, 0), SD_BUS_VTABLE_END};
 
-const sd_bus_vtable kService[] = {
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_PROPERTY("Result", "s", UnitProperty, 0, 0),
-    SD_BUS_PROPERTY("ExecMainStatus", "i", UnitProperty, 0, 0),
-    SD_BUS_PROPERTY("ExecMainCode", "i", UnitProperty, 0, 0),
-    SD_BUS_PROPERTY("MainPID", "u", UnitProperty, 0, 0),
-    SD_BUS_VTABLE_END};
+const sd_bus_vtable kService[] = {SD_BUS_VTABLE_START(0), SD_BUS_PROPERTY("Result", "s", UnitProperty, 0, 0),
+                                  SD_BUS_PROPERTY("ExecMainStatus", "i", UnitProperty, 0, 0), SD_BUS_VTABLE_END};
 
 } // namespace
 
 SystemdPeer::SystemdPeer(const std::string& address, const std::string& unitFolder, const std::string& folder)
     : mUnitFolder(unitFolder), mFolder(folder)
 {
-    if (sd_bus_new(&mBus) < 0)
+    if (sd_bus_new(&mBus) < 0 || sd_bus_set_address(mBus, address.c_str()) < 0 || sd_bus_set_bus_client(mBus, 1) < 0
+        || sd_bus_start(mBus) < 0
+        || sd_bus_add_object_vtable(mBus, nullptr, kManagerPath, "org.freedesktop.systemd1.Manager", kManager, this) < 0
+        || sd_bus_add_fallback_vtable(mBus, nullptr, kUnitPrefix, "org.freedesktop.systemd1.Unit", kUnit, FindUnit, this) < 0
+        || sd_bus_add_fallback_vtable(mBus, nullptr, kUnitPrefix, "org.freedesktop.systemd1.Service", kService, FindUnit,
+                                      this) < 0)
         return;
-    sd_bus_set_address(mBus, address.c_str());
-    sd_bus_set_bus_client(mBus, 1);
-    if (sd_bus_start(mBus) < 0)
-        return;
-    const struct
-    {
-        const char* interface;
-        const sd_bus_vtable* table;
-        bool fallback;
-    } objects[] = {{"org.freedesktop.systemd1.Manager", kManager, false},
-                   {"org.freedesktop.systemd1.Unit", kUnit, true},
-                   {"org.freedesktop.systemd1.Service", kService, true}};
-    for (const auto& object : objects) {
-        sd_bus_slot* slot = nullptr;
-        const int added = object.fallback
-            ? sd_bus_add_fallback_vtable(mBus, &slot, kUnitPrefix, object.interface, object.table, FindUnit, this)
-            : sd_bus_add_object_vtable(mBus, &slot, kManagerPath, object.interface, object.table, this);
-        if (added < 0)
-            return;
-        mSlots.push_back(slot);
-    }
     mReady = sd_bus_request_name(mBus, "org.freedesktop.systemd1", 0) >= 0;
     if (mReady)
         mThread = std::thread([this] { Serve(); });
@@ -252,15 +177,11 @@ SystemdPeer::~SystemdPeer()
     if (mThread.joinable())
         mThread.join();
     for (auto& [name, unit] : units) {
-        if (unit->pid) {
-            kill(unit->pid, SIGKILL);
+        if (unit->pid && kill(unit->pid, SIGKILL) == 0)
             waitpid(unit->pid, nullptr, 0);
-        }
         if (unit->notifyFd >= 0)
             close(unit->notifyFd);
     }
-    for (sd_bus_slot* slot : mSlots)
-        sd_bus_slot_unref(slot);
     sd_bus_flush_close_unref(mBus);
 }
 
@@ -295,13 +216,6 @@ SystemdPeer::Unit& SystemdPeer::Load(const std::string& name)
     return *unit;
 }
 
-std::string SystemdPeer::NewJob(Unit& unit)
-{
-    unit.jobId = ++mJobs;
-    unit.job = std::string(kManagerPath) + "/job/" + std::to_string(unit.jobId);
-    return unit.job;
-}
-
 void SystemdPeer::FinishJob(Unit& unit, const char* result)
 {
     if (!unit.job.empty())
@@ -309,12 +223,20 @@ void SystemdPeer::FinishJob(Unit& unit, const char* result)
     unit.job.clear();
 }
 
-void SystemdPeer::StartUnit(Unit& unit)
+std::string SystemdPeer::StartOrStop(Unit& unit, bool start)
 {
-    unit.jobIsStart = true;
-    if (unit.pid) {
-        FinishJob(unit, "done");
-        return;
+    unit.jobId = ++mJobs;
+    unit.job = std::string(kManagerPath) + "/job/" + std::to_string(unit.jobId);
+    unit.jobIsStart = start;
+    const std::string job = unit.job;
+    if (!start || unit.pid) {
+        if (!start && unit.pid) {
+            kill(unit.pid, SIGTERM);
+            unit.activeState = "deactivating";
+        } else {
+            FinishJob(unit, "done");
+        }
+        return job;
     }
     const std::string socketPath = mFolder + "/" + unit.name + ".notify";
     unlink(socketPath.c_str());
@@ -324,21 +246,19 @@ void SystemdPeer::StartUnit(Unit& unit)
     socketPath.copy(address.sun_path, sizeof address.sun_path - 1);
     bind(unit.notifyFd, reinterpret_cast<sockaddr*>(&address), sizeof address);
 
-    std::vector<std::string> words;
+    std::vector<std::string> words{"NOTIFY_SOCKET=" + socketPath};
+    for (char** variable = environ; *variable; ++variable)
+        words.emplace_back(*variable);
+    const size_t variables = words.size();
     std::istringstream line(unit.execStart);
     for (std::string word; line >> word;)
         words.push_back(word);
-    std::vector<std::string> variables = {"NOTIFY_SOCKET=" + socketPath};
-    for (char** variable = environ; *variable; ++variable)
-        variables.push_back(*variable);
-    std::vector<char*> argv, envp;
+    std::vector<char*> pointers;
     for (auto& word : words)
-        argv.push_back(word.data());
-    for (auto& variable : variables)
-        envp.push_back(variable.data());
-    argv.push_back(nullptr);
-    envp.push_back(nullptr);
-
+        pointers.push_back(word.data());
+    pointers.insert(pointers.begin() + variables, nullptr);
+    pointers.push_back(nullptr);
+    // The child starts with no signal blocked and every action at its default, as systemd's do.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t none, all;
@@ -347,52 +267,33 @@ void SystemdPeer::StartUnit(Unit& unit)
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setsigdefault(&attributes, &all);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    pid_t pid = 0;
-    const int spawned = words.empty() ? ENOENT : posix_spawn(&pid, argv[0], nullptr, &attributes, argv.data(), envp.data());
+    char** argv = pointers.data() + variables + 1;
+    const int spawned = *argv ? posix_spawn(&unit.pid, *argv, nullptr, &attributes, argv, pointers.data()) : ENOENT;
     posix_spawnattr_destroy(&attributes);
     unit.result = "success";
-    unit.execMainCode = unit.execMainStatus = 0;
-    if (spawned != 0) {
-        // systemd's exit status for a program it could not run
-        unit.activeState = unit.subState = "failed";
-        unit.result = "exit-code";
-        unit.execMainCode = CLD_EXITED;
-        unit.execMainStatus = 203;
-        FinishJob(unit, "failed");
-        return;
-    }
-    unit.pid = pid;
+    unit.execMainStatus = 0;
     unit.activeState = "activating";
-    unit.subState = "start";
-}
-
-void SystemdPeer::StopUnit(Unit& unit)
-{
-    unit.jobIsStart = false;
-    if (!unit.pid) {
-        FinishJob(unit, "done");
-        return;
+    if (spawned != 0) {
+        unit.pid = 0;
+        unit.activeState = "failed";
+        unit.result = "exit-code";
+        unit.execMainStatus = 203;  // systemd's status for a program it could not run
+        FinishJob(unit, "failed");
     }
-    kill(unit.pid, SIGTERM);
-    unit.activeState = "deactivating";
-    unit.subState = "stop-sigterm";
+    return job;
 }
 
 void SystemdPeer::Watch(Unit& unit)
 {
     char buffer[4096];
     for (ssize_t got; unit.notifyFd >= 0 && (got = recv(unit.notifyFd, buffer, sizeof buffer, 0)) > 0;) {
-        const std::string note(buffer, got);
-        unit.notes.push_back(note);
-        if (note.find("READY=1") != std::string::npos && unit.activeState == "activating") {
+        unit.notes.emplace_back(buffer, got);
+        if (unit.notes.back().find("READY=1") != std::string::npos && unit.activeState == "activating") {
             unit.activeState = "active";
-            unit.subState = "running";
             FinishJob(unit, "done");
         }
-        if (note.find("STOPPING=1") != std::string::npos && unit.activeState == "active") {
+        if (unit.notes.back().find("STOPPING=1") != std::string::npos)
             unit.activeState = "deactivating";
-            unit.subState = "stop-sigterm";
-        }
     }
     int status = 0;
     if (!unit.pid || waitpid(unit.pid, &status, WNOHANG) != unit.pid)
@@ -401,14 +302,12 @@ void SystemdPeer::Watch(Unit& unit)
     close(unit.notifyFd);
     unit.notifyFd = -1;
     const bool exited = WIFEXITED(status);
-    unit.execMainCode = exited ? CLD_EXITED : CLD_KILLED;
     unit.execMainStatus = exited ? WEXITSTATUS(status) : WTERMSIG(status);
     // As systemd does, SIGTERM, SIGINT, SIGHUP and SIGPIPE count as a clean end.
     const int signal = exited ? 0 : unit.execMainStatus;
     const bool clean = exited ? unit.execMainStatus == 0
                               : signal == SIGTERM || signal == SIGINT || signal == SIGHUP || signal == SIGPIPE;
     unit.activeState = clean ? "inactive" : "failed";
-    unit.subState = clean ? "dead" : "failed";
     unit.result = clean ? "success" : exited ? "exit-code" : "signal";
     FinishJob(unit, unit.jobIsStart ? "failed" : "done");
 }

@@ -17,19 +17,18 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 struct sd_bus;
-struct sd_bus_slot;
 
-/// A dbus-daemon of the test's own.
+/// A dbus-daemon of the test's own; Address() is empty when it did not come up.
 class PrivateBus
 {
 public:
     explicit PrivateBus(const std::string& folder);
     ~PrivateBus();
-    /// "unix:path=...", empty when the daemon did not come up.
-    std::string Address() const { return mAddress; }
+    const std::string& Address() const { return mAddress; }
 
 private:
     korva::ChildProcess mDaemon;
@@ -39,39 +38,41 @@ private:
 class SystemdPeer
 {
 public:
-    struct Unit;
+    struct Unit
+    {
+        std::string name, path, execStart, job;
+        bool loaded = false, jobIsStart = false;
+        std::string activeState = "inactive", result = "success";
+        int execMainStatus = 0, notifyFd = -1;
+        pid_t pid = 0;
+        unsigned jobId = 0;
+        std::vector<std::string> notes;  // what its processes sent on the notify socket
+    };
 
     /// Serves the manager on the bus at `address` with the unit files in `unitFolder`;
     /// notify sockets go to `folder`. Ready() tells whether it owns the name.
     SystemdPeer(const std::string& address, const std::string& unitFolder, const std::string& folder);
     ~SystemdPeer();
     bool Ready() const { return mReady; }
-
     /// The manager's SystemState ("running"; "stopping" during a shutdown).
     void SetSystemState(const std::string& state);
-    /// The notify messages the unit's processes sent, in order.
     std::vector<std::string> Notifications(const std::string& unit);
 
-    // The bus handlers reach the state through these.
+    // For the bus handlers, which run on the peer's thread with `mutex` held.
     std::mutex mutex;
     std::string systemState = "running";
     std::map<std::string, std::unique_ptr<Unit>> units;
     Unit& Load(const std::string& name);
-    void StartUnit(Unit& unit);
-    void StopUnit(Unit& unit);
-    std::string NewJob(Unit& unit);
-    void FinishJob(Unit& unit, const char* result);
+    std::string StartOrStop(Unit& unit, bool start);
 
 private:
     void Serve();
     void Watch(Unit& unit);
+    void FinishJob(Unit& unit, const char* result);
 
     sd_bus* mBus = nullptr;
-    std::vector<sd_bus_slot*> mSlots;
-    std::string mUnitFolder;
-    std::string mFolder;
-    bool mReady = false;
-    bool mQuit = false;
+    std::string mUnitFolder, mFolder;
+    bool mReady = false, mQuit = false;
     unsigned mJobs = 0;
     std::vector<std::tuple<unsigned, std::string, std::string, std::string>> mFinished;  // JobRemoved to send
     std::thread mThread;
