@@ -5,6 +5,7 @@
 #include <KORVAutlwin/operations/ServiceMapping.h>
 #include <KORVAutlwin/platform/AtomicFile.h>
 #include <KORVAutlwin/platform/SystemdBus.h>
+#include <KORVAutlwin/platform/UserAccount.h>
 
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/LanguageString.h>
@@ -128,6 +129,22 @@ std::string QuoteCommand(const std::string& file)
         quoted += c;
     }
     return quoted + '"';
+}
+
+// A unit of Type=notify, so that the manager waits for the service host's
+// READY=1; never written over. 0, or the errno of the failure.
+int WriteUnitFile(const std::string& unitFile, const char* serviceName, const char* commandLine,
+                  const std::string& user)
+{
+    std::string text = "[Unit]\nDescription=" + std::string(serviceName) + "\n\n[Service]\nType=notify\nExecStart="
+        + commandLine + "\n";
+    if (!user.empty())
+        text += "User=" + user + "\n";
+    text += "\n[Install]\nWantedBy=multi-user.target\n";
+    korva::AtomicFile writer(unitFile);
+    if (writer.IsOpen() && writer.SetMode(0644) && writer.Write(text.data(), text.size()) && writer.Commit(true))
+        return 0;
+    return writer.Error() ? writer.Error() : EIO;
 }
 
 } // namespace
@@ -263,21 +280,21 @@ SC_HANDLE NTServiceControl::CreateServiceA(const char* file, const char* account
         std::string user = account ? account : "";
         if (const auto slash = user.rfind('\\'); slash != std::string::npos)
             user.erase(0, slash + 1);
-        std::string text = "[Unit]\nDescription=" + std::string(serviceName) + "\n\n[Service]\nType=notify\nExecStart="
-            + QuoteCommand(file) + "\n";
-        if (!user.empty() && user != "LocalSystem")
-            text += "User=" + user + "\n";
-        // An automatic start is the operator's "systemctl enable"; the section says where to.
-        text += "\n[Install]\nWantedBy=multi-user.target\n";
-        korva::AtomicFile writer(unitFile);
-        writer.SetMode(0644);
-        if (!writer.IsOpen() || !writer.Write(text.data(), text.size()) || !writer.Commit(true))
-            LogWindowsError("CreateService",
-                            writer.Error() == EEXIST ? 1073 : ServiceMapping::ErrorFromErrno(writer.Error()));
-        else if (!manager->bus->Reload(error) || !manager->bus->LoadUnit(unit, path, error))
+        if (user == "LocalSystem")
+            user.clear();
+        int written = 0;
+        if (!user.empty() && !korva::AccountExists(user))
+            LogWindowsError("CreateService", 1057);
+        else if ((written = WriteUnitFile(unitFile, serviceName, file, user)) != 0)
+            LogWindowsError("CreateService", written == EEXIST ? 1073 : ServiceMapping::ErrorFromErrno(written));
+        else if (!manager->bus->Reload(error) || !manager->bus->LoadUnit(unit, path, error)
+                 || (startType == SERVICE_AUTO_START && !manager->bus->EnableUnitFile(unitFile, error))) {
+            std::error_code ignored;
+            std::filesystem::remove(unitFile, ignored);  // nothing stays half installed
             LogWindowsError("CreateService", CodeOf(error));
-        else
+        } else {
             service = new ScHandle{manager->bus, unit, path};
+        }
     }
     if (!CloseSCM())
         LogMessage("CreateService", "CloseSCM failed.", Log::eSystemCallFailed);
@@ -431,12 +448,18 @@ bool NTServiceControl::Install(const char* file, const char* messageFile, bool a
         return false;
     }
     char fileName[260];
+    std::string quotedFile;
     if (!file) {
         if (!GetFileName(fileName, sizeof fileName)) {
             LogMessage("Install", "GetFileName failed.", Log::eSystemCallFailed);
             return false;
         }
         file = fileName;
+        // The command line is the file and its arguments: a path with blanks goes in quotes.
+        if (std::strpbrk(fileName, " \t\"\\")) {
+            quotedFile = QuoteCommand(fileName);
+            file = quotedFile.c_str();
+        }
     }
     if (!messageFile)
         messageFile = file;

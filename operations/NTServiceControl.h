@@ -45,7 +45,8 @@ public:
 
     /// Whether the service's unit is known to the manager. A missing one logs a Windows error line.
     bool IsInstalled();
-    /// Installs the service: the unit file runs `file` (null: this program) as
+    /// Installs the service: the unit file runs the command line `file` (null:
+    /// this program; a path with blanks must be in double quotes) as
     /// `account` (null or "LocalSystem": root; a "DOMAIN\\" prefix is dropped).
     /// `password` is not used: the manager starts services without one. Then
     /// registers the event source in the application log (`applicationLog`) or

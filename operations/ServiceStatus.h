@@ -32,6 +32,7 @@ inline constexpr unsigned long SERVICE_CONTROL_PARAMCHANGE = 6;
 /// Stop and shutdown.
 inline constexpr unsigned long SERVICE_ACCEPT_STOP_AND_SHUTDOWN = 5;
 
+inline constexpr unsigned long SERVICE_AUTO_START = 2;
 inline constexpr unsigned long SERVICE_DEMAND_START = 3;
 inline constexpr unsigned long SERVICE_QUERY_CONFIG = 1;
 inline constexpr unsigned long SERVICE_ALL_ACCESS = 0xF01FF;

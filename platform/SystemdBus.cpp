@@ -198,6 +198,20 @@ bool SystemdBus::RunJob(const char* method, const std::string& unit, int timeout
     }
 }
 
+bool SystemdBus::EnableUnitFile(const std::string& unitFile, Error& error)
+{
+    CallError callError(error);
+    sd_bus_message* call = nullptr;
+    int result = sd_bus_message_new_method_call(mBus, &call, kService, kManagerPath, kManagerInterface,
+                                                "EnableUnitFiles");
+    if (result >= 0)
+        result = sd_bus_message_append(call, "asbb", 1, unitFile.c_str(), 0, 0);
+    if (result >= 0)
+        result = sd_bus_call(mBus, call, 0, &callError, nullptr);
+    sd_bus_message_unref(call);
+    return result < 0 ? callError.Fail(result) : true;
+}
+
 bool SystemdBus::KillUnit(const std::string& unit, const char* who, int signal, Error& error)
 {
     CallError callError(error);

@@ -57,6 +57,8 @@ public:
     /// ("done", "failed", "canceled", "timeout", "dependency", ...), or is empty
     /// when the wait ran out first.
     bool RunJob(const char* method, const std::string& unit, int timeoutMs, std::string& result, Error& error);
+    /// Manager.EnableUnitFiles for one file: the unit starts with the system.
+    bool EnableUnitFile(const std::string& unitFile, Error& error);
     /// Manager.KillUnit: sends `signal` to the unit's processes of role `who` ("main", "all").
     bool KillUnit(const std::string& unit, const char* who, int signal, Error& error);
 

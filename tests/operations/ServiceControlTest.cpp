@@ -189,6 +189,9 @@ TEST_F(ServiceControl, BadNamesAndAMissingManager)
     NTServiceControl badInstall("bad/name");
     EXPECT_FALSE(badInstall.Install(service_kit::SampleService().c_str(), nullptr, true, nullptr, nullptr));
     EXPECT_TRUE(Has(NewLogLines(), "Windows error - CreateService returned error 123: The specified service name is invalid."));
+    NTServiceControl unknownAccount(kName);
+    EXPECT_FALSE(unknownAccount.Install(service_kit::SampleService().c_str(), nullptr, true, "korva-nobody-here", nullptr));
+    EXPECT_EQ(unknownAccount.GetLastError(), 1057UL);
     EXPECT_TRUE(std::filesystem::is_empty(units));
 
     setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder.Path() + "/no-bus").c_str(), 1);
