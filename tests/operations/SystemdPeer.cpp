@@ -8,14 +8,11 @@
 #include <fstream>
 #include <sstream>
 
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <systemd/sd-bus.h>
 #include <unistd.h>
-
-extern char** environ;
 
 PrivateBus::PrivateBus(const std::string& folder)
 {
@@ -91,9 +88,9 @@ int KillUnit(sd_bus_message* message, void* data, sd_bus_error* error)
     SystemdPeer::Unit* unit = Find(message, data, error, true, &signal);
     if (!unit)
         return -ENOENT;
-    if (!unit->pid)
+    if (!unit->child.Pid())
         return sd_bus_error_setf(error, "org.freedesktop.systemd1.NoSuchProcess", "No main process to kill");
-    kill(unit->pid, signal);
+    unit->child.Kill(signal);
     return sd_bus_reply_method_return(message, "");
 }
 
@@ -177,8 +174,10 @@ SystemdPeer::~SystemdPeer()
     if (mThread.joinable())
         mThread.join();
     for (auto& [name, unit] : units) {
-        if (unit->pid && kill(unit->pid, SIGKILL) == 0)
-            waitpid(unit->pid, nullptr, 0);
+        if (unit->child.Pid()) {
+            unit->child.Kill(SIGKILL);
+            unit->child.Wait();
+        }
         if (unit->notifyFd >= 0)
             close(unit->notifyFd);
     }
@@ -189,12 +188,6 @@ void SystemdPeer::SetSystemState(const std::string& state)
 {
     std::lock_guard<std::mutex> lock(mutex);
     systemState = state;
-}
-
-std::vector<std::string> SystemdPeer::Notifications(const std::string& unit)
-{
-    std::lock_guard<std::mutex> lock(mutex);
-    return units.count(unit) ? units[unit]->notes : std::vector<std::string>();
 }
 
 SystemdPeer::Unit& SystemdPeer::Load(const std::string& name)
@@ -229,9 +222,9 @@ std::string SystemdPeer::StartOrStop(Unit& unit, bool start)
     unit.job = std::string(kManagerPath) + "/job/" + std::to_string(unit.jobId);
     unit.jobIsStart = start;
     const std::string job = unit.job;
-    if (!start || unit.pid) {
-        if (!start && unit.pid) {
-            kill(unit.pid, SIGTERM);
+    if (!start || unit.child.Pid()) {
+        if (!start && unit.child.Pid()) {
+            unit.child.Kill(SIGTERM);
             unit.activeState = "deactivating";
         } else {
             FinishJob(unit, "done");
@@ -246,35 +239,17 @@ std::string SystemdPeer::StartOrStop(Unit& unit, bool start)
     socketPath.copy(address.sun_path, sizeof address.sun_path - 1);
     bind(unit.notifyFd, reinterpret_cast<sockaddr*>(&address), sizeof address);
 
-    std::vector<std::string> words{"NOTIFY_SOCKET=" + socketPath};
-    for (char** variable = environ; *variable; ++variable)
-        words.emplace_back(*variable);
-    const size_t variables = words.size();
+    // env hands the socket to the program alone; ChildProcess gives it a clean signal state, as systemd does.
+    std::vector<std::string> words{"env", "NOTIFY_SOCKET=" + socketPath};
     std::istringstream line(unit.execStart);
     for (std::string word; line >> word;)
         words.push_back(word);
-    std::vector<char*> pointers;
-    for (auto& word : words)
-        pointers.push_back(word.data());
-    pointers.insert(pointers.begin() + variables, nullptr);
-    pointers.push_back(nullptr);
-    // The child starts with no signal blocked and every action at its default, as systemd's do.
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none, all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    char** argv = pointers.data() + variables + 1;
-    const int spawned = *argv ? posix_spawn(&unit.pid, *argv, nullptr, &attributes, argv, pointers.data()) : ENOENT;
-    posix_spawnattr_destroy(&attributes);
+    const bool runnable = words.size() > 2 && access(words[2].c_str(), X_OK) == 0;
+    const int spawned = runnable ? unit.child.Spawn("/usr/bin/env", words) : ENOENT;
     unit.result = "success";
     unit.execMainStatus = 0;
     unit.activeState = "activating";
     if (spawned != 0) {
-        unit.pid = 0;
         unit.activeState = "failed";
         unit.result = "exit-code";
         unit.execMainStatus = 203;  // systemd's status for a program it could not run
@@ -287,18 +262,18 @@ void SystemdPeer::Watch(Unit& unit)
 {
     char buffer[4096];
     for (ssize_t got; unit.notifyFd >= 0 && (got = recv(unit.notifyFd, buffer, sizeof buffer, 0)) > 0;) {
-        unit.notes.emplace_back(buffer, got);
-        if (unit.notes.back().find("READY=1") != std::string::npos && unit.activeState == "activating") {
+        const std::string report(buffer, got);
+        if (report.find("READY=1") != std::string::npos && unit.activeState == "activating") {
             unit.activeState = "active";
             FinishJob(unit, "done");
         }
-        if (unit.notes.back().find("STOPPING=1") != std::string::npos)
+        if (report.find("STOPPING=1") != std::string::npos)
             unit.activeState = "deactivating";
     }
     int status = 0;
-    if (!unit.pid || waitpid(unit.pid, &status, WNOHANG) != unit.pid)
+    if (!unit.child.Pid() || waitpid(unit.child.Pid(), &status, WNOHANG) != unit.child.Pid())
         return;
-    unit.pid = 0;
+    unit.child = korva::ChildProcess();  // reaped here, with its status
     close(unit.notifyFd);
     unit.notifyFd = -1;
     const bool exited = WIFEXITED(status);

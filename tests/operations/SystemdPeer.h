@@ -44,9 +44,8 @@ public:
         bool loaded = false, jobIsStart = false;
         std::string activeState = "inactive", result = "success";
         int execMainStatus = 0, notifyFd = -1;
-        pid_t pid = 0;
+        korva::ChildProcess child;
         unsigned jobId = 0;
-        std::vector<std::string> notes;  // what its processes sent on the notify socket
     };
 
     /// Serves the manager on the bus at `address` with the unit files in `unitFolder`;
@@ -56,7 +55,6 @@ public:
     bool Ready() const { return mReady; }
     /// The manager's SystemState ("running"; "stopping" during a shutdown).
     void SetSystemState(const std::string& state);
-    std::vector<std::string> Notifications(const std::string& unit);
 
     // For the bus handlers, which run on the peer's thread with `mutex` held.
     std::mutex mutex;
