@@ -10,10 +10,12 @@
 
 #include <QApplication>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <thread>
+#include <utility>
 
 NTServiceApp* NTServiceApp::mgpTheApp = nullptr;
 
@@ -133,19 +135,30 @@ bool NTServiceApp::RunDispatcher(unsigned long& error)
         error = ServiceMapping::ErrorFromErrno(controlSignals.Error());
         return false;
     }
-    std::thread serviceThread([&controlSignals] {
+    std::atomic<bool> ended{false};
+    std::thread serviceThread([&controlSignals, &ended] {
         ServiceMain(0, nullptr);
+        ended = true;
         controlSignals.Wake();
     });
-    for (;;) {
-        const int signal = controlSignals.Wait();
-        if (signal <= 0)
-            break;
-        unsigned long control = ServiceMapping::ControlOfSignal(signal);
+    dispatcherSignals = &controlSignals;
+    // A stop that comes while the service is pending waits until it accepts one.
+    unsigned long deferred = 0;
+    for (int signal = 0; !ended && (signal = controlSignals.Wait()) >= 0;) {
+        unsigned long control = signal ? ServiceMapping::ControlOfSignal(signal) : 0;
         if (control == SERVICE_CONTROL_STOP && signal == SIGTERM)
             control = StopOrShutdown();
-        ServiceHandler(control);
+        if (control == SERVICE_CONTROL_STOP || control == SERVICE_CONTROL_SHUTDOWN)
+            deferred = std::exchange(control, 0);
+        if (control)
+            ServiceHandler(control);
+        // A service that has stopped has nothing left to stop; one not yet started gets it once pending ends.
+        if (statusHandle && status.dwCurrentState == SERVICE_STOPPED)
+            deferred = 0;
+        if (deferred && statusHandle && status.dwControlsAccepted & SERVICE_ACCEPT_STOP_AND_SHUTDOWN)
+            ServiceHandler(std::exchange(deferred, 0));
     }
+    dispatcherSignals = nullptr;
     serviceThread.join();
     return true;
 }
@@ -284,8 +297,12 @@ bool NTServiceApp::ReportStatus(unsigned long state, unsigned long checkPoint, u
     if (statusHandle) {
         const int sent = korva::NotifySocket::Send(
             ServiceMapping::NotifyState(status, NTServiceControl::CurrentStateToString(state)));
-        if (sent == 0)
+        if (sent == 0) {
+            // The dispatcher looks again at a control it held back.
+            if (korva::SignalWait* waiting = dispatcherSignals)
+                waiting->Wake();
             return true;
+        }
         error = sent == ENOENT || sent == EBADF || sent == ECONNREFUSED ? 6
             : sent == EINVAL                                            ? 13
                                                                         : ServiceMapping::ErrorFromErrno(sent);

@@ -12,7 +12,8 @@
 //  - controls arrive as signals, read by the dispatcher loop on the main
 //    thread: SIGTERM (and SIGINT) stop, or shut down when the manager's
 //    SystemState says the system is stopping; SIGUSR1 interrogates; SIGHUP is
-//    a control that the handler ignores;
+//    a control that the handler ignores. A stop while the service is start or
+//    stop pending is held until the service accepts stops again;
 //  - a program started without $NOTIFY_SOCKET was started by hand: the
 //    dispatcher fails with 1063 after telling the user so.
 // ServiceMain runs on a thread of its own, as the manager's dispatcher would run it.
@@ -22,7 +23,12 @@
 
 #include <KORVAutl/Log.h>
 
+#include <atomic>
 #include <string>
+
+namespace korva {
+class SignalWait;
+}
 
 class NTServiceApp : public TsApp
 {
@@ -89,4 +95,7 @@ private:
     /// The message box of a program started by hand.
     void ShowStartedByHand();
     void LogWindowsError(const char* function, const char* format, unsigned long code, const char* text);
+
+    /// The dispatcher's signal reader while it runs; a status report wakes it.
+    std::atomic<korva::SignalWait*> dispatcherSignals{nullptr};
 };
