@@ -5,6 +5,7 @@
 //   sampleservice --install [ACCOUNT]  install it for the manager, running as ACCOUNT
 //   sampleservice --uninstall          remove it again (it must be stopped)
 //   sampleservice --fail-init=N        run, but let OnServiceInit fail with N
+//   sampleservice --slow-init=MS       run, but take MS milliseconds to start
 //
 // The service writes its log lines to the application log and its start and stop
 // to the event log under the source "sampleservice".
@@ -14,10 +15,12 @@
 
 #include <KORVAutl/TsString.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
+#include <thread>
 #include <string>
 
 namespace {
@@ -31,14 +34,18 @@ const unsigned long kEventStopped = 1001;
 class SampleService : public NTServiceApp
 {
 public:
-    explicit SampleService(unsigned long initResult)
-        : NTServiceApp(kServiceName, "SampleService"), mInitResult(initResult)
+    SampleService(unsigned long initResult, int initMilliseconds)
+        : NTServiceApp(kServiceName, "SampleService"), mInitResult(initResult), mInitMilliseconds(initMilliseconds)
     {
         SetEventMsgId(0, 0, kEventStarted, kEventStopped);
     }
 
 protected:
-    unsigned long OnServiceInit() override { return mInitResult; }
+    unsigned long OnServiceInit() override
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(mInitMilliseconds));
+        return mInitResult;
+    }
 
     bool OnServiceRun() override
     {
@@ -61,6 +68,7 @@ protected:
 
 private:
     unsigned long mInitResult;
+    int mInitMilliseconds;
     std::mutex mMutex;
     std::condition_variable mStopped;
     bool mStopRequested = false;
@@ -68,7 +76,7 @@ private:
 
 int Usage()
 {
-    std::fprintf(stderr, "usage: sampleservice [--install [ACCOUNT] | --uninstall | --fail-init=N]\n");
+    std::fprintf(stderr, "usage: sampleservice [--install [ACCOUNT] | --uninstall | [--fail-init=N] [--slow-init=MS]]\n");
     return 2;
 }
 
@@ -90,16 +98,18 @@ int main(int argc, char** argv)
         std::printf("sampleservice: %s\n", install ? "installed" : "uninstalled");
         return 0;
     }
-    unsigned long initResult = 0;
-    if (option.rfind("--fail-init=", 0) == 0) {
-        int value = 0;
-        if (!TsString::ToInt(option.c_str() + std::strlen("--fail-init="), value) || value <= 0)
+    int initResult = 0;
+    int initMilliseconds = 0;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        const auto equals = argument.find('=');
+        const std::string name = argument.substr(0, equals);
+        int& value = name == "--fail-init" ? initResult : initMilliseconds;
+        if ((name != "--fail-init" && name != "--slow-init") || equals == std::string::npos
+            || !TsString::ToInt(argument.c_str() + equals + 1, value) || value < 0)
             return Usage();
-        initResult = static_cast<unsigned long>(value);
-    } else if (!option.empty()) {
-        return Usage();
     }
-    SampleService service(initResult);
+    SampleService service(static_cast<unsigned long>(initResult), initMilliseconds);
     service.InitInstance();
     return service.ExitInstance();
 }

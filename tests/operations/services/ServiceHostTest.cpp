@@ -117,6 +117,16 @@ TEST_F(ServiceHost, FailingInitReportsStoppedWithItsCode)
     EXPECT_EQ(log.find("Service started."), std::string::npos);
 }
 
+TEST_F(ServiceHost, StopWhileStartPendingWaitsForRunning)
+{
+    Run({"--slow-init=300"});
+    ExpectNext(kStartPending);
+    child.Kill(SIGTERM);
+    for (const char* report : {kRunning, kStopPending, kStopped})
+        ExpectNext(report);
+    EXPECT_EQ(child.Wait(), 0);
+}
+
 TEST_F(ServiceHost, StartedByHandTellsTheUserAndEnds)
 {
     Run({}, false);
