@@ -319,4 +319,7 @@ void EventLog::InternalWriteEntry(unsigned long stringCount, const char* const* 
         fields.emplace_back(text.data() + at, length);
     // Without journald the entry is dropped: writing never fails to the caller.
     korva::Journal::Send(fields.data(), fields.size());
+    // One huge entry shouldn't pin its size to the thread for good.
+    if (text.capacity() > 65536)
+        std::string().swap(text);
 }

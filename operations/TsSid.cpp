@@ -3,6 +3,7 @@
 #include <KORVAutlwin/platform/UserIdentity.h>
 
 #include <cstring>
+#include <mutex>
 
 namespace {
 
@@ -43,6 +44,19 @@ bool LookupAccountName(const char* system, const std::string& name, unsigned cha
 
 TsSid::TsSid(const char* system)
 {
+    // Callers make one per event; the user database is asked once per user of the process.
+    static std::mutex cacheLock;
+    static unsigned int cachedUid = 0;
+    static std::shared_ptr<unsigned char[]> cached;
+    const bool local = !system || !*system;
+    const unsigned int uid = korva::UserId();
+    if (local) {
+        std::lock_guard<std::mutex> lock(cacheLock);
+        if (cached && cachedUid == uid) {
+            mSid = cached;
+            return;
+        }
+    }
     const std::string name = korva::UserName();
     unsigned char found[4096];
     unsigned long size = 0;
@@ -50,8 +64,14 @@ TsSid::TsSid(const char* system)
         return;
     std::shared_ptr<unsigned char[]> copy(new unsigned char[size]);
     std::memcpy(copy.get(), found, size);
-    if (GetLengthSid(copy.get()) == size && std::memcmp(copy.get(), found, size) == 0)
-        mSid = std::move(copy);
+    if (GetLengthSid(copy.get()) != size || std::memcmp(copy.get(), found, size) != 0)
+        return;
+    mSid = std::move(copy);
+    if (local) {
+        std::lock_guard<std::mutex> lock(cacheLock);
+        cachedUid = uid;
+        cached = mSid;
+    }
 }
 
 TsSid::~TsSid() = default;
