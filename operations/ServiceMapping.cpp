@@ -179,6 +179,7 @@ std::string ServiceMapping::SystemErrorText(unsigned long code)
         {13, "The data is invalid."},
         {31, "A device attached to the system is not functioning."},
         {87, "The parameter is incorrect."},
+        {122, "The data area passed to a system call is too small."},
         {123, "The filename, directory name, or volume label syntax is incorrect."},
         {183, "Cannot create a file when that file already exists."},
         {1051, "A stop control has been sent to a service that other running services are dependent on."},

@@ -39,6 +39,11 @@ SignalWait::SignalWait(std::initializer_list<int> signalList) : mSignals(signalL
 
 SignalWait::~SignalWait()
 {
+    // Signals that came after the last Wait() are taken here: with the old mask
+    // back, their default action would end the process.
+    signalfd_siginfo info;
+    while (mSignalFd >= 0 && read(mSignalFd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    }
     if (mSignalFd >= 0)
         close(mSignalFd);
     if (mWakeFd >= 0)

@@ -14,8 +14,8 @@ public:
     /// Blocks `signalList` in the calling thread and opens the descriptors.
     /// IsOpen() tells whether that worked; Error() gives the errno if not.
     explicit SignalWait(std::initializer_list<int> signalList);
-    /// Closes the descriptors and gives the calling thread its old mask back;
-    /// a signal still pending is then delivered as usual.
+    /// Takes the signals still pending, closes the descriptors and gives the
+    /// calling thread its old mask back.
     ~SignalWait();
     SignalWait(const SignalWait&) = delete;
     SignalWait& operator=(const SignalWait&) = delete;
