@@ -17,13 +17,8 @@
 PrivateBus::PrivateBus(const std::string& folder)
 {
     const std::string socket = folder + "/system_bus_socket";
-    WriteFile(folder + "/bus.conf",
-              "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
-              " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n<busconfig><listen>unix:path="
-                  + socket + "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow user=\"*\"/>"
-                  "<allow own=\"*\"/><allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>\n");
-    if (mDaemon.Spawn("/usr/bin/dbus-daemon",
-                      {"dbus-daemon", "--config-file=" + folder + "/bus.conf", "--nofork", "--nopidfile", "--nosyslog"})
+    if (mDaemon.Spawn("/usr/bin/dbus-daemon", {"dbus-daemon", "--config-file=" KORVA_TEST_DATA_DIR "/bus.conf",
+                                                "--address=unix:path=" + socket, "--nofork", "--nopidfile", "--nosyslog"})
             == 0
         && WaitFor([&] { return std::filesystem::exists(socket); }, std::chrono::seconds(5)))
         mAddress = "unix:path=" + socket;
