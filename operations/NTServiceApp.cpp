@@ -128,6 +128,10 @@ bool NTServiceApp::RunDispatcher(unsigned long& error)
         error = 13;
         return false;
     }
+    if (dispatcherSignals) {
+        error = 1056;
+        return false;
+    }
     // Blocked before ServiceMain's thread exists, so that it inherits the mask
     // and every control reaches the loop below.
     korva::SignalWait controlSignals({SIGTERM, SIGINT, SIGUSR1, SIGHUP});
@@ -135,13 +139,13 @@ bool NTServiceApp::RunDispatcher(unsigned long& error)
         error = ServiceMapping::ErrorFromErrno(controlSignals.Error());
         return false;
     }
+    dispatcherSignals = &controlSignals;
     std::atomic<bool> ended{false};
     std::thread serviceThread([&controlSignals, &ended] {
         ServiceMain(0, nullptr);
         ended = true;
         controlSignals.Wake();
     });
-    dispatcherSignals = &controlSignals;
     // A stop that comes while the service is pending waits until it accepts one.
     unsigned long deferred = 0;
     for (int signal = 0; !ended && (signal = controlSignals.Wait()) >= 0;) {
