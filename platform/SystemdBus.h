@@ -36,7 +36,7 @@ public:
     bool IsOpen() const { return mBus != nullptr; }
 
     /// The manager's rule: 1 to 255 characters of letters, digits and ":-_.\\@",
-    /// a prefix, one dot and a known type suffix.
+    /// a name, then a dot and a known type suffix ("sampleservice.service").
     static bool IsValidUnitName(const std::string& unit);
     /// Where unit files are written.
     static std::string UnitFileDirectory();
