@@ -190,7 +190,7 @@ TEST_F(ServiceControl, BadNamesAndAMissingManager)
     EXPECT_TRUE(control.CloseSCM());
     const std::string log = NewLogLines();
     EXPECT_TRUE(Has(log, "Windows error - OpenSCManager returned error 1065: The specified database does not exist.."));
-    EXPECT_TRUE(Has(log, "[4]") && Has(log, "Service Control Manager not opened."));
+    EXPECT_TRUE(Has(log, "[4] ") && Has(log, "NTServiceControl::CloseSCM: Service Control Manager not opened."));
 }
 
 // The one test against the machine's own manager; it changes nothing there.
