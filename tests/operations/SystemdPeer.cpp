@@ -8,6 +8,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -16,12 +18,25 @@
 
 PrivateBus::PrivateBus(const std::string& folder)
 {
-    const std::string socket = folder + "/system_bus_socket";
+    // The daemon prints its address once it takes connections.
+    int ready[2];
+    if (pipe2(ready, O_CLOEXEC) != 0)
+        return;
+    const std::string address = "unix:path=" + folder + "/system_bus_socket";
     if (mDaemon.Spawn("/usr/bin/dbus-daemon", {"dbus-daemon", "--config-file=" KORVA_TEST_DATA_DIR "/bus.conf",
-                                                "--address=unix:path=" + socket, "--nofork", "--nopidfile", "--nosyslog"})
-            == 0
-        && WaitFor([&] { return std::filesystem::exists(socket); }, std::chrono::seconds(5)))
-        mAddress = "unix:path=" + socket;
+                                                "--address=" + address, "--print-address=3", "--nofork",
+                                                "--nopidfile", "--nosyslog"},
+                      {{ready[1], 3}})
+        == 0) {
+        close(ready[1]);
+        pollfd printed{ready[0], POLLIN, 0};
+        char buffer[256];
+        if (poll(&printed, 1, 10000) > 0 && read(ready[0], buffer, sizeof buffer) > 0)
+            mAddress = address;
+    } else {
+        close(ready[1]);
+    }
+    close(ready[0]);
 }
 
 PrivateBus::~PrivateBus()
