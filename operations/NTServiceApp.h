@@ -1,22 +1,23 @@
 #pragma once
-// The application object of a service program. An application derives from it,
-// gives OnServiceInit, OnServiceRun and OnServiceStop, and leaves InitInstance
-// in place: that enters the dispatcher, and the main thread stays there for as
-// long as the service lives. A service creates no QApplication: its main()
-// constructs the object, calls InitInstance() and returns ExitInstance().
-//
-// On Linux the service manager is systemd, with the unit's Type=notify:
-//  - status reports go out through the notify protocol ($NOTIFY_SOCKET):
-//    start pending as STATUS= with EXTEND_TIMEOUT_USEC= of the wait hint,
-//    running as READY=1, stop pending as STOPPING=1, stopped with EXIT_STATUS=;
-//  - controls arrive as signals, read by the dispatcher loop on the main
-//    thread: SIGTERM (and SIGINT) stop, or shut down when the manager's
-//    SystemState says the system is stopping; SIGUSR1 interrogates; SIGHUP is
-//    a control that the handler ignores. A stop while the service is start or
-//    stop pending is held until the service accepts stops again;
-//  - a program started without $NOTIFY_SOCKET was started by hand: the
-//    dispatcher fails with 1063 after telling the user so.
-// ServiceMain runs on a thread of its own, as the manager's dispatcher would run it.
+/// \class NTServiceApp
+/// The application object of a service program. An application derives from it,
+/// gives OnServiceInit, OnServiceRun and OnServiceStop, and leaves InitInstance
+/// in place: that enters the dispatcher, and the main thread stays there for as
+/// long as the service lives. A service creates no QApplication: its main()
+/// constructs the object, calls InitInstance() and returns ExitInstance().
+///
+/// On Linux the service manager is systemd, with the unit's Type=notify:
+///  - status reports go out through the notify protocol ($NOTIFY_SOCKET):
+///    start pending as STATUS= with EXTEND_TIMEOUT_USEC= of the wait hint,
+///    running as READY=1, stop pending as STOPPING=1, stopped with EXIT_STATUS=;
+///  - controls arrive as signals, read by the dispatcher loop on the main
+///    thread: SIGTERM (and SIGINT) stop, or shut down when the manager's
+///    SystemState says the system is stopping; SIGUSR1 interrogates; SIGHUP is
+///    a control that the handler ignores. A stop while the service is start or
+///    stop pending is held until the service accepts stops again;
+///  - a program started without $NOTIFY_SOCKET was started by hand: the
+///    dispatcher fails with 1063 after telling the user so.
+/// ServiceMain runs on a thread of its own, as the manager's dispatcher would run it.
 
 #include <KORVAutlwin/frame/TsApp.h>
 #include <KORVAutlwin/operations/ServiceStatus.h>

@@ -1,16 +1,17 @@
 #pragma once
-// The client side of a service: installs, uninstalls, starts, stops and
-// inspects one named service through the service manager (systemd's D-Bus API;
-// the service is the unit "<name>.service"), and registers the service's event
-// source along with it.
-//
-// Every failed call is logged as "Windows error - <call> returned error <code>:
-// <text>." with a fixed text per operation and code, and the code stays readable
-// through GetLastError(). The manager's errors are mapped onto those Win32 codes
-// (ServiceMapping). Install writes the unit file (Type=notify, the binary, the
-// account) into SystemdBus::UnitFileDirectory() and has the manager reload.
-// The manager's connection is open only during one operation unless the caller
-// opens it with OpenSCM.
+/// \class NTServiceControl
+/// The client side of a service: installs, uninstalls, starts, stops and
+/// inspects one named service through the service manager (systemd's D-Bus API;
+/// the service is the unit "<name>.service"), and registers the service's event
+/// source along with it.
+///
+/// Every failed call is logged as "Windows error - <call> returned error <code>:
+/// <text>." with a fixed text per operation and code, and the code stays readable
+/// through GetLastError(). The manager's errors are mapped onto those Win32 codes
+/// (ServiceMapping). Install writes the unit file (Type=notify, the binary, the
+/// account) into SystemdBus::UnitFileDirectory() and has the manager reload.
+/// The manager's connection is open only during one operation unless the caller
+/// opens it with OpenSCM.
 
 #include <KORVAutlwin/operations/ServiceStatus.h>
 

@@ -1,7 +1,8 @@
 #pragma once
-// How a service's life on Linux maps onto the service control manager's
-// numbers: the unit states of systemd and the notify protocol on one side,
-// SERVICE_STATUS, controls and Win32 error codes on the other.
+/// \class ServiceMapping
+/// How a service's life on Linux maps onto the service control manager's
+/// numbers: the unit states of systemd and the notify protocol on one side,
+/// SERVICE_STATUS, controls and Win32 error codes on the other.
 
 #include <KORVAutlwin/operations/ServiceStatus.h>
 

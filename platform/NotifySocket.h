@@ -1,6 +1,7 @@
 #pragma once
-// The service manager's notify protocol: newline-separated "NAME=value"
-// assignments sent as one datagram to the socket named by $NOTIFY_SOCKET.
+/// \class korva::NotifySocket
+/// The service manager's notify protocol: newline-separated "NAME=value"
+/// assignments sent as one datagram to the socket named by $NOTIFY_SOCKET.
 
 #include <string>
 

@@ -1,7 +1,8 @@
 #pragma once
-// Signals taken as data: the signals given are blocked in the calling thread
-// (and in every thread it starts afterwards) and read from a signalfd, so that
-// a loop handles them one after another instead of in a handler.
+/// \class korva::SignalWait
+/// Signals taken as data: the signals given are blocked in the calling thread
+/// (and in every thread it starts afterwards) and read from a signalfd, so that
+/// a loop handles them one after another instead of in a handler.
 
 #include <initializer_list>
 #include <vector>

@@ -1,10 +1,11 @@
 #pragma once
-// A connection to the service manager's D-Bus API (org.freedesktop.systemd1 on
-// the system bus): the few Manager and Unit calls that installing, starting,
-// stopping and inspecting a service need.
-//
-// $DBUS_SYSTEM_BUS_ADDRESS moves the system bus, $KORVA_SYSTEMD_UNIT_DIR the
-// folder of the unit files this code writes (default /etc/systemd/system).
+/// \class korva::SystemdBus
+/// A connection to the service manager's D-Bus API (org.freedesktop.systemd1 on
+/// the system bus): the few Manager and Unit calls that installing, starting,
+/// stopping and inspecting a service need.
+///
+/// $DBUS_SYSTEM_BUS_ADDRESS moves the system bus, $KORVA_SYSTEMD_UNIT_DIR the
+/// folder of the unit files this code writes (default /etc/systemd/system).
 
 #include <cstdint>
 #include <string>
