@@ -5,6 +5,7 @@
 #include "ExecuteDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
+#include "WorkspaceDemos.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
@@ -127,6 +128,7 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddWorkspaceDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
