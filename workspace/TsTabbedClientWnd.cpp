@@ -32,7 +32,7 @@ private:
     TsTabbedClientWnd& mOwner;
 };
 
-TsTabbedClientWnd::TsTabbedClientWnd() = default;
+TsTabbedClientWnd::TsTabbedClientWnd(QObject* parent) : QObject(parent) {}
 
 TsTabbedClientWnd::~TsTabbedClientWnd()
 {
@@ -56,6 +56,8 @@ int TsTabbedClientWnd::Attach(TessmaMDIFrame* frame, TsTabbedWorkspaceWindowIden
     frame->setCentralWidget(mArea);
     mClient->installEventFilter(this);
     mClient->viewport()->installEventFilter(this);
+    // A frame that goes is past its own part by now: it is only forgotten.
+    connect(frame, &QObject::destroyed, this, &TsTabbedClientWnd::AreaGoing);
     RecalcLayout();
     mWorkspace->UpdateContents();
     return 1;
@@ -75,6 +77,7 @@ int TsTabbedClientWnd::Detach()
     }
     client->removeEventFilter(this);
     client->viewport()->removeEventFilter(this);
+    disconnect(frame, &QObject::destroyed, this, &TsTabbedClientWnd::AreaGoing);
     mFrame = nullptr;
     mClient = nullptr;
     mArea = nullptr;
@@ -88,6 +91,8 @@ int TsTabbedClientWnd::Detach()
 
 void TsTabbedClientWnd::AreaGoing()
 {
+    if (mFrame)
+        disconnect(mFrame, &QObject::destroyed, this, &TsTabbedClientWnd::AreaGoing);
     // The frame is going with its windows: nothing is shown or laid out any more.
     if (mClient) {
         mClient->removeEventFilter(this);

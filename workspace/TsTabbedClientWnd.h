@@ -28,7 +28,7 @@ class TsTabbedClientWnd : public QObject
     Q_OBJECT
 
 public:
-    TsTabbedClientWnd();
+    explicit TsTabbedClientWnd(QObject* parent = nullptr);
     /// Detaches.
     ~TsTabbedClientWnd() override;
 

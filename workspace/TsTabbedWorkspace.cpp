@@ -479,7 +479,13 @@ bool TsTabbedWorkspace::HasFrame()
 
 WorkspaceWindow TsTabbedWorkspace::GetActiveChild()
 {
-    return Client()->currentSubWindow();
+    // The client leaves no child current once the current one closed while the
+    // others were hidden; an MDI client always has one while any is left: the top.
+    QMdiArea* client = Client();
+    if (QMdiSubWindow* current = client->currentSubWindow())
+        return current;
+    const QList<QMdiSubWindow*> stacked = client->subWindowList(QMdiArea::StackingOrder);
+    return stacked.isEmpty() ? nullptr : stacked.back();
 }
 
 void TsTabbedWorkspace::GetChildren(std::vector<WorkspaceWindow>& children)

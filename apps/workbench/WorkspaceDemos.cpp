@@ -8,6 +8,8 @@
 #include <KORVAutlwin/workspace/TsTabbedWorkspaceWindowIdentifier.h>
 
 #include <QApplication>
+#include <QLabel>
+#include <QPointer>
 #include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -30,6 +32,12 @@ bool IsTextWindow(const QWidget* window)
     return child && qobject_cast<const QPlainTextEdit*>(child->widget());
 }
 
+bool IsDesktopWindow(const QWidget* window)
+{
+    const auto* child = qobject_cast<const QMdiSubWindow*>(window);
+    return child && child->widget() && child->widget()->property("tab").toString() == kDesktopTab;
+}
+
 // Text windows share a tab; every other window has its own, named by its title
 // so that a kept tab order still means something at the next start.
 class WorkbenchTabPolicy : public TsTabbedWorkspaceWindowIdentifier
@@ -41,10 +49,14 @@ public:
 
     std::string GetWindowIdentifier(const QWidget* window) override
     {
+        if (IsDesktopWindow(window))
+            return kDesktopTab;
         return IsTextWindow(window) ? kTextTab : window->windowTitle().toStdString();
     }
     std::string GetTextForTabItem(const QWidget* window) override
     {
+        if (IsDesktopWindow(window))
+            return "Desktop";
         if (!IsTextWindow(window))
             return window->windowTitle().toStdString();
         int texts = 0;
@@ -78,14 +90,30 @@ public:
     bool GetHideNonActiveWindows() override { return mHideOthers; }
     bool UseDragAndDrop() override { return true; }
     std::string GetNonWindowTabID(int n) override { return n == 1 ? kDesktopTab : std::string(); }
+    // The Desktop tab is there without a window; chosen, it gets its page,
+    // which joins it until the user closes the page again.
     void OnSetActiveTab(std::string id) override
     {
-        if (id == kDesktopTab)
-            mFrame.SetMessageText("The Desktop tab stands for no window: the windows of the other tabs are hidden.");
+        if (id != kDesktopTab || mDesktop)
+            return;
+        auto* page = new QLabel;
+        page->setProperty("tab", kDesktopTab);
+        page->setWindowTitle("Desktop");
+        page->setMargin(16);
+        page->setWordWrap(true);
+        page->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+        page->setText("<h2>Desktop</h2><p>This tab is there without a window of its own: the workbench "
+                      "opens this page when the tab is chosen, and the tab stays when the page is closed.</p>"
+                      "<p>Text windows share one tab; every other window has its own. Only the active tab's "
+                      "windows are shown (Workspace &gt; Hide the windows of other tabs). Drag a tab to give it "
+                      "another place; Workspace &gt; Keep the tab order remembers the order for the next start.</p>");
+        mDesktop = mFrame.AddMDIChild(page);
+        mDesktop->resize(420, 260);
     }
 
 private:
     TessmaMDIFrame& mFrame;
+    QPointer<QMdiSubWindow> mDesktop;
 };
 
 // The policy and the client window, living as long as the frame.

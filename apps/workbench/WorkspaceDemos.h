@@ -1,7 +1,7 @@
 #pragma once
 // The workbench's tabbed workspace: the frame's MDI client gets a strip of
 // tabs. All text windows share one tab, every other window has its own, and a
-// "Desktop" tab stands for no window: choosing it hides them all. The
+// "Desktop" tab is there without a window: chosen, it gets its page. The
 // "Workspace" menu opens list and tree windows, switches the hiding of the
 // other tabs' windows, and keeps and restores the tab order in the profile.
 

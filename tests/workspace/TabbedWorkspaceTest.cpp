@@ -12,11 +12,13 @@ namespace {
 
 using korva::test::Application;
 
-// Windows group by their view's "tab" property; one tab without a window.
+// Windows group by their view's "tab" property; one tab without a window,
+// whose window comes when the tab is chosen.
 class Policy : public TsTabbedWorkspaceWindowIdentifier
 {
 public:
     std::vector<std::string> activated;
+    std::function<void()> openStart;
     std::string GetWindowIdentifier(const QWidget* window) override
     {
         const auto* child = qobject_cast<const QMdiSubWindow*>(window);
@@ -25,7 +27,12 @@ public:
     std::string GetTextForTabItem(const char* id) override { return std::string("Start ") + id; }
     std::string GetNonWindowTabID(int n) override { return n == 1 ? "start" : ""; }
     bool UseDragAndDrop() override { return true; }
-    void OnSetActiveTab(std::string id) override { activated.push_back(id); }
+    void OnSetActiveTab(std::string id) override
+    {
+        activated.push_back(id);
+        if (id == "start" && openStart)
+            openStart();
+    }
 };
 
 // Until the loop has gone idle a few times.
@@ -47,6 +54,7 @@ protected:
         frame->show();
         ASSERT_EQ(client.Attach(frame.get(), &policy, 0), 1);
         ASSERT_EQ(client.Attach(frame.get(), &policy, 0), 0);
+        policy.openStart = [this] { start = Open("start", "Start page"); };
     }
     void TearDown() override
     {
@@ -79,6 +87,7 @@ protected:
 
     Policy policy;
     std::unique_ptr<TessmaMDIFrame> frame;
+    QPointer<QMdiSubWindow> start;
     TsTabbedClientWnd client;
 };
 
@@ -101,6 +110,15 @@ TEST_F(WorkspaceTest, ChildrenOfOneIdentifierShareATabUntilTheLastCloses)
     EXPECT_EQ(policy.activated.back(), "text");
     QTest::mouseDClick(&Strip(), Qt::LeftButton, {}, Centre(Tab("text")));
     EXPECT_FALSE(text1->isMaximized() || text2->isMaximized());  // two windows: nothing
+
+    // The tab without a window gets its window, which joins it.
+    QTest::mouseClick(&Strip(), Qt::LeftButton, {}, Centre(0));
+    Idle();
+    EXPECT_EQ(client.GetCurrentTab(), 0);
+    EXPECT_EQ(Strip().GetItems()[0].windowCount, 1);
+    EXPECT_TRUE(text1->isHidden() && text2->isHidden() && list->isHidden());
+    start->close();
+    QTest::mouseClick(&Strip(), Qt::LeftButton, {}, Centre(Tab("text")));
 
     text2->close();
     Idle();
