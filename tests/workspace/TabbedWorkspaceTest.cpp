@@ -19,6 +19,8 @@ class Policy : public TsTabbedWorkspaceWindowIdentifier
 public:
     std::vector<std::string> activated;
     std::function<void()> openStart;
+    unsigned int menuId = 0;
+    unsigned int GetMenuID() override { return menuId; }
     std::string GetWindowIdentifier(const QWidget* window) override
     {
         const auto* child = qobject_cast<const QMdiSubWindow*>(window);
@@ -217,6 +219,43 @@ TEST_F(WorkspaceTest, DetachShowsEveryWindowAndGivesTheClientBack)
     ASSERT_EQ(client.Attach(frame.get(), &policy, 0), 1);
     frame.reset();
     EXPECT_FALSE(client.IsAttached());
+}
+
+TEST_F(WorkspaceTest, RightButtonSelectsAndShowsTheFirstPopupOfThePolicysMenu)
+{
+    Open("list", "List");
+    Open("text", "Text");
+    Idle();
+    policy.menuId = 30620;  // the edit context menu of the English module
+    QString firstItem;
+    korva::test::WhenModal([&firstItem](QWidget* popup) {
+        firstItem = popup->actions().value(0) ? popup->actions().value(0)->text() : QString();
+        popup->close();
+    });
+    QTest::mouseClick(&Strip(), Qt::RightButton, {}, Centre(Tab("list")));
+    EXPECT_EQ(client.GetCurrentTab(), Tab("list"));
+    EXPECT_TRUE(firstItem.startsWith("&Undo")) << firstItem.toStdString();
+}
+
+TEST(WorkspaceDefaults, EveryWindowHasATabNamedByItsTitle)
+{
+    Application();
+    TessmaMDIFrame frame;
+    frame.show();
+    TsTabbedWorkspaceWindowIdentifier defaults;
+    TsTabbedClientWnd client;
+    ASSERT_EQ(client.Attach(&frame, &defaults, 0), 1);
+    for (const char* title : {"One", "Two"}) {
+        auto* view = new QWidget;
+        view->setWindowTitle(title);
+        frame.AddMDIChild(view);
+    }
+    Idle();
+    ASSERT_EQ(client.GetNumTabs(), 2);
+    const auto& items = client.GetTabCtrl()->GetItems();
+    EXPECT_EQ(items[0].text + items[1].text, "TwoOne");
+    EXPECT_EQ(items[0].identifier.substr(0, 2), "0x");  // the window's address
+    EXPECT_NE(items[0].identifier, items[1].identifier);
 }
 
 } // namespace
