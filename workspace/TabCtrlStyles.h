@@ -10,8 +10,6 @@ enum : unsigned long
     TCS_BUTTONS = 0x0100,
     TCS_FOCUSNEVER = 0x8000,
     TCS_OWNERDRAWFIXED = 0x2000,
-    WS_VISIBLE = 0x10000000,
-    WS_CHILD = 0x40000000,
 };
 
 /// The control id of the tab strip in the frame.

@@ -226,10 +226,8 @@ bool TabbedWorkspaceTabs::InsertItem(TabItem item, int position)
     mItems.insert(mItems.begin() + position, std::move(item));
     for (int i = position; i < GetItemCount(); ++i)
         mItems[i].index = i;
-    // The first tab of an empty strip is selected, as a tab control does.
-    if (mItems.size() == 1)
-        mSelection = 0;
-    else if (mSelection >= position)
+    // A new tab selects nothing: the update that follows the active child does.
+    if (mSelection >= position)
         ++mSelection;
     mHost.TabStripChanged();
     return true;

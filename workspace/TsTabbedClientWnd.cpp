@@ -49,7 +49,7 @@ int TsTabbedClientWnd::Attach(TessmaMDIFrame* frame, TsTabbedWorkspaceWindowIden
     frame->takeCentralWidget();
     mArea = new Area(*this, frame);
     mClient->setParent(mArea);
-    mWorkspace = new TsTabbedWorkspace(this, identifier, style | WS_CHILD | WS_VISIBLE | TCS_FOCUSNEVER, mArea);
+    mWorkspace = new TsTabbedWorkspace(this, identifier, style | TCS_FOCUSNEVER, mArea);
     mWorkspace->lower();
     mClient->show();
     mWorkspace->show();

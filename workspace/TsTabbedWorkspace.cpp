@@ -328,7 +328,7 @@ void TsTabbedWorkspace::mousePressEvent(QMouseEvent* event)
         mTabs.SetCurSel(hit);
         OnSelChange();
     }
-    mPressed = mIdentifier->UseDragAndDrop();
+    mPressed = hit >= 0 && mIdentifier->UseDragAndDrop();
     mPressPoint = point;
     mPressTab = hit;
 }

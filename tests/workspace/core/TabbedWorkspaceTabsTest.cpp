@@ -138,7 +138,7 @@ TEST_F(TabsTest, WindowsOfOneIdentifierShareATabThatGoesWithTheLast)
     EXPECT_EQ(tabs.GetItems()[1].windowCount, 2);
     EXPECT_EQ(tabs.GetItems()[0].text, "[S]");
     EXPECT_EQ(tabs.GetItems()[1].text, "a1");  // the last window of the walk names it
-    EXPECT_EQ(tabs.GetCurSel(), 0);             // a tab made in this update is not yet followed
+    EXPECT_EQ(tabs.GetCurSel(), -1);            // a tab made in this update is not yet followed
     tabs.UpdateContents();
     EXPECT_EQ(tabs.GetCurSel(), 1);
     EXPECT_FALSE(b.visible);
