@@ -209,6 +209,13 @@ TEST_F(WorkspaceTest, DetachShowsEveryWindowAndGivesTheClientBack)
     ASSERT_TRUE(list->isHidden());
     const QRect inside = frame->GetMDIClient()->geometry();
     EXPECT_GT(inside.top(), Strip().GetStripExtent());
+    // The strip follows the client's own visibility; without it the client takes all.
+    frame->GetMDIClient()->hide();
+    EXPECT_TRUE(Strip().isHidden());
+    EXPECT_EQ(frame->GetMDIClient()->geometry(), frame->centralWidget()->rect());
+    frame->GetMDIClient()->show();
+    EXPECT_FALSE(Strip().isHidden());
+    EXPECT_EQ(frame->GetMDIClient()->geometry(), inside);
     EXPECT_EQ(client.Detach(), 1);
     EXPECT_EQ(client.Detach(), 0);
     EXPECT_FALSE(list->isHidden());
