@@ -377,10 +377,17 @@ void TabbedWorkspaceTabs::OnSelChange()
 {
     if (mSelection >= 0) {
         const std::string id = mItems[mSelection].identifier;
-        mHost.LockWindowUpdate(true);
-        SetActiveTab(id);
-        mHost.OnSetActiveTab(id);
-        mHost.LockWindowUpdate(false);
+        {
+            // Unlocked however the policy returns.
+            struct Lock
+            {
+                TabbedWorkspaceHost& host;
+                explicit Lock(TabbedWorkspaceHost& h) : host(h) { host.LockWindowUpdate(true); }
+                ~Lock() { host.LockWindowUpdate(false); }
+            } lock(mHost);
+            SetActiveTab(id);
+            mHost.OnSetActiveTab(id);
+        }
         if (const WorkspaceWindow first = GetFirstChild(id))
             mHost.Activate(first, !mHost.GetHideNonActiveWindows());
     }
