@@ -148,8 +148,7 @@ int TsTabbedWorkspace::GetStripExtent() const
         TabbedWorkspaceLayout::SideOfStyle(mStyle) == TabbedWorkspaceLayout::eRight) {
         int width = kMinTabWidth;
         for (const TabItem& item : mTabs.GetItems())
-            width = std::max(width, fontMetrics().horizontalAdvance(QString::fromStdString(item.text)) + kTabPadding +
-                                        (item.image >= 0 ? kSmallIcon + 5 : 0));
+            width = std::max(width, TabWidth(item));
         return width;
     }
     return height;
@@ -167,6 +166,12 @@ void TsTabbedWorkspace::OnDestroy()
 
 // --- Geometry ---------------------------------------------------------------------
 
+int TsTabbedWorkspace::TabWidth(const TabItem& item) const
+{
+    const int text = fontMetrics().horizontalAdvance(QString::fromStdString(item.text));
+    return std::max(kMinTabWidth, text + kTabPadding + (item.image >= 0 ? kSmallIcon + 5 : 0));
+}
+
 void TsTabbedWorkspace::LayoutTabs()
 {
     const auto side = TabbedWorkspaceLayout::SideOfStyle(mStyle);
@@ -177,10 +182,7 @@ void TsTabbedWorkspace::LayoutTabs()
     mRects.assign(items.size(), QRect());
     int along = 0;
     for (std::size_t i = 0; i < items.size(); ++i) {
-        const int length = vertical ? fontMetrics().height() + 8
-                                    : std::max(kMinTabWidth, fontMetrics().horizontalAdvance(
-                                                                 QString::fromStdString(items[i].text)) +
-                                                                 kTabPadding + (items[i].image >= 0 ? kSmallIcon + 5 : 0));
+        const int length = vertical ? fontMetrics().height() + 8 : TabWidth(items[i]);
         mRects[i] = vertical ? QRect(0, along, extent, length) : QRect(along, 0, length, extent);
         along += length;
     }
@@ -204,7 +206,8 @@ void TsTabbedWorkspace::LayoutTabs()
     if (!overflow)
         mFirstVisible = 0;
     mFirstVisible = std::clamp(mFirstVisible, 0, std::max(0, static_cast<int>(items.size()) - 1));
-    const int shift = (mFirstVisible < static_cast<int>(mRects.size())) ? (vertical ? 0 : mRects[mFirstVisible].left()) : 0;
+    const bool scrolled = !vertical && mFirstVisible < static_cast<int>(mRects.size());
+    const int shift = scrolled ? mRects[mFirstVisible].left() : 0;
     const int across = side == TabbedWorkspaceLayout::eBottom ? strip.bottom() + 1 - extent
                        : side == TabbedWorkspaceLayout::eRight ? strip.right() + 1 - extent
                                                                 : (vertical ? strip.left() : strip.top());
@@ -279,8 +282,10 @@ void TsTabbedWorkspace::paintEvent(QPaintEvent*)
         if (!mRects[i].intersects(strip))
             continue;
         const bool selected = i == GetCurSel();
-        const QRect shape = selected ? mRects[i] : mRects[i].adjusted(1, side == TabbedWorkspaceLayout::eTop ? 2 : 0,
-                                                                       -1, side == TabbedWorkspaceLayout::eBottom ? -2 : 0);
+        // The selected tab stands out by two pixels towards the strip's edge.
+        const int top = side == TabbedWorkspaceLayout::eTop ? 2 : 0;
+        const int bottom = side == TabbedWorkspaceLayout::eBottom ? -2 : 0;
+        const QRect shape = selected ? mRects[i] : mRects[i].adjusted(1, top, -1, bottom);
         painter.setPen(colours.color(selected ? QPalette::Dark : QPalette::Mid));
         painter.setBrush(Qt::NoBrush);
         painter.save();

@@ -100,6 +100,7 @@ private:
     void OnRButtonDown(const QPoint& point, const QPoint& globalPoint);
     void DrawItem(QPainter& painter, int index);
     void LayoutTabs();
+    int TabWidth(const TabItem& item) const;
     void ScrollTabs(int delta);
     QMdiArea* Client() const;
     TabbedWorkspaceTabs& Tabs() { return mTabs; }
