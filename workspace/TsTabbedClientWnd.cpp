@@ -9,13 +9,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
-namespace {
-
-// The panel's border around the client, as the strip draws it.
-constexpr int kPanelBorder = 2;
-
-} // namespace
-
 // The frame's central area while attached: the strip and, above it, the client.
 // It lays both out at every new size, and tells the client window when it goes
 // with the frame, before the windows inside it are destroyed.
@@ -156,7 +149,7 @@ void TsTabbedClientWnd::CalcWindowRect(const QRect& rect)
     mWorkspace->setGeometry(rect);
     const auto side = TabbedWorkspaceLayout::SideOfStyle(mWorkspace->GetStyle());
     mClient->setGeometry(TabbedWorkspaceLayout::CalcClientRect(rect, static_cast<int>(mWorkspace->GetOffset()),
-                                                               mWorkspace->GetStripExtent(), kPanelBorder, side));
+                                                               mWorkspace->GetStripExtent(), TsTabbedWorkspace::kPanelBorder, side));
 }
 
 bool TsTabbedClientWnd::eventFilter(QObject* watched, QEvent* event)

@@ -27,8 +27,7 @@
 
 namespace {
 
-// Pixels of the panel's border around the client, and of a tab's padding.
-constexpr int kPanelBorder = 2;
+// Pixels of a tab's padding.
 constexpr int kTabPadding = 12;
 constexpr int kMinTabWidth = 40;
 // The system's edge height and small icon size.

@@ -35,6 +35,8 @@ public:
 
     /// Pixels between the strip's edge and its tabs and panel, by default.
     static constexpr unsigned long kDefaultOffset = 5;
+    /// Pixels of the panel's border around the client.
+    static constexpr int kPanelBorder = 2;
 
     /// A strip for the client `owner`, asking `identifier` (not owned; null
     /// for the defaults), with the tab control styles `style`.
