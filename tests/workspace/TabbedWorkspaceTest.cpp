@@ -162,6 +162,13 @@ TEST_F(WorkspaceTest, SwitchingAwayFromAMaximisedWindowRestoresIt)
     Idle();
     EXPECT_EQ(frame->MDIGetActive(), text);
     EXPECT_TRUE(list->isHidden());
+
+    // Closing all closes the hidden windows of the other tabs too.
+    QPointer<QMdiSubWindow> gone[] = {list, text};
+    frame->CloseAllChildWindows();
+    Idle();
+    EXPECT_FALSE(gone[0] || gone[1]);
+    EXPECT_EQ(Order(), "start ");
 }
 
 TEST_F(WorkspaceTest, DraggingATabPastTheLastPlacesItLast)
