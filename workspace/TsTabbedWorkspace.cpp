@@ -7,13 +7,13 @@
 #include <KORVAutlwin/workspace/TabCtrlStyles.h>
 #include <KORVAutlwin/workspace/TabbedWorkspaceLayout.h>
 #include <KORVAutlwin/workspace/TsTabbedClientWnd.h>
+#include <KORVAutlwin/workspace/TsTabbedWorkspaceDropTarget.h>
 #include <KORVAutlwin/workspace/TsTabbedWorkspaceWindowIdentifier.h>
 
 #include <KORVAutl/Exception.h>
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QDragMoveEvent>
 #include <QHBoxLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -65,8 +65,8 @@ TsTabbedWorkspace::TsTabbedWorkspace(TsTabbedClientWnd* owner, TsTabbedWorkspace
     setProperty("ctrlId", kTabbedWorkspaceCtrlId);
     setFocusPolicy((mStyle & TCS_FOCUSNEVER) ? Qt::NoFocus : Qt::ClickFocus);
     setFont(QApplication::font("QMessageBox"));
-    setAcceptDrops(true);
     setAutoFillBackground(false);
+    mDropTarget = new TsTabbedWorkspaceDropTarget(*this);
     // The idle moment: the loop is about to wait for events. An update that
     // finds nothing new posts nothing, so the loop does go to sleep.
     if (auto* dispatcher = QAbstractEventDispatcher::instance(thread()))
@@ -395,26 +395,6 @@ void TsTabbedWorkspace::OnSelChange()
     WaitCursor wait;
     mTabs.OnSelChange();
     emit SelChange();
-}
-
-// --- Drop target: a drag only brings the tab forward -------------------------------------
-
-void TsTabbedWorkspace::dragEnterEvent(QDragEnterEvent* event)
-{
-    // Entered, so that the moves arrive; refused as each move is.
-    event->accept();
-}
-
-void TsTabbedWorkspace::dragMoveEvent(QDragMoveEvent* event)
-{
-    mTabs.OnDragOver(event->position().toPoint());
-    event->setDropAction(Qt::IgnoreAction);
-    event->ignore();
-}
-
-void TsTabbedWorkspace::dropEvent(QDropEvent* event)
-{
-    event->ignore();
 }
 
 // --- What the tab list asks of the windows --------------------------------------------------

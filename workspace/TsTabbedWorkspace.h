@@ -24,6 +24,7 @@
 class QMdiArea;
 class QToolButton;
 class TsTabbedClientWnd;
+class TsTabbedWorkspaceDropTarget;
 class TsTabbedWorkspaceWindowIdentifier;
 
 class TsTabbedWorkspace : public QWidget, private TabbedWorkspaceHost
@@ -89,12 +90,10 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dragMoveEvent(QDragMoveEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
 
 private:
     friend class TsTabbedClientWnd;
+    friend class TsTabbedWorkspaceDropTarget;
 
     /// Selects tab `id` and shows its windows (the others' go, if the policy says so).
     void SetActiveTab(const std::string& id);
@@ -139,6 +138,7 @@ private:
     TabbedWorkspaceTabs mTabs;
     std::vector<QIcon> mIcons;
     std::vector<qint64> mIconKeys;
+    TsTabbedWorkspaceDropTarget* mDropTarget;
     unsigned long mOffset = kDefaultOffset;
     unsigned long mStyle;
     std::vector<QRect> mRects;
