@@ -143,17 +143,23 @@ void TessmaMDIFrame::MDITile()
 
 void TessmaMDIFrame::CloseAllChildWindows()
 {
+    // Hidden children count too (a tabbed workspace hides the other tabs'); a
+    // child closed here stays in the list until it is deleted, so it is noted.
+    std::set<QMdiSubWindow*> closed;
     for (;;) {
         QMdiSubWindow* child = MDIGetActive();
-        if (!child || child->isHidden()) {
+        if (!child || closed.count(child)) {
             child = nullptr;
             for (QMdiSubWindow* candidate : mMdiArea->subWindowList())
-                if (!candidate->isHidden()) {
+                if (!closed.count(candidate)) {
                     child = candidate;
                     break;
                 }
         }
-        if (!child || !child->close())
+        if (!child)
+            return;
+        closed.insert(child);
+        if (!child->close())
             return;
     }
 }

@@ -7,6 +7,7 @@
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
+#include "WorkspaceDemos.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
@@ -131,6 +132,7 @@ void WorkbenchFrame::BuildMenus()
     AddExecuteDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
+    AddWorkspaceDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
