@@ -1,8 +1,9 @@
 #pragma once
-// What the tab list of the tabbed workspace sees of the world: the MDI children
-// behind an opaque handle, the application's policy for them, and the few
-// things it asks of the tab strip and the frame. The window code implements it
-// on Qt; the rules in TabbedWorkspaceTabs never touch a widget.
+/// \class TabbedWorkspaceHost
+/// What the tab list of the tabbed workspace sees of the world: the MDI children
+/// behind an opaque handle, the application's policy for them, and the few
+/// things it asks of the tab strip and the frame. The window code implements it
+/// on Qt; the rules in TabbedWorkspaceTabs never touch a widget.
 
 #include <QPoint>
 #include <QRect>

@@ -1,7 +1,8 @@
 #pragma once
-// Where the tab strip leaves room for the MDI client. The strip takes the whole
-// free rectangle of the frame; inside a frame of `offset` pixels it has its row
-// of tabs on one side and a panel border around the rest, which the client gets.
+/// \class TabbedWorkspaceLayout
+/// Where the tab strip leaves room for the MDI client. The strip takes the whole
+/// free rectangle of the frame; inside a frame of `offset` pixels it has its row
+/// of tabs on one side and a panel border around the rest, which the client gets.
 
 #include <QRect>
 

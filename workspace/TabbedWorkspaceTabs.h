@@ -1,13 +1,14 @@
 #pragma once
-// The tab list of the tabbed workspace and its rules, without a window: one tab
-// per window identifier and one per non-window tab of the policy, rebuilt by
-// comparison with the MDI children at every idle moment; activation, which
-// hides the windows of the other tabs; the new order of a dragged tab; the
-// double click, the right click and the drag of outside data over a tab.
-//
-// Identifiers of the children are remembered from the last update, so that a
-// child on its way out can give up its tab without the policy being asked
-// about a window that is half gone.
+/// \class TabbedWorkspaceTabs
+/// The tab list of the tabbed workspace and its rules, without a window: one tab
+/// per window identifier and one per non-window tab of the policy, rebuilt by
+/// comparison with the MDI children at every idle moment; activation, which
+/// hides the windows of the other tabs; the new order of a dragged tab; the
+/// double click, the right click and the drag of outside data over a tab.
+///
+/// Identifiers of the children are remembered from the last update, so that a
+/// child on its way out can give up its tab without the policy being asked
+/// about a window that is half gone.
 
 #include <KORVAutlwin/workspace/TabbedWorkspaceHost.h>
 

@@ -1,15 +1,16 @@
 #pragma once
-// Takes over the MDI client of a TessmaMDIFrame and lays a TsTabbedWorkspace
-// around it: the frame's central area then holds the strip, and the client sits
-// in the strip's panel. The client's own events keep the tabs honest: a child
-// that comes or goes, or a new size, has the next idle update lay out the frame;
-// a child that goes gives up its tab reference at once; hiding or showing the
-// client hides or shows the strip with it.
-//
-//   TsTabbedClientWnd tabs;
-//   tabs.Attach(frame, &policy, 0);   // 1: the strip is there
-//   ...
-//   tabs.Detach();                    // the client is the central widget again
+/// \class TsTabbedClientWnd
+/// Takes over the MDI client of a TessmaMDIFrame and lays a TsTabbedWorkspace
+/// around it: the frame's central area then holds the strip, and the client sits
+/// in the strip's panel. The client's own events keep the tabs honest: a child
+/// that comes or goes, or a new size, has the next idle update lay out the frame;
+/// a child that goes gives up its tab reference at once; hiding or showing the
+/// client hides or shows the strip with it.
+///
+///   TsTabbedClientWnd tabs;
+///   tabs.Attach(frame, &policy, 0);   // 1: the strip is there
+///   ...
+///   tabs.Detach();                    // the client is the central widget again
 
 #include <QObject>
 #include <QPointer>

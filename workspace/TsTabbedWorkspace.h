@@ -1,15 +1,16 @@
 #pragma once
-// The strip of tabs around the MDI client: one tab per window identifier of the
-// policy, and one per non-window tab. It lies under the client and frames it;
-// the client sits in its panel. The tab list is rebuilt by comparison with the
-// MDI children whenever the event loop is about to wait (the idle moment), and
-// touches no widget when nothing changed.
-//
-// The user selects a tab with the left button; a double click on the selected
-// tab of a single window maximises or restores that window; the right button
-// selects and shows the policy's context menu; with the policy's consent, tabs
-// are dragged into a new order. Outside data dragged over a tab brings that
-// tab's window forward, and the strip itself refuses the drop.
+/// \class TsTabbedWorkspace
+/// The strip of tabs around the MDI client: one tab per window identifier of the
+/// policy, and one per non-window tab. It lies under the client and frames it;
+/// the client sits in its panel. The tab list is rebuilt by comparison with the
+/// MDI children whenever the event loop is about to wait (the idle moment), and
+/// touches no widget when nothing changed.
+///
+/// The user selects a tab with the left button; a double click on the selected
+/// tab of a single window maximises or restores that window; the right button
+/// selects and shows the policy's context menu; with the policy's consent, tabs
+/// are dragged into a new order. Outside data dragged over a tab brings that
+/// tab's window forward, and the strip itself refuses the drop.
 
 #include <KORVAutlwin/workspace/TabbedWorkspaceHost.h>
 #include <KORVAutlwin/workspace/TabbedWorkspaceTabs.h>

@@ -1,7 +1,8 @@
 #pragma once
-// The tab strip as a drop target: data dragged from elsewhere over a tab brings
-// that tab's window to the top, so that the window under the cursor then takes
-// the drop. The strip itself never takes one.
+/// \class TsTabbedWorkspaceDropTarget
+/// The tab strip as a drop target: data dragged from elsewhere over a tab brings
+/// that tab's window to the top, so that the window under the cursor then takes
+/// the drop. The strip itself never takes one.
 
 #include <QObject>
 #include <QPoint>

@@ -1,8 +1,9 @@
 #pragma once
-// The application's policy for the tabbed workspace: which MDI children share a
-// tab (by a string, the window identifier), with what text, icon, colour and
-// context menu, which tabs stand for no window, and whether the windows of the
-// other tabs are hidden. The defaults give every child a tab of its own.
+/// \class TsTabbedWorkspaceWindowIdentifier
+/// The application's policy for the tabbed workspace: which MDI children share a
+/// tab (by a string, the window identifier), with what text, icon, colour and
+/// context menu, which tabs stand for no window, and whether the windows of the
+/// other tabs are hidden. The defaults give every child a tab of its own.
 
 #include <KORVAutlwin/toolkit/ColorRef.h>
 
