@@ -3,6 +3,7 @@
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
+#include "FailureDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
 
@@ -121,6 +122,7 @@ void WorkbenchFrame::BuildMenus()
     });
     OnCommand(eThrowUnknown, [] { throw UnknownFailure{42}; });
     OnCommand(eNullPointer, [this] { SetMessageText(std::to_string(ReadThroughNull())); });
+    AddFailureDemos(*this);
 
     AddDialogDemos(*this);
     AddProgressDemos(*this);

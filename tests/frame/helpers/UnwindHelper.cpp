@@ -11,6 +11,7 @@
 #include <atomic>
 #include <fstream>
 #include <mutex>
+#include <string>
 
 #include <malloc.h>
 #include <signal.h>
@@ -38,6 +39,13 @@ struct Counted
     std::lock_guard<std::mutex> lock(gInnerLock);
     [[maybe_unused]] Counted counted;
     *gNowhere = 1;
+}
+
+// A throw cannot leave a noexcept function: the fault jumps back to the guard instead.
+[[gnu::noinline]] void FaultInNoexcept() noexcept
+{
+    std::string text(40, 'x');
+    *gNowhere = static_cast<int>(text.size());
 }
 
 [[gnu::noinline]] int Recurse(int depth)
@@ -95,7 +103,7 @@ struct GoOn
 
 int RunUnwindMode(const std::string& mode, int argc, char** argv, const std::string& folder)
 {
-    if (mode != "unwind-lambda" && mode != "unwind-overflow")
+    if (mode != "unwind-lambda" && mode != "unwind-jump")
         return -1;
     korva::GuardedApplication app(argc, argv);
     std::ofstream report(folder + "/report");
@@ -104,12 +112,17 @@ int RunUnwindMode(const std::string& mode, int argc, char** argv, const std::str
     auto* button = new QPushButton("Fault", window);
     window->show();
 
-    if (mode == "unwind-overflow") {
-        // An overflow cannot be unwound: it jumps back to the guard. The next fault unwinds again.
+    if (mode == "unwind-jump") {
+        // Faults that cannot be unwound jump back to the guard; the next fault unwinds again.
         QObject::connect(button, &QPushButton::clicked, [] { Recurse(0); });
         goOn.Arm();
         QTest::mouseClick(button, Qt::LeftButton);
         report << "overflow " << goOn.lastText.toStdString() << "\n";
+        auto* noexceptButton = new QPushButton("Fault", window);
+        noexceptButton->show();
+        QObject::connect(noexceptButton, &QPushButton::clicked, [] { FaultInNoexcept(); });
+        goOn.Arm();
+        QTest::mouseClick(noexceptButton, Qt::LeftButton);
         auto* second = new QPushButton("Fault", window);
         second->show();
         QObject::connect(second, &QPushButton::clicked, [] { FaultWhileHolding(); });
