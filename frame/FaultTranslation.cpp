@@ -17,7 +17,7 @@ namespace {
 // One active guard of a thread; the innermost is where a fault goes.
 struct GuardFrame
 {
-    // Only for a fault that cannot be unwound (a stack overflow).
+    // Only for a fault that cannot be unwound (see the header).
     sigjmp_buf jump;
     GuardFrame* previous;
     volatile unsigned int code;
