@@ -12,6 +12,7 @@
 #include <malloc.h>
 #include <signal.h>
 #if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
 // The sanitizer's own count: its allocator is not malloc's.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
@@ -94,6 +95,12 @@ int RunUnwindMode(const std::string& mode, int argc, char** argv, const std::str
         return button;
     };
     window->show();
+#if defined(__SANITIZE_ADDRESS__)
+    // Qt Widgets is built without exceptions: an unwind crosses its frames without their cleanups, which keeps
+    // the copy of the mouse event that QApplication::notify made (some 260 bytes a fault). The growth per
+    // round is measured below instead.
+    __lsan_disable();
+#endif
     if (mode == "unwind-jump") {
         ClickAndGoOn(button([] { Recurse(0); }));
         report << "overflow " << gText << "\n";
@@ -117,6 +124,9 @@ int RunUnwindMode(const std::string& mode, int argc, char** argv, const std::str
             heap[round / 100] = static_cast<long long>(mallinfo2().uordblks);
 #endif
     }
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_enable();
+#endif
     report << "released " << released << "\ntext " << gText << "\ngrowth " << (heap[1] - heap[0]) / 80 << "\n";
     // What the jumps skipped is in doubt: only unwound emissions may meet the deletion of their buttons.
     if (mode == "unwind-jump")
