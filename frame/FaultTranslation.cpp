@@ -59,10 +59,10 @@ extern "C" void FaultHandler(int signal, siginfo_t* info, void* context)
     GuardFrame* frame = tInnermost;
     // A signal that another process sent is not translated.
     if (frame && IsOwnSignal(info)) {
-        // The mask of the interrupted code comes back, as a return from here would restore it.
+        // The mask and floating-point state of the interrupted code come back, as a return from here would restore them.
         // The guard pops itself when the exception passes it.
         if (!overflow && CanThrowToFrame(context, frame->anchor)) {
-            RestoreSignalMask(context);
+            RestoreInterruptedState(context);
             throw TsSystemException(code);
         }
         // No stack left to run the cleanups on, or a frame on the way that cannot be
@@ -70,7 +70,7 @@ extern "C" void FaultHandler(int signal, siginfo_t* info, void* context)
         frame->code = code;
         tInnermost = frame->previous;
         std::atomic_signal_fence(std::memory_order_seq_cst);
-        RestoreSignalMask(context);
+        RestoreInterruptedState(context);
         siglongjmp(frame->jump, 1);
     }
     HandleCrash(signal, info, context, code);

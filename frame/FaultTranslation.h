@@ -11,8 +11,8 @@
 // destructors run, locks held by RAII objects are released, Qt's emission state
 // is cleaned up, and a catch on the way sees the fault. For that, the code that
 // runs inside the guard is built with -fnon-call-exceptions (KORVAutl and
-// KORVAutlwin pass it on to whoever links them); the signal mask of the faulting
-// code is restored on the way out.
+// KORVAutlwin pass it on to whoever links them); the signal mask and the
+// floating-point control state of the faulting code are restored on the way out.
 //
 // Two cases cannot be unwound, and jump back to the guard instead (siglongjmp),
 // skipping the destructors of every frame in between, whose locks stay taken and
@@ -28,8 +28,6 @@
 // The handlers run on a per-thread alternate signal stack, so a stack overflow
 // is caught too. A fault outside every guard is a crash: MiniDumper writes its
 // dump (if it was initialised), then the signal's default action ends the process.
-// After a translated fault the thread's floating-point control state is the
-// default one (the kernel resets it for the handler, and nothing restores it).
 // A fault signal that another process sends is not translated: it ends the process.
 
 #include <functional>

@@ -186,10 +186,20 @@ _Unwind_Reason_Code CheckFrame(_Unwind_Context* context, void* argument)
 
 } // namespace
 
-void RestoreSignalMask(const void* context)
+void RestoreInterruptedState(const void* context)
 {
-    if (context)
-        pthread_sigmask(SIG_SETMASK, &static_cast<const ucontext_t*>(context)->uc_sigmask, nullptr);
+    if (!context)
+        return;
+    const auto* uc = static_cast<const ucontext_t*>(context);
+#if defined(__x86_64__)
+    // The kernel gave the handler the default state; the flags that the fault raised stay cleared.
+    if (const auto* fpu = uc->uc_mcontext.fpregs) {
+        const unsigned int mxcsr = fpu->mxcsr & ~0x3Fu;
+        const unsigned short control = fpu->cwd;
+        asm volatile("fnclex\n\tfldcw %0\n\tldmxcsr %1" : : "m"(control), "m"(mxcsr));
+    }
+#endif
+    pthread_sigmask(SIG_SETMASK, &uc->uc_sigmask, nullptr);
 }
 
 bool CanThrowToFrame(const void* context, std::uintptr_t anchor)

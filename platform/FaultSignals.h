@@ -21,9 +21,10 @@ using FaultHandler = void (*)(int signal, siginfo_t* info, void* context);
 /// instead of nesting; a handler that leaves other than by returning calls
 /// RestoreSignalMask first.
 void InstallFaultHandler(int signal, FaultHandler handler);
-/// Gives the calling thread the signal mask that the handler's `context` saved,
-/// the one of the interrupted code, as a return from the handler would. Signal-safe.
-void RestoreSignalMask(const void* context);
+/// Gives the calling thread the signal mask and the floating-point control state
+/// (rounding, exception masks; not the raised flags) that the handler's `context`
+/// saved, those of the interrupted code, as a return from the handler would. Signal-safe.
+void RestoreInterruptedState(const void* context);
 /// True when an exception thrown from the handler of `context` would unwind every
 /// frame from the faulting one up to the frame that holds `anchor` (an address
 /// inside a frame with a catch-all): each of them has unwind information, and

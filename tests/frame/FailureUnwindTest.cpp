@@ -1,6 +1,6 @@
 // Going on after faults in event dispatch, for real, in the helper program: the faulting frames are unwound (locks
-// released, counted objects gone, the signal mask open, Qt's emission state clean), a hundred times over, and the
-// button whose handler faulted is deleted without a fault.
+// released, counted objects gone, the signal mask open and the rounding mode kept, Qt's emission state clean), a
+// hundred times over, and the button whose handler faulted is deleted without a fault.
 
 #include "frame/helpers/ChildProcess.h"
 

@@ -6,6 +6,7 @@
 #include <QtTest>
 #include <QtWidgets>
 
+#include <cfenv>
 #include <fstream>
 #include <mutex>
 
@@ -59,7 +60,7 @@ bool Released()
         gInnerLock.unlock();
     sigset_t mask;
     pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-    return outer && inner && gAlive == 0 && !sigismember(&mask, SIGSEGV);
+    return outer && inner && gAlive == 0 && !sigismember(&mask, SIGSEGV) && fegetround() == FE_UPWARD;
 }
 
 std::string gText;
@@ -95,6 +96,8 @@ int RunUnwindMode(const std::string& mode, int argc, char** argv, const std::str
         return button;
     };
     window->show();
+    // The program's own rounding must outlive the faults.
+    fesetround(FE_UPWARD);
 #if defined(__SANITIZE_ADDRESS__)
     // Qt Widgets is built without exceptions: an unwind crosses its frames without their cleanups, which keeps
     // the copy of the mouse event that QApplication::notify made (some 260 bytes a fault). The growth per
