@@ -19,7 +19,7 @@ using FaultHandler = void (*)(int signal, siginfo_t* info, void* context);
 /// alternate stack and gets the signal's details and context. The fault signals
 /// are blocked while it runs, so a fault inside the handler ends the process
 /// instead of nesting; a handler that leaves other than by returning calls
-/// RestoreSignalMask first.
+/// RestoreInterruptedState first.
 void InstallFaultHandler(int signal, FaultHandler handler);
 /// Gives the calling thread the signal mask and the floating-point control state
 /// (rounding, exception masks; not the raised flags) that the handler's `context`
