@@ -3,6 +3,7 @@
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
+#include "FailureDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
@@ -124,6 +125,7 @@ void WorkbenchFrame::BuildMenus()
     });
     OnCommand(eThrowUnknown, [] { throw UnknownFailure{42}; });
     OnCommand(eNullPointer, [this] { SetMessageText(std::to_string(ReadThroughNull())); });
+    AddFailureDemos(*this);
 
     AddDialogDemos(*this);
     AddProgressDemos(*this);
