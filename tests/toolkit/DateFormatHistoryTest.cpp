@@ -1,0 +1,60 @@
+#include <KORVAutlwin/toolkit/DateFormatHistory.h>
+
+#include <KORVAutl/XMLSection.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string Stored(const XMLSection& section)
+{
+    std::string text;
+    section.ReadKey(DateFormatHistory::kValueName, text);
+    return text;
+}
+
+TEST(DateFormatHistoryTest, TheLatestFormatComesFirstAndTheTenthPushesTheOldestOut)
+{
+    XMLSection section;
+    for (int i = 1; i <= 9; ++i)
+        EXPECT_TRUE(DateFormatHistory::Remember(&section, "f" + std::to_string(i)));
+    EXPECT_EQ(Stored(section), "f9;f8;f7;f6;f5;f4;f3;f2;f1");
+
+    EXPECT_TRUE(DateFormatHistory::Remember(&section, "f10"));
+    EXPECT_EQ(Stored(section), "f10;f9;f8;f7;f6;f5;f4;f3;f2");
+
+    EXPECT_TRUE(DateFormatHistory::Remember(&section, "f5")); // moves, nothing drops out
+    EXPECT_EQ(Stored(section), "f5;f10;f9;f8;f7;f6;f4;f3;f2");
+}
+
+TEST(DateFormatHistoryTest, TheLatestFormatAgainLeavesTheStoreAlone)
+{
+    XMLSection section;
+    section.WriteKey(DateFormatHistory::kValueName, "yyyy-MM-dd;dd.MM.yy");
+    EXPECT_FALSE(DateFormatHistory::Remember(&section, "yyyy-MM-dd"));
+    EXPECT_EQ(Stored(section), "yyyy-MM-dd;dd.MM.yy");
+    EXPECT_FALSE(DateFormatHistory::Remember(nullptr, "yyyy"));
+}
+
+TEST(DateFormatHistoryTest, TheBoxOffersTheGivenFormatFirstAndEachSavedOneOnce)
+{
+    XMLSection section;
+    section.WriteKey(DateFormatHistory::kValueName, "a;b;c");
+    const std::vector<std::string> rows = DateFormatHistory::BoxRows("b", DateFormatHistory::Load(&section));
+    EXPECT_EQ(rows, (std::vector<std::string>{"b", "a", "c"}));
+    EXPECT_TRUE(DateFormatHistory::Load(nullptr).empty());
+    XMLSection empty;
+    empty.WriteKey(DateFormatHistory::kValueName, "");
+    EXPECT_TRUE(DateFormatHistory::Load(&empty).empty());
+}
+
+TEST(DateFormatHistoryTest, DetailsExplainSixteenLetterGroupsInOrder)
+{
+    const std::string details = DateFormatHistory::GetFormatDetails();
+    EXPECT_EQ(std::count(details.begin(), details.end(), '\n'), 16);
+    EXPECT_EQ(details.rfind("yyyy - year using four digits (ex. 2005)\n", 0), 0u);
+    EXPECT_LT(details.find("\nHH - "), details.find("\nH - "));
+    EXPECT_EQ(details.substr(details.size() - 14), "tt - AM or PM\n");
+}
+
+} // namespace
