@@ -92,6 +92,7 @@ void SpecifyDateFormat::OnInitDialog()
     mFormatBox->setProperty("ctrlId", int(eFormatBox));
     mFormatBox->setEditable(true);
     mFormatBox->setInsertPolicy(QComboBox::NoInsert);
+    mFormatBox->setCompleter(nullptr); // what the user types stands as typed
     std::unique_ptr<RegistrySection> defaults = OpenDefaults(false);
     for (const std::string& row : DateFormatHistory::BoxRows(mFormat, DateFormatHistory::Load(defaults.get())))
         mFormatBox->addItem(QString::fromStdString(row));
