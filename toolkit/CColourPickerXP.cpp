@@ -28,7 +28,11 @@ CColourPickerXP::CColourPickerXP(QWidget* parent)
     connect(this, &QPushButton::clicked, this, &CColourPickerXP::OnClicked);
 }
 
-CColourPickerXP::~CColourPickerXP() = default;
+CColourPickerXP::~CColourPickerXP()
+{
+    // An open popup goes first, while it can still tell this picker nothing.
+    qDeleteAll(findChildren<CColourPopupXP*>(Qt::FindDirectChildrenOnly));
+}
 
 COLORREF CColourPickerXP::GetColor()
 {
