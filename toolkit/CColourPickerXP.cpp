@@ -5,6 +5,7 @@
 #include <KORVAutl/LanguageString.h>
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
@@ -20,8 +21,8 @@ std::string CColourPickerXP::msRegSection;
 
 CColourPickerXP::CColourPickerXP(QWidget* parent)
     : QPushButton(parent),
-      // What automatic means: the system's window text colour (COLOR_WINDOWTEXT).
-      mDefaultColour(korva::FromQColor(QApplication::palette().color(QPalette::WindowText))),
+      // What automatic means: the application workspace colour, the ground of MDI areas.
+      mDefaultColour(korva::FromQColor(QApplication::palette().color(QPalette::Dark))),
       mDefaultText(LanguageString::Get(kAutomaticText)), mCustomText(LanguageString::Get(kMoreColoursText))
 {
     setAttribute(Qt::WA_Hover);
@@ -185,6 +186,17 @@ QSize CColourPickerXP::sizeHint() const
 {
     const int height = mStyle ? fontMetrics().height() + 8 : QPushButton::sizeHint().height();
     return QSize(mStyle ? 160 : 60, height);
+}
+
+void CColourPickerXP::keyPressEvent(QKeyEvent* event)
+{
+    // The keys that drop a combo box down open the popup as well.
+    const bool altDown = event->key() == Qt::Key_Down && (event->modifiers() & Qt::AltModifier);
+    if ((event->key() == Qt::Key_F4 || altDown) && !mPopupActive) {
+        click();
+        return;
+    }
+    QPushButton::keyPressEvent(event);
 }
 
 void CColourPickerXP::enterEvent(QEnterEvent* event)

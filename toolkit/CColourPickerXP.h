@@ -24,7 +24,7 @@ public:
     /// With `translate` non-zero and the colour automatic, the default colour.
     virtual COLORREF GetColor(int translate);
     virtual void SetColor(COLORREF colour);
-    /// What automatic means; the system's window text colour at first.
+    /// What automatic means; the application workspace colour at first.
     virtual COLORREF GetDefaultColor();
     virtual void SetDefaultColor(COLORREF colour);
     /// The bottom row of the popup; empty leaves the row out.
@@ -67,6 +67,7 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     QSize sizeHint() const override;

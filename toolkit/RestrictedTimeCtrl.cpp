@@ -5,6 +5,8 @@ RestrictedTimeCtrl::RestrictedTimeCtrl(QWidget* parent) : QDateTimeEdit(parent)
     setDisplayFormat(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     // Fields wrap on their own, as the platform's picker fields do.
     setWrapping(true);
+    // Snap what the user typed once the field is left, not at each keystroke.
+    setKeyboardTracking(false);
     SetTime(mRules.GetLastTime());
     connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] {
         if (!mSetting)

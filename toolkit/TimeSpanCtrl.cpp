@@ -4,6 +4,8 @@ TimeSpanCtrl::TimeSpanCtrl(QWidget* parent) : QDateTimeEdit(parent)
 {
     setDisplayFormat(QStringLiteral("HH:mm:ss"));
     setWrapping(true);
+    // Snap what the user typed once the field is left, not at each keystroke.
+    setKeyboardTracking(false);
     Show(mRules.SetTimeSpan(mRules.GetTimeSpan()));
     connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] {
         if (!mSetting)

@@ -48,13 +48,4 @@ TEST(DateFormatHistoryTest, TheBoxOffersTheGivenFormatFirstAndEachSavedOneOnce)
     EXPECT_TRUE(DateFormatHistory::Load(&empty).empty());
 }
 
-TEST(DateFormatHistoryTest, DetailsExplainSixteenLetterGroupsInOrder)
-{
-    const std::string details = DateFormatHistory::GetFormatDetails();
-    EXPECT_EQ(std::count(details.begin(), details.end(), '\n'), 16);
-    EXPECT_EQ(details.rfind("yyyy - year using four digits (ex. 2005)\n", 0), 0u);
-    EXPECT_LT(details.find("\nHH - "), details.find("\nH - "));
-    EXPECT_EQ(details.substr(details.size() - 14), "tt - AM or PM\n");
-}
-
 } // namespace

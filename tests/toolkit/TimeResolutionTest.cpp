@@ -35,16 +35,6 @@ TEST(RestrictedTimeRulesTest, SnapsEnteredTimesToTheGridInTheDirectionOfTheStep)
     }
 }
 
-TEST(RestrictedTimeRulesTest, StartsAtTheCurrentTimeWithResolutionOneAndBaseOne)
-{
-    const std::int64_t before = std::time(nullptr);
-    RestrictedTimeRules rules;
-    EXPECT_GE(rules.GetLastTime(), before);
-    EXPECT_LE(rules.GetLastTime(), before + 1);
-    EXPECT_EQ(rules.GetTimeResolution(), 1);
-    EXPECT_EQ(rules.GetTimeBase(), 1);
-}
-
 struct SpanRow
 {
     std::int64_t resolution, maximum, shown;
@@ -81,29 +71,16 @@ TEST(TimeSpanRulesTest, StepsFieldsByTheResolutionWithinTheLimits)
 TEST(TimeSpanRulesTest, LimitsAreHeldAsTheyAreGiven)
 {
     TimeSpanRules rules;
-    EXPECT_EQ(rules.GetMinTimeSpan(), 1);
-    EXPECT_EQ(rules.GetMaxTimeSpan(), 86399);
     rules.SetTimeSpan(0);
     EXPECT_EQ(rules.GetTimeSpan(), 1);
-
-    const std::pair<std::int64_t, std::int64_t> minimums[] = {{-5, 1}, {0, 1}, {30, 30}};
-    for (auto [given, kept] : minimums) {
-        rules.SetMinTimeSpan(given);
-        EXPECT_EQ(rules.GetMinTimeSpan(), kept) << given;
+    // Minimum given and kept, maximum given and kept.
+    const std::int64_t rows[][4] = {{-5, 1, 86400, 86399}, {0, 1, 90000, 86399}, {30, 30, 0, 0}, {1, 1, -3, -3}};
+    for (const auto& row : rows) {
+        rules.SetMinTimeSpan(row[0]);
+        rules.SetMaxTimeSpan(row[2]);
+        EXPECT_EQ(rules.GetMinTimeSpan(), row[1]) << row[0];
+        EXPECT_EQ(rules.GetMaxTimeSpan(), row[3]) << row[2];
     }
-    const std::pair<std::int64_t, std::int64_t> maximums[] = {{86400, 86399}, {90000, 86399}, {0, 0}, {-3, -3}};
-    for (auto [given, kept] : maximums) {
-        rules.SetMaxTimeSpan(given);
-        EXPECT_EQ(rules.GetMaxTimeSpan(), kept) << given;
-    }
-}
-
-TEST(TimeSpanRulesTest, FieldsOfASpanAreTheHoursOfItsDay)
-{
-    const TimeSpanRules::Fields fields = TimeSpanRules::ToFields(86400 + 3723);
-    EXPECT_EQ(fields.hours, 1);
-    EXPECT_EQ(fields.minutes, 2);
-    EXPECT_EQ(fields.seconds, 3);
 }
 
 } // namespace

