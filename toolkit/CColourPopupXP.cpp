@@ -41,6 +41,8 @@ CColourPopupXP::CColourPopupXP(const QRect& button, COLORREF colour, CColourPick
       mPicker(picker), mDefaultText(defaultText), mCustomText(customText), mRegSection(regSection)
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    // A click on the picker that closes the popup must not open it again.
+    setAttribute(Qt::WA_NoMouseReplay);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
 
