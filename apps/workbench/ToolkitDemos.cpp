@@ -47,13 +47,14 @@ public:
     float full[2][2] = {{0, kPoints - 1}, {0, 100}};
     float view[2][2] = {{0, kPoints - 1}, {0, 100}};
     COLORREF colour = 0x800000;
+    COLORREF background = 0xFFFFFF;
     std::function<void(float, float, float, float)> zoom; // asks the owner to show another part
 
 protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
-        painter.fillRect(rect(), Qt::white);
+        painter.fillRect(rect(), korva::ToQColor(background));
         const QRectF area = QRectF(rect()).adjusted(44, 14, -22, -26);
         painter.setPen(QColor(0xC0, 0xC0, 0xC0));
         painter.drawRect(area);
@@ -192,6 +193,17 @@ public:
         QObject::connect(picker, &CColourPickerXP::Notice, this, follow);
         follow(0, 0);
 
+        // The other look: a combo box with the colour's name.
+        auto* ground = new CColourPickerXP(this);
+        ground->SetStyle(1);
+        ground->SetDefaultColor(0xFFFFFF);
+        ground->SetRegSection("ToolkitDemo");
+        ground->setMinimumWidth(190);
+        QObject::connect(ground, &CColourPickerXP::Notice, this, [this, ground](int, unsigned long) {
+            plot->Canvas()->background = ground->GetColor(1);
+            plot->Canvas()->update();
+        });
+
         auto* start = new RestrictedTimeCtrl(this);
         start->SetTimeResolution(900, QDateTime(QDate(2000, 1, 1), QTime(0, 0)).toSecsSinceEpoch());
         start->SetTime(QDateTime(QDate::currentDate(), QTime(8, 0)));
@@ -219,6 +231,7 @@ public:
         colourRow->addWidget(picker);
         colourRow->addWidget(name, 1);
         controls->addRow(QStringLiteral("Plot colour"), colourRow);
+        controls->addRow(QStringLiteral("Background"), ground);
         controls->addRow(QStringLiteral("Start (quarter hours)"), start);
         controls->addRow(QStringLiteral("Interval"), interval);
         auto* buttons = new QHBoxLayout;
