@@ -36,12 +36,8 @@ TEST(DateFormatHistoryTest, TheLatestFormatAgainLeavesTheStoreAlone)
     EXPECT_FALSE(DateFormatHistory::Remember(nullptr, "yyyy"));
 }
 
-TEST(DateFormatHistoryTest, TheBoxOffersTheGivenFormatFirstAndEachSavedOneOnce)
+TEST(DateFormatHistoryTest, AnEmptyStoreHoldsNoFormat)
 {
-    XMLSection section;
-    section.WriteKey(DateFormatHistory::kValueName, "a;b;c");
-    const std::vector<std::string> rows = DateFormatHistory::BoxRows("b", DateFormatHistory::Load(&section));
-    EXPECT_EQ(rows, (std::vector<std::string>{"b", "a", "c"}));
     EXPECT_TRUE(DateFormatHistory::Load(nullptr).empty());
     XMLSection empty;
     empty.WriteKey(DateFormatHistory::kValueName, "");

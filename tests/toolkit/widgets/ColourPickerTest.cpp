@@ -102,18 +102,6 @@ TEST_F(ColourPickerTest, AClickOnABoxChoosesItsColour)
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
-TEST_F(ColourPickerTest, EmptyTextsLeaveTheirRowsOut)
-{
-    picker->SetDefaultText("");
-    picker->SetCustomText("");
-    CColourPopupXP* popup = Open();
-    ASSERT_TRUE(popup);
-    EXPECT_FALSE(popup->GetLayout().IsValidIndex(-3));
-    EXPECT_FALSE(popup->GetLayout().IsValidIndex(-2));
-    EXPECT_EQ(popup->GetCurrentIndex(), -1);
-    QTest::keyClick(popup, Qt::Key_Escape);
-}
-
 // The colour dialog of the custom row: `answer` works it, then it closes with OK or Cancel.
 void WorkColourDialog(const QString& colour, bool ok)
 {
