@@ -7,6 +7,7 @@
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
+#include "ToolkitDemos.h"
 #include "UserCommDemos.h"
 #include "WorkspaceDemos.h"
 
@@ -135,6 +136,7 @@ void WorkbenchFrame::BuildMenus()
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
     AddWorkspaceDemos(*this);
+    AddToolkitDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
