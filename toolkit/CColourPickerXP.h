@@ -1,10 +1,11 @@
 #pragma once
-// A button that shows a colour and drops down CColourPopupXP on a click: a
-// grid of named colours, an "Automatic" row and a "More Colors..." row that
-// opens the colour dialog. Two looks: a swatch with an arrow, or a combo box
-// with the colour's name. The parent learns of everything through Notice:
-// 2025 selection changed, 2026 dropped down, 2027 closed, 2028 chosen, 2029
-// ended without a choice; the colour travels with it.
+/// \class CColourPickerXP
+/// A button that shows a colour and drops down CColourPopupXP on a click: a
+/// grid of named colours, an "Automatic" row and a "More Colors..." row that
+/// opens the colour dialog. Two looks: a swatch with an arrow, or a combo box
+/// with the colour's name. The parent learns of everything through Notice:
+/// 2025 selection changed, 2026 dropped down, 2027 closed, 2028 chosen, 2029
+/// ended without a choice; the colour travels with it.
 
 #include <KORVAutlwin/toolkit/ColourTable.h>
 

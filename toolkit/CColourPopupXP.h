@@ -1,7 +1,8 @@
 #pragma once
-// The borderless window that CColourPickerXP drops down. It takes the mouse and
-// the keyboard while it is open, tells its picker of the colour under the
-// pointer and of the end of the selection, and deletes itself when it closes.
+/// \class CColourPopupXP
+/// The borderless window that CColourPickerXP drops down. It takes the mouse and
+/// the keyboard while it is open, tells its picker of the colour under the
+/// pointer and of the end of the selection, and deletes itself when it closes.
 
 #include <KORVAutlwin/toolkit/ColourPopupLayout.h>
 #include <KORVAutlwin/toolkit/ColourTable.h>

@@ -1,10 +1,11 @@
 #pragma once
-// A scroll bar whose thumb shows the part of a range that a plot shows, and
-// which the user can drag as usual or stretch by pulling either end, which
-// zooms. The thumb is at least 8 pixels long and can be grabbed at both ends.
-// Every scroll, of the platform's kinds (codes 0 to 7) or of an end (9 low end,
-// 10 high end), is told through Scrolled; the owner answers with OnScroll, as
-// ZoomScrollBarViewer does. The bar moves only then.
+/// \class CZoomScrollBar
+/// A scroll bar whose thumb shows the part of a range that a plot shows, and
+/// which the user can drag as usual or stretch by pulling either end, which
+/// zooms. The thumb is at least 8 pixels long and can be grabbed at both ends.
+/// Every scroll, of the platform's kinds (codes 0 to 7) or of an end (9 low end,
+/// 10 high end), is told through Scrolled; the owner answers with OnScroll, as
+/// ZoomScrollBarViewer does. The bar moves only then.
 
 #include <KORVAutlwin/toolkit/ZoomScrollState.h>
 

@@ -1,7 +1,8 @@
 #pragma once
-// The geometry of the colour popup and its keyboard navigation: boxes of the
-// named colours in eight columns, an optional default row above them and an
-// optional custom row below, and where the window stands on the screen.
+/// \class ColourPopupLayout
+/// The geometry of the colour popup and its keyboard navigation: boxes of the
+/// named colours in eight columns, an optional default row above them and an
+/// optional custom row below, and where the window stands on the screen.
 
 #include <QRect>
 #include <QSize>

@@ -1,7 +1,8 @@
 #pragma once
-// The named colours of the colour picker's popup, and the rules of the picker
-// that need no window: its messages, the automatic colour, the text it shows
-// for a colour, and the 16 custom colours kept in a settings section.
+/// \class ColourTable
+/// The named colours of the colour picker's popup, and the rules of the picker
+/// that need no window: its messages, the automatic colour, the text it shows
+/// for a colour, and the 16 custom colours kept in a settings section.
 
 #include <KORVAutlwin/toolkit/ColorRef.h>
 

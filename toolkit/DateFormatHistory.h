@@ -1,6 +1,7 @@
 #pragma once
-// The date formats a user gave recently, latest first, kept in one text value
-// ("Settings" of the key "DateTimeDefaults", items separated by ";").
+/// \class DateFormatHistory
+/// The date formats a user gave recently, latest first, kept in one text value
+/// ("Settings" of the key "DateTimeDefaults", items separated by ";").
 
 #include <string>
 #include <vector>

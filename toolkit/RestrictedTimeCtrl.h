@@ -1,8 +1,9 @@
 #pragma once
-// A date and time entry whose value snaps to a grid: `resolution` seconds apart,
-// anchored at a base time. Stepping a field up lands on the next grid time,
-// stepping down on the one before. Times are seconds since the epoch, shown in
-// local time.
+/// \class RestrictedTimeCtrl
+/// A date and time entry whose value snaps to a grid: `resolution` seconds apart,
+/// anchored at a base time. Stepping a field up lands on the next grid time,
+/// stepping down on the one before. Times are seconds since the epoch, shown in
+/// local time.
 
 #include <KORVAutlwin/toolkit/TimeResolution.h>
 

@@ -1,8 +1,9 @@
 #pragma once
-// The dialog that asks the user how to read a date the program could not parse
-// by itself: it shows the sample date, offers the recently used formats (latest
-// first, from "DateTimeDefaults") in an editable box, and explains the format
-// letters on demand. OK remembers the format given.
+/// \class SpecifyDateFormat
+/// The dialog that asks the user how to read a date the program could not parse
+/// by itself: it shows the sample date, offers the recently used formats (latest
+/// first, from "DateTimeDefaults") in an editable box, and explains the format
+/// letters on demand. OK remembers the format given.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

@@ -1,7 +1,8 @@
 #pragma once
-// An entry of a span of less than one day, "HH:mm:ss", whose value snaps to a
-// resolution in seconds and stays within a minimum (1 second at first) and a
-// maximum (23:59:59 at first).
+/// \class TimeSpanCtrl
+/// An entry of a span of less than one day, "HH:mm:ss", whose value snaps to a
+/// resolution in seconds and stays within a minimum (1 second at first) and a
+/// maximum (23:59:59 at first).
 
 #include <KORVAutlwin/toolkit/TimeResolution.h>
 

@@ -1,8 +1,9 @@
 #pragma once
-// Owns a horizontal and a vertical CZoomScrollBar and the size box between
-// them for one window, shows a bar only while its axis is zoomed, gives the
-// plot the room the bars leave, and turns scrolls and stretched thumbs into
-// zooms of the plot through its Zoomable.
+/// \class ZoomScrollBarViewer
+/// Owns a horizontal and a vertical CZoomScrollBar and the size box between
+/// them for one window, shows a bar only while its axis is zoomed, gives the
+/// plot the room the bars leave, and turns scrolls and stretched thumbs into
+/// zooms of the plot through its Zoomable.
 
 #include <KORVAutlwin/toolkit/CZoomScrollBar.h>
 #include <KORVAutlwin/toolkit/Zoomable.h>

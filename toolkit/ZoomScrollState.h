@@ -1,7 +1,8 @@
 #pragma once
-// The arithmetic of a zoom scroll bar, without a window: the scroll state in
-// units (minimum, maximum, page, position), the thumb in pixels with its ends
-// that the user can grab, and what scrolling and zooming do to the state.
+/// \class ZoomScrollState
+/// The arithmetic of a zoom scroll bar, without a window: the scroll state in
+/// units (minimum, maximum, page, position), the thumb in pixels with its ends
+/// that the user can grab, and what scrolling and zooming do to the state.
 
 #include <cstdint>
 

@@ -1,6 +1,7 @@
 #pragma once
-// What a zoomed plot offers the zoom scroll bars: its full extent, the part it
-// shows, and the way to show another part and to take the room the bars leave.
+/// \class Zoomable
+/// What a zoomed plot offers the zoom scroll bars: its full extent, the part it
+/// shows, and the way to show another part and to take the room the bars leave.
 
 class Zoomable
 {
