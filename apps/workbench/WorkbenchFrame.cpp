@@ -1,5 +1,6 @@
 #include "WorkbenchFrame.h"
 
+#include "AuditDemos.h"
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
@@ -137,6 +138,7 @@ void WorkbenchFrame::BuildMenus()
     AddPrintDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
+    AddAuditDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
