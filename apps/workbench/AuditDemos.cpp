@@ -66,7 +66,7 @@ void OpenView(TessmaMDIFrame& frame, AuditTrail* trail)
     view->setWindowTitle(QObject::tr("Audit Trail"));
     view->SetCmdMap({{"Settings", eDemoAuditTrailSettings}}, &frame);
     QMdiSubWindow* child = frame.AddMDIChild(view);
-    child->resize(620, 380);
+    child->setGeometry(0, 0, 640, 400);
     child->show();
     view->SetAuditTrail(trail);
 }
@@ -114,7 +114,7 @@ void OpenHtmlCommands(TessmaMDIFrame& frame)
                   "body { font-family: sans-serif; margin: 16px; }\nh2 { color: #1f3f6f; }\n"
                   "a { color: #1f5fbf; }");
     QMdiSubWindow* child = frame.AddMDIChild(view);
-    child->resize(480, 300);
+    child->setGeometry(0, 0, 480, 300);
     child->show();
 }
 
