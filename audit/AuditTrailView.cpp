@@ -10,6 +10,7 @@
 
 #include <KORVAutl/AuditTrail.h>
 
+#include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
@@ -193,6 +194,9 @@ bool AuditTrailView::PreTranslateMessage(QObject* window, QEvent* event)
         Refresh2(REFRESH_NORMAL);
         return true;
     case QEvent::ContextMenu:
+        // The mouse's menu comes with the button's release; the keyboard's is placed near the top left.
+        if (static_cast<QContextMenuEvent*>(event)->reason() != QContextMenuEvent::Mouse)
+            OnContextMenu(this, QPoint(-1, -1));
         return true;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:

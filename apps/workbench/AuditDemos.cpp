@@ -48,7 +48,14 @@ std::unique_ptr<Session> OpenSession(TsApp* app)
     session->trail->SetProjectName("Workbench");
     try {
         session->trail->Load();
-        if (session->trail->GetSettings().mLogEvents > 0) {
+        AuditTrailSettings& settings = session->trail->GetSettings();
+        if (settings.mLogEvents > 0 && settings.mPromptForExtendedUserInfo) {
+            bool disabled = false;
+            const std::string info = AuditTrailSettingsUI::EditExtendedUserInfo(&settings, disabled, nullptr);
+            if (!info.empty())
+                settings.mExtendedUserInfo = info;
+        }
+        if (settings.mLogEvents > 0) {
             session->trail->BeginSessionAndVerifySignature();
             session->trail->AddEvent("Workbench started.", nullptr, 0);
         }
