@@ -2,7 +2,7 @@
 /// \class AuditTrailSettingsUI
 /// The settings face of the audit trail, all static: the extended user
 /// information kept per user in the application profile (section
-/// "AuditTrail\ExtendedUserInfo", entry the user's login name, up to 255
+/// "AuditTrail\\ExtendedUserInfo", entry the user's login name, up to 255
 /// characters), the administrator's settings in the registry store merged into
 /// a user's, the prompt for the information and the trail's save dialog.
 

@@ -22,7 +22,7 @@ public:
     /// The resource for the browser version text `ieValue`: kStyleSheetResource when
     /// it is a number of 5.5 or more, else kPlainStyleSheetResource (also for null).
     static unsigned int ResourceForVersion(const char* ieValue);
-    /// The text of the value "IE" of "SOFTWARE\Microsoft\Internet Explorer\Version Vector\"
+    /// The text of the value "IE" of "SOFTWARE\\Microsoft\\Internet Explorer\\Version Vector\\"
     /// under HKEY_LOCAL_MACHINE; empty when it is missing.
     static std::string ReadBrowserVersion();
     /// Puts the style sheet beside `xmlPath`: a copy of "audit_trail.xsl" of

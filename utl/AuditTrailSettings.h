@@ -44,7 +44,7 @@ public:
     std::string mExtendedUserInfo;
 
     /// Takes the administrator's values over into `user`, by these rules, when
-    /// HKEY_LOCAL_MACHINE\<registryBase>\AuditTrail\ opens for reading:
+    /// HKEY_LOCAL_MACHINE\\`registryBase`\\AuditTrail\\ opens for reading:
     ///  - "LogEvents" when the user's is missing or 0, or the admin's is 2 or more;
     ///  - "PromptForExtendedUserInfo" and "LockedUI" when the user's is missing or false.
     /// Only values that exist in the key are copied. False when the key did not open.
