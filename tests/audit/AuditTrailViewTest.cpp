@@ -3,7 +3,7 @@
 // the trail's signals, F5 and "app:" rules, the view's menu, and the page's
 // events around turning the trail off and on.
 
-#include "frame/TestApplication.h"
+#include "workspace/html/BrowserTestSupport.h"
 #include "utl/MemorySection.h"
 
 #include <KORVAutlwin/audit/AuditTrailPage.h>
@@ -14,7 +14,6 @@
 #include <KORVAutlwin/frame/TsApp.h>
 #include <KORVAutlwin/platform/RegistryStore.h>
 #include <KORVAutlwin/platform/UserIdentity.h>
-#include <KORVAutlwin/workspace/IHTMLDocumentUtilities.h>
 
 #include <KORVAutl/AuditTrail.h>
 
@@ -25,20 +24,10 @@
 namespace {
 
 using korva::test::Application;
+using korva::test::Eval;
+using korva::test::Until;
 using korva::test::Control;
 using korva::test::WhenModal;
-
-bool Until(const std::function<bool()>& done, int ms = 20000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!done()) {
-        if (timer.elapsed() > ms)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
 
 class AuditTest : public ::testing::Test
 {
@@ -76,7 +65,7 @@ protected:
     QString Text()
     {
         Until([&] { return !mView->GetBusy(); });
-        return IHTMLDocument2(mView->GetPage()).Evaluate("document.body ? document.body.innerText : ''").toString();
+        return Eval(*mView, "document.body ? document.body.innerText : ''");
     }
     bool Shows(const char* text)
     {
@@ -100,7 +89,7 @@ TEST_F(AuditTest, ViewRendersTheTrailAndFollowsItsSessions)
     EXPECT_TRUE(Shows("Model fitted")) << Text().toStdString();
     EXPECT_TRUE(Text().contains("3 components"));
     // Rendered by the style sheet, not shown as the bare XML tree.
-    EXPECT_GT(IHTMLDocument2(view.GetPage()).Evaluate("document.getElementsByTagName('li').length").toInt(), 0);
+    EXPECT_GT(Eval(view, "document.getElementsByTagName('li').length").toInt(), 0);
     EXPECT_EQ(view.GetLocationURL(), "file://" + mDir.File("trail.xml"));
 
     // Off: the not-on page. On again: the file is navigated to anew, not refreshed.
@@ -217,22 +206,17 @@ TEST_F(AuditTest, ExtendedUserInfoIsKeptPerUserAndCancelFromAPageNeverAsks)
     QWidget parent;
     for (QWidget* owner : {&parent, static_cast<QWidget*>(nullptr)}) {
         SCOPED_TRACE(owner ? "from a page" : "at a session's start");
-        std::vector<QString> boxes;
-        WhenModal([&](QWidget* dialog) {
-            boxes.push_back(dialog->windowTitle());
-            WhenModal([&](QWidget* question) {
-                boxes.push_back(question->findChild<QLabel*>() ? "question" : "?");
-if (auto* yes = Control<QPushButton>(question, IDYES))
-                    yes->click();
-                else
-                    question->close();
-            }, std::chrono::milliseconds(1500));
-            static_cast<QDialog*>(dialog)->reject();
+        int boxes = 0;
+        WhenModal([&](QWidget* input) {
+            ++boxes;
+            WhenModal([&](QWidget* question) { ++boxes, Control<QPushButton>(question, IDYES)->click(); },
+                      std::chrono::milliseconds(1500));
+            static_cast<QDialog*>(input)->reject();
         });
         bool disabled = true;
         EXPECT_EQ(AuditTrailSettingsUI::EditExtendedUserInfo(&settings, disabled, owner), "");
         Until([] { return false; }, 1600);
-        EXPECT_EQ(boxes.size(), owner ? 1u : 2u);
+        EXPECT_EQ(boxes, owner ? 1 : 2);
         EXPECT_EQ(disabled, owner == nullptr);
         EXPECT_EQ(settings.mPromptForExtendedUserInfo, owner != nullptr);
     }

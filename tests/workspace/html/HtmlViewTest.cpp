@@ -2,8 +2,7 @@
 // document, the style sheet functions, "app:" links clicked with the mouse,
 // the view's own menu and keys, and the saved page.
 
-#include "frame/TestApplication.h"
-#include "utl/TempDir.h"
+#include "BrowserTestSupport.h"
 
 #include <KORVAutlwin/workspace/IHTMLDocumentUtilities.h>
 #include <KORVAutlwin/workspace/TsHtmlCtrl.h>
@@ -14,24 +13,9 @@
 namespace {
 
 using korva::test::Application;
+using korva::test::Eval;
+using korva::test::Until;
 using korva::test::WhenModal;
-
-bool Until(const std::function<bool()>& done, int ms = 20000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!done()) {
-        if (timer.elapsed() > ms)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
-
-QString Eval(TsHtmlView& view, const QString& script)
-{
-    return IHTMLDocument2(view.GetPage()).Evaluate(script).toString();
-}
 
 class RecordingView : public TsHtmlView
 {

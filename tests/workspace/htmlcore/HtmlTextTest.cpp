@@ -34,9 +34,6 @@ TEST(HtmlTextTest, RulesKeepTheirSelectorsOnlyWithABlankBeforeTheBrace)
     EXPECT_EQ(rules, expected);
     EXPECT_TRUE(HtmlText::IsAppCommand("APP:Run") && HtmlText::IsAppCommand("aPp:") && !HtmlText::IsAppCommand("ap:x"));
     EXPECT_EQ(HtmlText::ComposeSavedPage("t", "c", "<HTML><body/></HTML>"), "<HTML><body/></HTML>");
-    EXPECT_EQ(HtmlText::ComposeSavedPage("t", "p {}", "<body>x</body>"),
-              "<!DOCTYPE html PUBLIC \"-//W3C//DTD HTML 4.01 Transitional//EN\"><html><head><title>t</title>"
-              "<style type=\"text/css\"><!--p {}--></style></head><body>x</body></html>");
 }
 
 } // namespace
