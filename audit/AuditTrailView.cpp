@@ -182,6 +182,8 @@ void AuditTrailView::OnAppCmd(const char* command)
 
 bool AuditTrailView::PreTranslateMessage(QObject* window, QEvent* event)
 {
+    if (mAccelerators.Translate(event, this))
+        return true;
     if (!IsIEWindow(window) && window != GetBrowser())
         return false;
     switch (event->type()) {
@@ -246,6 +248,7 @@ void AuditTrailView::OnEditSelectAll()
 void AuditTrailView::OnInitialUpdate()
 {
     mInitialUpdateDone = true;
+    mAccelerators = AcceleratorTable::Load(kAccelerators);
     if (!mShown)
         LoadFromResource(mDefaultResource);
 }

@@ -14,6 +14,7 @@
 /// match) to the command target. A right click shows the view's own menu
 /// (menu resource 13352), whose print and save entries are grey without a trail.
 
+#include <KORVAutlwin/workspace/AcceleratorTable.h>
 #include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
 #include <boost/signals2/connection.hpp>
@@ -31,6 +32,7 @@ public:
     static constexpr unsigned int kNotOnResource = 13169;
     static constexpr unsigned int kContextMenu = 13352;
     static constexpr unsigned int ID_AUDIT_TRAIL_START = 13358;
+    static constexpr unsigned int kAccelerators = 21514;
 
     explicit AuditTrailView(QWidget* parent = nullptr);
     ~AuditTrailView() override;
@@ -50,7 +52,7 @@ public:
     void SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* target);
     static const char* GetXSLFileName();
 
-    /// Shows the default page unless something has been shown already.
+    /// Loads the accelerators, and shows the default page unless something has been shown already.
     void OnInitialUpdate();
     /// Posts the command mapped to `command`; an unknown one does nothing.
     virtual void OnAppCmd(const char* command);
@@ -85,6 +87,7 @@ private:
     unsigned int mDefaultResource = kDefaultResource;
     unsigned int mNotOnResource = kNotOnResource;
     bool mShown = false;
+    AcceleratorTable mAccelerators;
     std::map<std::string, unsigned int> mCmdMap;
     AuditTrail* mTrail = nullptr;
     bool mLoggingOn = true;

@@ -41,7 +41,7 @@ const DHtmlCommandRow TsHtmlView::m_commands[] = {
     {0, 0, 0, nullptr},
 };
 
-TsHtmlView::TsHtmlView(QWidget* parent) : HtmlBrowserView(parent)
+TsHtmlView::TsHtmlView(QWidget* parent) : HtmlBrowserView(parent), mAccelerators(AcceleratorTable::Load(kAccelerators))
 {
     OnCommand(ID_EDIT_SELECT_ALL, [this] { OnEditSelectAll(); });
     OnCommand(ID_FILE_SAVE_AS, [this] { OnFileSaveAs(); });
@@ -144,6 +144,8 @@ void TsHtmlView::OnAppCmd(const char* name)
 
 bool TsHtmlView::PreTranslateMessage(QObject* window, QEvent* event)
 {
+    if (mAccelerators.Translate(event, this))
+        return true;
     if (!IsIEWindow(window) && window != GetBrowser())
         return false;
     const QPoint topLeft = mapToGlobal(QPoint(0, 0));

@@ -11,6 +11,7 @@
 /// mouse button (on release) show the view's popup menu; the browser's own menu
 /// never shows, even when the popup menu is disabled.
 
+#include <KORVAutlwin/workspace/AcceleratorTable.h>
 #include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
 #include <map>
@@ -23,6 +24,8 @@ public:
     /// The menu resource of the popup menu by default; kNoPopupMenu shows none.
     static constexpr unsigned int kDefaultPopupMenuID = 16239;
     static constexpr unsigned int kNoPopupMenu = static_cast<unsigned int>(-1);
+    /// The accelerators tried first on every key.
+    static constexpr unsigned int kAccelerators = 21514;
 
     explicit TsHtmlView(QWidget* parent = nullptr);
     ~TsHtmlView() override;
@@ -74,6 +77,7 @@ private:
     void PrivateSetHTML();
 
     unsigned int mPopupMenuID = kDefaultPopupMenuID;
+    AcceleratorTable mAccelerators;
     std::map<std::string, unsigned int> mCmdMap;
     std::wstring mBody;
     std::wstring mStyle;

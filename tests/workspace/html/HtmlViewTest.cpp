@@ -124,6 +124,14 @@ TEST(HtmlViewTest, RightButtonAndKeysShowTheViewsMenuNotTheBrowsers)
     EXPECT_EQ(s.view->menus[0], std::make_pair(16239u, input->mapToGlobal(at)));
     EXPECT_EQ(s.view->menus[1].second, s.view->mapToGlobal(QPoint(0, 0)));
 
+    // F3 is none of the view's own keys: the accelerators make it the find command.
+    QString found;
+    WhenModal([&](QWidget* dialog) {
+        found = dialog->windowTitle();
+        QTimer::singleShot(100, dialog, [dialog] { dialog->close(); });
+    });
+    QTest::keyClick(input, Qt::Key_F3);
+    EXPECT_EQ(found, "Find");
     s.view->DisablePopupMenu();
     QMouseEvent release(QEvent::MouseButtonRelease, QPointF(at), QPointF(input->mapToGlobal(at)), Qt::RightButton,
                         Qt::NoButton, Qt::NoModifier);
