@@ -82,6 +82,8 @@ HtmlBrowserView::HtmlBrowserView(QWidget* parent) : QWidget(parent)
         return created;
     }();
     (void)handler;
+    // Printing is the browser host's own command, whatever a view's table says.
+    OnCommand(ID_FILE_PRINT, [this] { ExecWB(OLECMDID_PRINT, 0); });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     mBrowser = new QWebEngineView(this);

@@ -6,6 +6,8 @@
 /// (ExecWB), a before-navigate hook, a document-complete hook, and pages loaded
 /// from the HTML resources of the language module.
 ///
+/// The host prints the page on ID_FILE_PRINT.
+///
 /// Every event that reaches the browser's windows passes PreTranslateMessage
 /// first, so that a view can put the application's keys and menus in place of
 /// the browser's. Commands routed to the view (CmdTarget) that it has no handler
