@@ -4,6 +4,7 @@
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
 #include "FailureDemos.h"
+#include "FavouritesDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
@@ -137,6 +138,7 @@ void WorkbenchFrame::BuildMenus()
     AddPrintDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
+    AddFavouritesDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
