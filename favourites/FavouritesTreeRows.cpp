@@ -2,12 +2,15 @@
 
 #include <KORVAutlwin/favourites/FavouriteApplication.h>
 #include <KORVAutlwin/favourites/FavouriteBuilder.h>
+#include <KORVAutlwin/favourites/FavouriteFileItem.h>
 #include <KORVAutlwin/favourites/FavouriteFolderItem.h>
 #include <KORVAutlwin/favourites/FavouritesManager.h>
 #include <KORVAutlwin/favourites/SeparatorItem.h>
 
 #include <KORVAutl/ConfigurationSection.h>
 #include <KORVAutl/Exception.h>
+
+#include <QString>
 
 #include <memory>
 
@@ -18,6 +21,57 @@ FavouritesTreeRows::~FavouritesTreeRows()
 }
 
 std::vector<unsigned int> FavouritesTreeRows::GetToolbarIDs() const { return {}; }
+FavouriteRow* FavouritesTreeRows::GetSelectedItem() const { return nullptr; }
+void FavouritesTreeRows::SelectItem(FavouriteRow*) {}
+void FavouritesTreeRows::OnItemAdded(FavouriteRow*) {}
+
+void FavouritesTreeRows::AddToFavourites(FavouriteItem* item)
+{
+    if (!item)
+        return;
+    FavouriteRow* selected = GetSelectedItem();
+    const int defaultCollection = GetDefaultCollectionID(selected);
+    int collection = defaultCollection;
+    if (manager && !manager->OnAddToFavourites(item, collection))
+        return;
+
+    const std::string type = item->GetType();
+    FavouriteRow* anchor = selected ? selected : GetDefaultParent(type, defaultCollection);
+    const bool anchorIsFolder = anchor && IsTrueFolderNode(anchor);
+    FavouriteRow* parent = anchorIsFolder ? anchor : anchor ? GetParentItem(anchor) : nullptr;
+    FavouriteRow* after = anchorIsFolder ? nullptr : anchor;
+    if (collection != defaultCollection) {
+        parent = GetDefaultParent(type, collection);
+        after = nullptr;
+    } else if (anchorIsFolder && GetChildItem(anchor) && !(GetItemStyle(anchor) & kStyleExpanded)) {
+        // A closed folder keeps its content: the row goes behind it.
+        parent = GetParentItem(anchor);
+        after = anchor;
+    }
+
+    if (const auto* file = dynamic_cast<const FavouriteFileItem*>(item)) {
+        const QString path = QString::fromStdString(file->GetFileName());
+        FavouriteRow* end = parent ? GetNextSiblingItem(parent) : nullptr;
+        for (FavouriteRow* parentEnd = parent; !end && parentEnd; parentEnd = GetParentItem(parentEnd))
+            end = GetNextSiblingItem(parentEnd);
+        for (FavouriteRow* row = parent ? GetChildItem(parent) : GetRootItem(); row && row != end;
+             row = GetNextItem(row)) {
+            const auto* there = dynamic_cast<const FavouriteFileItem*>(GetFavouriteItem(row));
+            if (there && path.compare(QString::fromStdString(there->GetFileName()), Qt::CaseInsensitive) == 0) {
+                SelectItem(row);
+                delete item;
+                return;
+            }
+        }
+    }
+
+    FavouriteRow* row = InsertItem(item->GetName(), parent, after);
+    SetItemData(row, new FavouriteTreeNode{item, collection});
+    SetIcons(row, item);
+    OnItemAdded(row);
+    if (manager)
+        manager->OnFavouritesChanged(collection);
+}
 
 void FavouritesTreeRows::SetFavouritesManager(FavouritesManager* newManager)
 {

@@ -71,7 +71,24 @@ public:
     /// view sets them, a tree without one has none.
     virtual std::vector<unsigned int> GetToolbarIDs() const;
 
+    /// The selected row (the first of several); null where nothing is selected
+    /// or the tree has no selection.
+    virtual FavouriteRow* GetSelectedItem() const;
+    /// Makes `row` the selected row and brings it into view; nothing here.
+    virtual void SelectItem(FavouriteRow* row);
+    /// AddToFavourites made `row`: a visible tree selects it, brings it into
+    /// view and starts renaming a new folder. Nothing here.
+    virtual void OnItemAdded(FavouriteRow* row);
+
     // --- The favourites rules ----------------------------------------------
+
+    /// Adds `item` as a new row, taking it: beside the selected row, or in the
+    /// default parent of its type when nothing is selected; into a true folder
+    /// at its end. The manager's OnAddToFavourites may move it to another
+    /// collection or refuse it (the item then stays the caller's). A document
+    /// that is already among the rows of that parent is selected instead, and
+    /// the item is deleted. Then the manager hears OnFavouritesChanged.
+    void AddToFavourites(FavouriteItem* item);
 
     /// Writes the rows of `collection` into `section` (`store`), or reads a
     /// favourites file's items from it into new rows of `collection`. An

@@ -127,3 +127,41 @@ TEST(FavouritesManager, OpenGathersFailuresAndTilesOnlyNewFrames)
     }
     application = FavouriteApplication();
 }
+
+TEST(FavouritesManager, AddToFavouritesFindsTheDefaultParent)
+{
+    // Documents go to collection 1, commands to 2.
+    struct Manager : FavouritesManager
+    {
+        std::vector<int> changed;
+        bool OnAddToFavourites(FavouriteItem* item, int& collection) override
+        {
+            collection = item->GetType() == "CommandItem" ? 2 : 1;
+            return item->GetName() != "refused";
+        }
+        void OnFavouritesChanged(int collection) override { changed.push_back(collection); }
+    } manager;
+    FavouritesDocument tree;
+    tree.SetFavouritesManager(&manager);
+    FavouriteRow* documents = tree.InsertItem("Documents", nullptr, nullptr);
+    auto* folder = new FavouriteFolderItem("Documents", nullptr);
+    folder->SetDefaultItemType("FileItem");
+    tree.SetItemData(documents, new FavouriteTreeNode{folder, 1});
+    FavouriteRow* commands = tree.InsertItem("Commands", nullptr, nullptr);
+    tree.SetItemData(commands, new FavouriteTreeNode{new FavouriteFolderItem("Commands", nullptr), 2});
+
+    tree.AddToFavourites(new FavouriteFileItem("Wheat", "/data/Wheat.tsx"));
+    tree.AddToFavourites(new FavouriteFileItem("Wheat again", "/DATA/wheat.tsx"));
+    tree.AddToFavourites(new FavouriteCommandItem("Fit", 5));
+    // A closed folder with children keeps them: the next row goes behind it.
+    tree.AddToFavourites(new FavouriteCommandItem("Plot", 6));
+    FavouriteFileItem refused("refused", "/r");
+    tree.AddToFavourites(&refused);
+
+    std::string rows;
+    for (FavouriteRow* row = tree.GetRootItem(); row; row = tree.GetNextItem(row))
+        rows += std::to_string(tree.GetIndentLevel(row)) + tree.GetItemText(row) + ":" +
+                std::to_string(tree.GetItemData(row)->collection) + " ";
+    EXPECT_EQ(rows, "0Documents:1 1Wheat:1 0Commands:2 1Fit:2 0Plot:2 ");
+    EXPECT_EQ(manager.changed, (std::vector<int>{1, 2, 2}));
+}
