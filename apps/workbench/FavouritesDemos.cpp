@@ -3,6 +3,8 @@
 #include "WorkspaceDemos.h"
 
 #include <KORVAutl/Exception.h>
+#include <KORVAutlwin/favourites/AddCommandToFavouritesDlg.h>
+#include <KORVAutlwin/favourites/CommandsListBox.h>
 #include <KORVAutlwin/favourites/FavouriteApplication.h>
 #include <KORVAutlwin/favourites/FavouriteCommandItem.h>
 #include <KORVAutlwin/favourites/FavouriteFileItem.h>
@@ -13,10 +15,12 @@
 #include <KORVAutlwin/frame/TsApp.h>
 
 #include <QFile>
+#include <QListWidget>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QObject>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QVBoxLayout>
 
 #include <filesystem>
@@ -115,6 +119,45 @@ void OpenSeveral()
     manager.Open(&items);
 }
 
+// The user's favourites while the workbench runs, and the dialog that adds
+// commands of the edit menu and of the workspace's tab menu to them.
+class CommandFavourites : public FavouritesManager
+{
+public:
+    explicit CommandFavourites(TessmaMDIFrame& frame) : frame(frame)
+    {
+        tree.SetToolBarIDs({kFavouritesDemoToolBar});
+        tree.SetFavouritesManager(this);
+    }
+
+    void ShowDialog()
+    {
+        static const unsigned int menus[] = {30620, kWorkspaceTabMenu};
+        if (!dialog) {
+            dialog = new AddCommandToFavouritesDlg(&tree, menus, 2, &frame);
+            dialog->setAttribute(Qt::WA_DeleteOnClose);
+            // Open on the tab menu's commands, which have tool bar pictures.
+            dialog->GetCategories()->setCurrentRow(1);
+            dialog->GetCommands()->setCurrentRow(0);
+        }
+        dialog->show();
+        dialog->raise();
+    }
+
+    void OnFavouritesChanged(int) override
+    {
+        std::string names;
+        for (FavouriteRow* row = tree.GetRootItem(); row; row = tree.GetNextItem(row))
+            names += (names.empty() ? "" : ", ") + tree.GetItemText(row);
+        frame.SetMessageText("Favourite commands: " + names);
+    }
+
+private:
+    TessmaMDIFrame& frame;
+    FavouritesDocument tree;
+    QPointer<AddCommandToFavouritesDlg> dialog;
+};
+
 } // namespace
 
 void AddFavouritesDemos(TessmaMDIFrame& frame)
@@ -122,6 +165,7 @@ void AddFavouritesDemos(TessmaMDIFrame& frame)
     QMenu* menu = frame.AddCommandMenu(QObject::tr("Fa&vourites"));
     frame.AddCommand(menu, eDemoFavouritesFile, QObject::tr("&Save and read back a favourites file"));
     frame.AddCommand(menu, eDemoOpenFavourites, QObject::tr("&Open several favourites"));
+    frame.AddCommand(menu, eDemoAddCommands, QObject::tr("&Add commands to favourites..."));
 
     TessmaMDIFrame* target = &frame;
     // Documents that favourites open come up as text windows here.
@@ -132,4 +176,8 @@ void AddFavouritesDemos(TessmaMDIFrame& frame)
     };
     frame.OnCommand(eDemoFavouritesFile, [target] { SaveAndReadBack(*target); });
     frame.OnCommand(eDemoOpenFavourites, [] { OpenSeveral(); });
+    // Lives as long as the frame, which owns the dialog.
+    auto* favourites = new CommandFavourites(frame);
+    QObject::connect(&frame, &QObject::destroyed, [favourites] { delete favourites; });
+    frame.OnCommand(eDemoAddCommands, [favourites] { favourites->ShowDialog(); });
 }
