@@ -77,6 +77,12 @@ TEST(FavouritesFile, RowsOfOneCollectionComeBackAsTheyWere)
     EXPECT_TRUE(manager.LoadFavourites(file, 8));
     EXPECT_EQ(back.GetCount(), 11);
     EXPECT_EQ(Describe(back).substr(Describe(back).find('-')), "-|0 Spectra 3|1 Wheat 0|1 Models 2 2|2 Fit 0|0 Rye 0|");
+    // The separator belongs to collection 8 but is never written.
+    ASSERT_TRUE(manager.SaveFavourites(dir.File("eight.xml"), 8));
+    EXPECT_EQ(std::unique_ptr<ConfigurationSection>(XMLSection(dir.File("eight.xml").c_str(), false)
+                                                        .CopyAndChangeSubSection("Favourites"))
+                  ->NumSubSections("FavouriteItem"),
+              5);
     manager.DeleteFavouriteNode(8);
     EXPECT_EQ(back.GetCount(), 5);
 }
