@@ -128,6 +128,13 @@ int PropertyListCtrl::MeasureItem(PropertyItem* item)
     const bool category = dynamic_cast<PropertyItemCategory*>(item) != nullptr;
     const QFontMetrics metrics(category ? CategoryFont() : font());
     const int textHeight = TextHeight(metrics);
+    // A widget that was never sized (before its layout places it) has no width
+    // to wrap to yet; the first real size measures every row again.
+    if (!testAttribute(Qt::WA_Resized)) {
+        mMeasuredWidth = -1;
+        const std::string name = item->GetShowName();
+        return textHeight * (1 + static_cast<int>(std::count(name.begin(), name.end(), '\n'))) + 4;
+    }
 
     const QRect client = GetClientRect();
     const int right = client.left() + client.width();
@@ -146,15 +153,13 @@ int PropertyListCtrl::MeasureItem(PropertyItem* item)
 
 void PropertyListCtrl::RemeasureAll()
 {
+    mMeasuredWidth = GetClientRect().width();
     for (Row& row : mRows)
         row.height = MeasureItem(row.item);
-    mMeasuredWidth = GetClientRect().width();
 }
 
 void PropertyListCtrl::OnRowsChanged()
 {
-    if (mMeasuredWidth < 0)
-        mMeasuredWidth = GetClientRect().width();
     UpdateScrollBar();
     update();
 }

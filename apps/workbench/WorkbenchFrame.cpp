@@ -4,6 +4,7 @@
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
 #include "ProgressDemos.h"
+#include "PropertyDemos.h"
 #include "UserCommDemos.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
@@ -127,6 +128,7 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddPropertyDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
