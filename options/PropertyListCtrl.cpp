@@ -75,6 +75,8 @@ QFont PropertyListCtrl::CategoryFont() const
 
 QRect PropertyListCtrl::GetClientRect() const
 {
+    if (mLayoutDirty)
+        const_cast<PropertyListCtrl*>(this)->UpdateScrollBar();
     const int scroll = mScrollBar->isVisible() ? mScrollBar->width() : 0;
     const int details = mShowDetails ? msDetailsHeight : 0;
     return QRect(0, 0, std::max(0, width() - scroll), std::max(0, height() - details));
@@ -123,10 +125,18 @@ int PropertyListCtrl::ItemFromPoint(QPoint point) const
     return -1;
 }
 
+const QFontMetrics& PropertyListCtrl::Metrics(bool category) const
+{
+    std::unique_ptr<QFontMetrics>& metrics = category ? mCategoryMetrics : mMetrics;
+    if (!metrics)
+        metrics = std::make_unique<QFontMetrics>(category ? CategoryFont() : font());
+    return *metrics;
+}
+
 int PropertyListCtrl::MeasureItem(PropertyItem* item)
 {
     const bool category = dynamic_cast<PropertyItemCategory*>(item) != nullptr;
-    const QFontMetrics metrics(category ? CategoryFont() : font());
+    const QFontMetrics& metrics = Metrics(category);
     const int textHeight = TextHeight(metrics);
     // A widget that was never sized (before its layout places it) has no width
     // to wrap to yet; the first real size measures every row again.
@@ -144,7 +154,7 @@ int PropertyListCtrl::MeasureItem(PropertyItem* item)
 
     std::string name = item->GetShowName();
     std::replace(name.begin(), name.end(), '\n', ' ');
-    if (width > 0)
+    if (width > 0 && metrics.horizontalAdvance(QString::fromStdString(name)) > width)
         LimitLineLength::ByPixels(name, metrics, width);
     item->SetShowName(name.c_str());
     const int lines = 1 + static_cast<int>(std::count(name.begin(), name.end(), '\n'));
@@ -155,12 +165,13 @@ void PropertyListCtrl::RemeasureAll()
 {
     mMeasuredWidth = GetClientRect().width();
     for (Row& row : mRows)
-        row.height = MeasureItem(row.item);
+        row.height = kUnmeasured;
 }
 
 void PropertyListCtrl::OnRowsChanged()
 {
-    UpdateScrollBar();
+    // Laid out when next asked: a fill inserts rows a hundred times in a row.
+    mLayoutDirty = true;
     update();
 }
 
@@ -178,6 +189,7 @@ int PropertyListCtrl::LastTopIndex() const
 
 void PropertyListCtrl::UpdateScrollBar()
 {
+    mLayoutDirty = false;
     const int last = LastTopIndex();
     const bool needed = last > 0;
     const int details = mShowDetails ? msDetailsHeight : 0;
@@ -440,6 +452,8 @@ void PropertyListCtrl::resizeEvent(QResizeEvent*)
 void PropertyListCtrl::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::FontChange) {
+        mMetrics.reset();
+        mCategoryMetrics.reset();
         RemeasureAll();
         UpdateScrollBar();
         update();

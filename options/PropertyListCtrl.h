@@ -7,9 +7,11 @@
 #include <KORVAutlwin/options/PropertyListModel.h>
 
 #include <QFont>
+#include <QFontMetrics>
 #include <QRect>
 #include <QWidget>
 
+#include <memory>
 #include <string>
 
 class QScrollBar;
@@ -84,8 +86,12 @@ private:
     void MoveSelection(int index);
     void RemeasureAll();
     QFont CategoryFont() const;
+    const QFontMetrics& Metrics(bool category) const;
 
     QScrollBar* mScrollBar;
     int mTopIndex = 0;
     int mMeasuredWidth = -1;
+    bool mLayoutDirty = true;
+    mutable std::unique_ptr<QFontMetrics> mMetrics;
+    mutable std::unique_ptr<QFontMetrics> mCategoryMetrics;
 };

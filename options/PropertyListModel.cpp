@@ -22,7 +22,7 @@ int PropertyListModel::InsertPropertyItem(PropertyItem* item, int index)
         index = GetCount();
     if (index < 0 || index > GetCount())
         return -1;
-    mRows.insert(mRows.begin() + index, Row{item, MeasureItem(item)});
+    mRows.insert(mRows.begin() + index, Row{item, kUnmeasured});
     if (mCurSel >= index)
         ++mCurSel;
     OnRowsChanged();
@@ -92,7 +92,7 @@ void PropertyListModel::DoExpand(PropertyItemCategory* category, int& index)
         std::vector<Row> children;
         children.reserve(category->GetNumItems());
         for (PropertyItem* child : *category)
-            children.push_back(Row{child, MeasureItem(child)});
+            children.push_back(Row{child, kUnmeasured});
         mRows.insert(mRows.begin() + first, children.begin(), children.end());
         if (mCurSel >= first)
             mCurSel += static_cast<int>(children.size());
@@ -185,6 +185,14 @@ bool PropertyListModel::SetCurrentData()
 }
 
 void PropertyListModel::NoInPlaceControl() { mInPlaceControl = nullptr; }
+
+int PropertyListModel::GetRowHeight(int index) const
+{
+    Row& row = mRows[static_cast<size_t>(index)];
+    if (row.height == kUnmeasured)
+        row.height = const_cast<PropertyListModel*>(this)->MeasureItem(row.item);
+    return row.height;
+}
 
 int PropertyListModel::MeasureItem(PropertyItem*) { return 0; }
 

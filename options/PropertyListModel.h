@@ -71,8 +71,8 @@ public:
     virtual void NoInPlaceControl();
     QWidget* GetInPlaceControl() const { return mInPlaceControl; }
 
-    /// The height of row `index` as measured when it was inserted.
-    int GetRowHeight(int index) const { return mRows[static_cast<size_t>(index)].height; }
+    /// The height of row `index`, measured (MeasureItem) when it is first asked for.
+    int GetRowHeight(int index) const;
 
 protected:
     /// The height of a new row showing `item`; the base measures nothing (0).
@@ -80,6 +80,8 @@ protected:
     /// Called after rows were inserted or removed.
     virtual void OnRowsChanged();
 
+    /// A row's height before MeasureItem has run for it.
+    static constexpr int kUnmeasured = -1;
     struct Row
     {
         PropertyItem* item;
@@ -90,7 +92,9 @@ protected:
     PropertyItemManager* mManager = nullptr;
     bool mShowDetails = true;
     bool mFrameDirty = true;
-    std::vector<Row> mRows;
+    // Rows are measured lazily: thousands of rows inserted at once cost nothing
+    // until they are shown.
+    mutable std::vector<Row> mRows;
     int mCurSel = -1;
     PropertyListCtrl* mSelf;
 };

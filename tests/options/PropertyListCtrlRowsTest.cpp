@@ -129,12 +129,13 @@ TEST_F(GridFixture, LongCaptionsWrapIntoTallerRowsAndAreWrappedAfreshOnResize)
     grid->SetPropertyItemManager(&manager);
     const int row = RowOf(50);
     const int oneLine = grid->GetRowHeight(RowOf(eName));
+    const int height = grid->GetRowHeight(row);
     const std::string wrapped = long1->GetShowName();
     ASSERT_NE(wrapped.find('\n'), std::string::npos);
     const int lines = 1 + static_cast<int>(std::count(wrapped.begin(), wrapped.end(), '\n'));
-    EXPECT_EQ(grid->GetRowHeight(row), (oneLine - 4) * lines + 4);
+    EXPECT_EQ(height, (oneLine - 4) * lines + 4);
     grid->resize(900, grid->height()); // wide enough for one line: no line feed survives
-    EXPECT_EQ(std::string(long1->GetShowName()).find('\n'), std::string::npos);
     EXPECT_EQ(grid->GetRowHeight(row), oneLine);
+    EXPECT_EQ(std::string(long1->GetShowName()).find('\n'), std::string::npos);
     EXPECT_STREQ(long1->GetName(), "Number of latent variables kept in the final calibration model");
 }
