@@ -4,7 +4,9 @@
 #include <KORVAutlwin/options/PropertyItemCategory.h>
 #include <KORVAutlwin/options/PropertyItemColorPopup.h>
 #include <KORVAutlwin/options/PropertyItemCustomList.h>
+#include <KORVAutlwin/options/PropertyItemFilePath.h>
 #include <KORVAutlwin/options/PropertyItemFloat.h>
+#include <KORVAutlwin/options/PropertyItemFolderPath.h>
 #include <KORVAutlwin/options/PropertyItemListYesNo.h>
 #include <KORVAutlwin/options/PropertyItemManager.h>
 #include <KORVAutlwin/options/PropertyItemNegNumber.h>
@@ -17,6 +19,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -31,6 +35,24 @@ inline QApplication* Application()
     static char name[] = "options_tests";
     static char* argv[] = {name, nullptr};
     return new QApplication(argc, argv);
+}
+
+/// Calls `action` with the modal dialog as soon as one is up (for at most five
+/// seconds, after which any dialog still up is rejected, so no test can hang).
+inline void WhenModal(std::function<void(QDialog*)> action)
+{
+    auto* timer = new QTimer;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    QObject::connect(timer, &QTimer::timeout, [timer, action, deadline] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (dialog && dialog->isVisible())
+            action(dialog);
+        else if (std::chrono::steady_clock::now() < deadline)
+            return;
+        timer->deleteLater();
+        timer->stop();
+    });
+    timer->start(20);
 }
 
 /// Remembers every commit it is told of.
@@ -63,6 +85,8 @@ enum : unsigned int
     eSave,
     eMethod,
     eColour,
+    eFolder,
+    eFile,
     eHidden
 };
 
@@ -86,6 +110,9 @@ protected:
         method = new PropertyItemCustomList("Method", eMethod, "");
         choices->AddPropertyItem(method);
         choices->AddPropertyItem(new PropertyItemColorPopup("Colour", eColour, ""));
+        PropertyItemCategory* files = manager.AddPropertyCategory("Files", "", true);
+        files->AddPropertyItem(new PropertyItemFolderPath("Data folder", eFolder, ""));
+        files->AddPropertyItem(new PropertyItemFilePath("Report file", eFile, ""));
         PropertyItemCategory* closed = manager.AddPropertyCategory("Advanced", "", false);
         closed->AddPropertyItem(new PropertyItemString("Hidden", eHidden, ""));
         grid->SetPropertyItemManager(&manager);

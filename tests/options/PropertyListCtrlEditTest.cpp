@@ -165,12 +165,10 @@ TEST_F(GridFixture, ColourRowTakesTheDialogsChoiceAndRebuildsItsControl)
     auto* control = qobject_cast<PropertyInPlaceBrowseForColor*>(grid->GetInPlaceControl());
     ASSERT_NE(control, nullptr);
     EXPECT_EQ(control->x(), grid->GetItemValueRect(RowOf(eColour)).left() + 33); // the swatch stays free
-    QTimer::singleShot(50, [] {
-        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        dialog->setCurrentColor(QColor(10, 20, 30));
-        dialog->accept();
+    WhenModal([](QDialog* modal) {
+        if (auto* dialog = qobject_cast<QColorDialog*>(modal))
+            dialog->setCurrentColor(QColor(10, 20, 30));
+        modal->accept();
     });
     QTest::mouseClick(control->GetButton(), Qt::LeftButton);
     COLORREF colour = 0;

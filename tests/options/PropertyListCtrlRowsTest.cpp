@@ -58,11 +58,11 @@ TEST_F(GridFixture, CategoryKeysCollapseAndExpandAndAreConsumed)
 
 TEST_F(GridFixture, LetterSearchWrapsAndAMissStillConsumesTheKey)
 {
-    // General, Name, Count, Offset, Scale, Choices, Save, Method, Colour, Advanced
+    // General, Name, Count, Offset, Scale, Choices, Save, Method, Colour, Files, Data folder, Report file, Advanced
     const std::pair<Qt::Key, const char*> rows[] = {
         {Qt::Key_C, "Count"}, // wrapped past the last row
         {Qt::Key_C, "Choices"}, {Qt::Key_C, "Colour"}, {Qt::Key_C, "Count"}, {Qt::Key_S, "Scale"},
-        {Qt::Key_S, "Save"},    {Qt::Key_Q, "Save"},   {Qt::Key_A, "Advanced"},
+        {Qt::Key_S, "Save"},    {Qt::Key_Q, "Save"},   {Qt::Key_R, "Report file"}, {Qt::Key_A, "Advanced"},
         {Qt::Key_A, "Advanced"}, // the only one: found again from the row after it
     };
     ClickRow(grid->GetCount() - 1); // Advanced, the last row
