@@ -40,7 +40,6 @@ TEST_F(GridFixture, PathRowsTakeTypedTextAndTheBrowsersChoice)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.title);
         // Typed text commits when the edit hands the focus back (Return).
-        // (In the folder of the choice below, so that the browser starts there.)
         const QString typed = folder.filePath("typed");
         QLineEdit* edit = TypeInto(row.id, typed.toUtf8().constData());
         ASSERT_NE(edit, nullptr);
@@ -58,7 +57,12 @@ TEST_F(GridFixture, PathRowsTakeTypedTextAndTheBrowsersChoice)
             }
             title = dialog->windowTitle();
             accept = dialog->labelText(QFileDialog::Accept);
-            dialog->selectFile(row.chosen);
+            // Typed as a user would: selectFile leaves a focused name field alone.
+            auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            if (name)
+                name->setText(row.chosen);
+            else
+                dialog->selectFile(row.chosen);
             static_cast<QDialog*>(dialog)->accept();
         });
         manager.changes.clear();
