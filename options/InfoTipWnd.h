@@ -3,6 +3,7 @@
 
 #include <QLabel>
 
+/// A small tip window that shows a short message by the mouse pointer.
 class InfoTipWnd : public QLabel
 {
     Q_OBJECT

@@ -4,6 +4,7 @@
 #include <KORVAutlwin/options/PropertyInPlaceEditAndBrowse.h>
 #include <KORVAutlwin/toolkit/ColorRef.h>
 
+/// The in-place control of colour rows: the channels as text, and a colour dialog behind "...".
 class PropertyInPlaceBrowseForColor : public PropertyInPlaceEditAndBrowse
 {
     Q_OBJECT

@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyInPlaceEditAndBrowse.h>
 
+/// The in-place control of file path rows: the path, and a file dialog ("Select File") behind "...".
 class PropertyInPlaceBrowseForFile : public PropertyInPlaceEditAndBrowse
 {
     Q_OBJECT

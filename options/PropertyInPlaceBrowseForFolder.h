@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyInPlaceEditAndBrowse.h>
 
+/// The in-place control of folder path rows: the path, and a folder dialog ("Select Folder") behind "...".
 class PropertyInPlaceBrowseForFolder : public PropertyInPlaceEditAndBrowse
 {
     Q_OBJECT

@@ -68,6 +68,7 @@ private:
     PropertyInPlaceComboBox* mCombo;
 };
 
+/// The in-place combo of list rows: display, drop-down button and a list hanging below the grid.
 class PropertyInPlaceComboBox : public QWidget
 {
     Q_OBJECT

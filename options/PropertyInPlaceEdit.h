@@ -16,6 +16,7 @@ using PropertyValidateFunc = void (*)(PropertyInPlaceEdit* edit, void* context);
 /// Digits only, as the number rows want.
 inline constexpr unsigned long ES_NUMBER = 0x2000;
 
+/// The in-place edit line of text and number rows; it commits when it loses the focus.
 class PropertyInPlaceEdit : public QLineEdit
 {
     Q_OBJECT

@@ -76,6 +76,12 @@ void PropertyInPlaceEditAndBrowse::SendSetData() { korva::SendSetData(mOwner ? m
 
 void PropertyInPlaceEditAndBrowse::Browse()
 {
+    // Reaching for the button ends the typing: what was typed is taken first,
+    // so the browser starts from it.
+    if (const std::string typed = mEdit->text().toStdString(); typed != mData) {
+        mData = typed;
+        SendSetData();
+    }
     mBrowsing = true;
     const bool chosen = OnBrowse();
     mBrowsing = false;

@@ -27,6 +27,7 @@ private:
     PropertyInPlaceEditAndBrowse* mComposite;
 };
 
+/// An edit line with a "..." button that opens a browser; the base of the path and colour controls.
 class PropertyInPlaceEditAndBrowse : public QWidget
 {
     Q_OBJECT

@@ -13,6 +13,7 @@
 class QPainter;
 class QWidget;
 
+/// One row of a property grid: caption, property id and description; the base of every row kind.
 class PropertyItem
 {
 public:

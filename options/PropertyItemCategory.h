@@ -5,6 +5,7 @@
 
 #include <vector>
 
+/// A category row, owning the items shown below it.
 class PropertyItemCategory : public PropertyItem
 {
 public:

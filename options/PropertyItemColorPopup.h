@@ -5,6 +5,7 @@
 #include <KORVAutlwin/options/PropertyItem.h>
 #include <KORVAutlwin/toolkit/ColorRef.h>
 
+/// A row holding a colour (COLORREF), painted as a swatch and its channels.
 class PropertyItemColorPopup : public PropertyItem
 {
 public:

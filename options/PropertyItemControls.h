@@ -16,6 +16,7 @@ class PropertyItemFolderPath;
 class PropertyItemFilePath;
 class PropertyItemColorPopup;
 
+/// The window side of the property items: creates their in-place controls and reads values back.
 class PropertyItemControls
 {
 public:

@@ -7,6 +7,7 @@
 
 #include <vector>
 
+/// A list row whose entries the caller supplies.
 class PropertyItemCustomList : public PropertyItemList
 {
 public:

@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItem.h>
 
+/// A row holding a file path, chosen by typing or through a file dialog.
 class PropertyItemFilePath : public PropertyItem
 {
 public:

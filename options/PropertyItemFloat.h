@@ -5,6 +5,7 @@
 
 class PropertyInPlaceEdit;
 
+/// A row holding a 32-bit float.
 class PropertyItemFloat : public PropertyItem
 {
 public:

@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItem.h>
 
+/// A row holding a folder path, chosen by typing or through a folder dialog.
 class PropertyItemFolderPath : public PropertyItem
 {
 public:

@@ -4,6 +4,7 @@
 
 #include <KORVAutlwin/options/PropertyItemControls.h>
 
+/// The Qt implementation of PropertyItemControls, installed by the first PropertyListCtrl.
 class PropertyItemInPlaceControls : public PropertyItemControls
 {
 public:

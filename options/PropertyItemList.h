@@ -7,6 +7,7 @@
 
 class PropertyInPlaceComboBox;
 
+/// A row choosing one entry of a list by its index.
 class PropertyItemList : public PropertyItem
 {
 public:

@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItemList.h>
 
+/// A two-state row: disabled (false) or enabled (true).
 class PropertyItemListEnabledDisabled : public PropertyItemList
 {
 public:

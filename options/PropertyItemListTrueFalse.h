@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItemList.h>
 
+/// A two-state row: false or true.
 class PropertyItemListTrueFalse : public PropertyItemList
 {
 public:

@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItemList.h>
 
+/// A two-state row: no (false) or yes (true).
 class PropertyItemListYesNo : public PropertyItemList
 {
 public:

@@ -10,6 +10,7 @@ class PropertyItemCategory;
 class PropertyListCtrl;
 class PropertyListModel;
 
+/// Owns the categories of a property grid and is told after every edit.
 class PropertyItemManager
 {
 public:

@@ -6,6 +6,7 @@
 
 class PropertyInPlaceEdit;
 
+/// A number row that also takes negative numbers.
 class PropertyItemNegNumber : public PropertyItemNumber
 {
 public:

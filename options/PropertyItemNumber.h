@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItem.h>
 
+/// A row holding a signed 32-bit number.
 class PropertyItemNumber : public PropertyItem
 {
 public:

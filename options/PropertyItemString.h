@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/options/PropertyItem.h>
 
+/// A row holding a text.
 class PropertyItemString : public PropertyItem
 {
 public:

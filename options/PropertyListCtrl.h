@@ -16,6 +16,7 @@
 
 class QScrollBar;
 
+/// The property grid widget: categories and typed rows, an in-place control, and a details area.
 class PropertyListCtrl : public QWidget, public PropertyListModel
 {
     Q_OBJECT

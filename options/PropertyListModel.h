@@ -13,6 +13,7 @@ class PropertyItemManager;
 class PropertyListCtrl;
 class QWidget;
 
+/// The rows of a property grid without the window: selection, collapse and expand, search, commit.
 class PropertyListModel
 {
 public:

@@ -75,10 +75,13 @@ TEST_F(GridFixture, PathRowsTakeTypedTextAndTheBrowsersChoice)
         EXPECT_EQ(control->GetEdit()->text(), row.chosen);
         EXPECT_EQ(manager.changes.size(), 1u);
 
-        // A browse that is cancelled changes nothing.
+        // Reaching for the button takes what was typed; a cancelled browse keeps it.
+        const QString retyped = folder.filePath("retyped");
+        control->GetEdit()->selectAll();
+        QTest::keyClicks(control->GetEdit(), retyped);
         WhenModal([](QDialog* dialog) { dialog->reject(); });
         QTest::mouseClick(control->GetButton(), Qt::LeftButton);
-        EXPECT_EQ(PathOf(grid, RowOf(row.id)), row.chosen.toStdString());
+        EXPECT_EQ(PathOf(grid, RowOf(row.id)), retyped.toStdString());
         window->activateWindow(); // the offscreen platform gives it back to no one
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
         ClickRow(0);
