@@ -17,6 +17,7 @@
 #include <KORVAutlwin/options/PropertyListCtrl.h>
 
 #include <QDialog>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -194,6 +195,7 @@ void ShowDialog(QWidget* parent, bool dropDown)
 void AddPropertyDemos(TessmaMDIFrame& frame)
 {
     QMenu* menu = frame.AddCommandMenu(QObject::tr("P&roperties"));
+    frame.AddCommand(menu, eDemoPropertiesDock, QObject::tr("&Properties pane"));
     frame.AddCommand(menu, eDemoPropertiesPane, QObject::tr("Property &grid"));
     frame.AddCommand(menu, eDemoPropertiesDialog, QObject::tr("Property grid in a &dialog"));
     frame.AddCommand(menu, eDemoPropertiesDropDown, QObject::tr("Property grid with a &drop-down open"));
@@ -202,6 +204,19 @@ void AddPropertyDemos(TessmaMDIFrame& frame)
         QMdiSubWindow* child = target->AddMDIChild(new PropertiesPane);
         child->resize(460, 520);
         child->show();
+    });
+    frame.OnCommand(eDemoPropertiesDock, [target] {
+        auto* dock = target->findChild<QDockWidget*>(QStringLiteral("PropertiesPane"));
+        if (!dock) {
+            dock = new QDockWidget(QObject::tr("Properties"), target);
+            dock->setObjectName(QStringLiteral("PropertiesPane")); // its place is kept with the frame's
+            dock->setWidget(new PropertiesPane(dock));
+            dock->setMinimumWidth(320);
+            target->addDockWidget(Qt::RightDockWidgetArea, dock);
+            dock->show();
+            return;
+        }
+        dock->setVisible(!dock->isVisible());
     });
     frame.OnCommand(eDemoPropertiesDialog, [target] { ShowDialog(target, false); });
     frame.OnCommand(eDemoPropertiesDropDown, [target] { ShowDialog(target, true); });
