@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOption>
 
@@ -101,8 +102,25 @@ PropertyInPlaceComboBoxListBox::PropertyInPlaceComboBoxListBox(PropertyInPlaceCo
     setSelectionMode(QAbstractItemView::SingleSelection);
 }
 
+bool PropertyInPlaceComboBoxListBox::ForwardToScrollBar(QEvent::Type type, QPoint pos, Qt::MouseButtons buttons)
+{
+    // The capture brings the scroll bar's clicks here; hand them on, and the
+    // drag that follows a press on it, so that long lists can be scrolled.
+    QScrollBar* bar = verticalScrollBar();
+    const QPoint at = bar->mapFrom(this, pos);
+    if (!mScrolling && !(type == QEvent::MouseButtonPress && bar->isVisible() && bar->rect().contains(at)))
+        return false;
+    mScrolling = type != QEvent::MouseButtonRelease;
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent forwarded(type, at, bar->mapToGlobal(at), button, buttons, Qt::NoModifier);
+    QApplication::sendEvent(bar, &forwarded);
+    return true;
+}
+
 bool PropertyInPlaceComboBoxListBox::OnMouse(QEvent::Type type, QPoint pos, Qt::MouseButtons buttons)
 {
+    if (ForwardToScrollBar(type, pos, buttons))
+        return true;
     const bool inside = rect().contains(pos);
     const QPoint inViewport = viewport()->mapFrom(this, pos);
     switch (type) {

@@ -62,10 +62,13 @@ protected:
 private:
     // Mouse events at `pos`, in the list's own coordinates.
     bool OnMouse(QEvent::Type type, QPoint pos, Qt::MouseButtons buttons);
+    // Presses on the scroll bar, and the drag after one, go to it; true when they did.
+    bool ForwardToScrollBar(QEvent::Type type, QPoint pos, Qt::MouseButtons buttons);
     void Choose();
     void Cancel();
 
     PropertyInPlaceComboBox* mCombo;
+    bool mScrolling = false;
 };
 
 /// The in-place combo of list rows: display, drop-down button and a list hanging below the grid.

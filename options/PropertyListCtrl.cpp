@@ -469,7 +469,10 @@ void PropertyListCtrl::mousePressEvent(QMouseEvent* event)
     }
     // The list takes the focus first, so that a pending edit commits before the selection moves.
     setFocus(Qt::MouseFocusReason);
-    const int row = ItemFromPoint(event->position().toPoint());
+    // Below the last row the list takes the last row, as list boxes do.
+    int row = ItemFromPoint(event->position().toPoint());
+    if (row < 0)
+        row = GetCount() - 1;
     if (row >= 0)
         MoveSelection(row);
     if (event->position().x() < 17)
@@ -483,7 +486,9 @@ void PropertyListCtrl::mouseDoubleClickEvent(QMouseEvent* event)
         return;
     }
     setFocus(Qt::MouseFocusReason);
-    const int row = ItemFromPoint(event->position().toPoint());
+    int row = ItemFromPoint(event->position().toPoint());
+    if (row < 0)
+        row = GetCount() - 1;
     if (row >= 0)
         MoveSelection(row);
     PropertyItem* item = GetPropertyItem(mCurSel);
@@ -539,11 +544,14 @@ void PropertyListCtrl::keyPressEvent(QKeyEvent* event)
         return;
     }
     const int page = std::max(1, mScrollBar->pageStep());
+    // As in any single-column list, Left and Right step like Up and Down.
     switch (key) {
     case Qt::Key_Up:
+    case Qt::Key_Left:
         MoveSelection(std::max(0, mCurSel - 1));
         break;
     case Qt::Key_Down:
+    case Qt::Key_Right:
         MoveSelection(std::min(count - 1, mCurSel + 1));
         break;
     case Qt::Key_PageUp:

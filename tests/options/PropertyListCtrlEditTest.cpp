@@ -113,6 +113,14 @@ TEST_F(GridFixture, ComboListHangsBelowTheGridWithAtMostEightRows)
         EXPECT_EQ(drop->width(), combo->width() - 1);
         EXPECT_EQ(drop->geometry().top(), combo->mapTo(parent, QPoint(0, combo->height())).y());
         if (entries >= 9) {
+            // The captured list still scrolls by its scroll bar's arrow.
+            QScrollBar* bar = drop->verticalScrollBar();
+            ASSERT_TRUE(bar->isVisible());
+            const QPoint arrow = bar->mapTo(drop, QPoint(bar->width() / 2, bar->height() - 3));
+            QTest::mouseClick(drop, Qt::LeftButton, {}, arrow);
+            EXPECT_GT(bar->value(), 0);
+            EXPECT_TRUE(drop->isVisible());
+            bar->setValue(0);
             // A click on an entry takes it; the list closes and the row commits.
             const QRect third = drop->visualItemRect(drop->item(2));
             QTest::mouseClick(drop->viewport(), Qt::LeftButton, {}, third.center());

@@ -32,6 +32,14 @@ TEST_F(GridFixture, AClickInTheExpanderColumnTogglesTheRowItSelects)
         EXPECT_EQ(Open(grid, choices), row.toggles ? !before : before);
         EXPECT_EQ(grid->GetCount(), count + (row.toggles ? (before ? -3 : 3) : 0));
     }
+    // Below the rows the click takes the last row, here the closed "Advanced".
+    ClickRow(0, 5); // "General" closes, to make room below
+    const int last = grid->GetCount() - 1;
+    const int below = grid->GetItemRect(last).bottom() + 4;
+    ASSERT_LT(below, grid->GetClientRect().bottom());
+    QTest::mouseClick(grid, Qt::LeftButton, {}, QPoint(5, below));
+    EXPECT_EQ(grid->GetCurSel(), last);
+    EXPECT_TRUE(Open(grid, last));
 }
 
 TEST_F(GridFixture, CategoryKeysCollapseAndExpandAndAreConsumed)
