@@ -108,6 +108,10 @@ void PropertyInPlaceEdit::keyPressEvent(QKeyEvent* event)
 void PropertyInPlaceEdit::focusOutEvent(QFocusEvent* event)
 {
     QLineEdit::focusOutEvent(event);
+    // A popup (the edit's own context menu) takes the focus only for a while:
+    // the editing goes on.
+    if (event->reason() == Qt::PopupFocusReason)
+        return;
     if (mValidate)
         mValidate(this, mContext);
     ProcessData();

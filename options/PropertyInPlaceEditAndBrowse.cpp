@@ -1,6 +1,7 @@
 #include <KORVAutlwin/options/PropertyInPlaceEditAndBrowse.h>
 #include <KORVAutlwin/options/PropertyInPlaceEdit.h>
 
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
@@ -24,8 +25,9 @@ bool PropertyInPlaceEditAndBrowseEdit::event(QEvent* event)
 void PropertyInPlaceEditAndBrowseEdit::focusOutEvent(QFocusEvent* event)
 {
     QLineEdit::focusOutEvent(event);
-    // The browser's own dialog takes the focus; the browse commits by itself.
-    if (mComposite->mBrowsing)
+    // The browser's own dialog takes the focus, and the browse commits by
+    // itself; a popup (the context menu) takes it only for a while.
+    if (mComposite->mBrowsing || event->reason() == Qt::PopupFocusReason)
         return;
     mComposite->mData = text().toStdString();
     mComposite->SendSetData();

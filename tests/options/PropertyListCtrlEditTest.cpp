@@ -84,8 +84,25 @@ TEST_F(GridFixture, EscapeKeepsTextAndAClickElsewhereCommitsBeforeTheSelectionMo
     ASSERT_FALSE(manager.changes.empty());
     EXPECT_EQ(manager.changes.back().index, RowOf(eScale));
 
+    // A popup borrows the focus without ending the edit; Return then commits.
+    ClickRow(0);
+    edit = TypeInto(eName, "Rye");
+    ASSERT_NE(edit, nullptr);
+    manager.changes.clear();
+    QMenu menu;
+    menu.addAction("Copy");
+    menu.popup(edit->mapToGlobal(QPoint(0, 0)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+    menu.close();
+    EXPECT_TRUE(manager.changes.empty());
+    ASSERT_EQ(grid->GetInPlaceControl(), edit);
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(manager.changes.size(), 1u);
+
     // Down in an edit hands the key to the grid, which moves on.
-    edit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ClickRow(0);
+    edit = TypeInto(eName, "Rye");
     ASSERT_NE(edit, nullptr);
     QTest::keyClick(edit, Qt::Key_Down);
     EXPECT_EQ(grid->GetCurSel(), RowOf(eCount));
