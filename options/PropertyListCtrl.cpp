@@ -41,6 +41,11 @@ int Split(const PropertyItem* item, int left, int right)
     return expander + (right - expander) / 2;
 }
 
+char32_t FirstCharacter(const QString& text)
+{
+    return text.size() > 1 && text[0].isHighSurrogate() ? QChar::surrogateToUcs4(text[0], text[1]) : text[0].unicode();
+}
+
 int TextHeight(const QFontMetrics& metrics) { return metrics.size(0, kDummyText).height(); }
 
 } // namespace
@@ -531,7 +536,7 @@ void PropertyListCtrl::keyPressEvent(QKeyEvent* event)
     const QString text = event->text();
     if (hasFocus() && !text.isEmpty() && text[0].isLetter() &&
         !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
-        if (LookupPropertyItem(text[0].toLatin1())) {
+        if (LookupPropertyItem(FirstCharacter(text))) {
             EnsureVisible(mCurSel);
             OnSelChange();
         }

@@ -2,8 +2,9 @@
 #include <KORVAutlwin/options/PropertyItemManager.h>
 #include <KORVAutlwin/options/PropertyListModel.h>
 
+#include <QString>
+
 #include <algorithm>
-#include <cctype>
 
 PropertyListModel::PropertyListModel(PropertyListCtrl* self) : mSelf(self) {}
 
@@ -121,6 +122,11 @@ void PropertyListModel::DoCollapseExpand(int index, PropertyItem* item)
 
 bool PropertyListModel::LookupPropertyItem(char letter)
 {
+    return LookupPropertyItem(static_cast<char32_t>(static_cast<unsigned char>(letter)));
+}
+
+bool PropertyListModel::LookupPropertyItem(char32_t letter)
+{
     const int count = GetCount();
     if (count == 0)
         return false;
@@ -138,10 +144,22 @@ bool PropertyListModel::LookupPropertyItem(char letter)
 
 int PropertyListModel::FindPropertyItem(char letter, int start, int count) const
 {
-    const int wanted = std::toupper(static_cast<unsigned char>(letter));
+    return FindPropertyItem(static_cast<char32_t>(static_cast<unsigned char>(letter)), start, count);
+}
+
+int PropertyListModel::FindPropertyItem(char32_t letter, int start, int count) const
+{
+    const char32_t wanted = QChar::toCaseFolded(letter);
     for (int row = std::max(start, 0); row < count && row < GetCount(); ++row) {
-        const char first = mRows[static_cast<size_t>(row)].item->GetName()[0];
-        if (first != '\0' && std::toupper(static_cast<unsigned char>(first)) == wanted)
+        // The first character of the name, which may take several bytes.
+        const char* name = mRows[static_cast<size_t>(row)].item->GetName();
+        const QString start = QString::fromUtf8(name, std::min<qsizetype>(4, qstrlen(name)));
+        if (start.isEmpty())
+            continue;
+        const char32_t first = start.size() > 1 && start[0].isHighSurrogate()
+                                   ? QChar::surrogateToUcs4(start[0], start[1])
+                                   : start[0].unicode();
+        if (QChar::toCaseFolded(first) == wanted)
             return row;
     }
     return -1;

@@ -57,9 +57,13 @@ public:
     /// Selects the next row after the selection whose name starts with `letter`
     /// (case ignored), wrapping to the first row; false when none does.
     bool LookupPropertyItem(char letter);
+    /// The same for any character (the names are UTF-8).
+    bool LookupPropertyItem(char32_t letter);
     /// The first row from `start` up to (not including) `count` whose name
     /// starts with `letter`, case ignored; -1 when none.
     int FindPropertyItem(char letter, int start, int count) const;
+    /// The same for any character.
+    int FindPropertyItem(char32_t letter, int start, int count) const;
     /// Selects the first row showing property `id`. A collapsed category's
     /// children are searched instead of the category itself, and a match among
     /// them expands it. Categories have id 0. False when nothing matches.

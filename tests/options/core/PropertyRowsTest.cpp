@@ -122,6 +122,16 @@ TEST(PropertyListModel, LetterSearchStartsAfterTheSelectionAndWraps)
     }
     EXPECT_EQ(rows.FindPropertyItem('d', 0, 5), -1);
     EXPECT_EQ(rows.FindPropertyItem('d', 0, 6), 5);
+
+    // A first letter of several bytes is one character, its case ignored.
+    Manager other;
+    other.AddPropertyCategory("\xC3\x96lgehalt", "", false); // "Ölgehalt"
+    other.AddPropertyCategory("Ozon", "", false);
+    PropertyListModel names;
+    names.SetPropertyItemManager(&other);
+    EXPECT_EQ(names.FindPropertyItem(U'\u00F6', 0, 2), 0);
+    EXPECT_EQ(names.FindPropertyItem(U'o', 0, 2), 1);
+    EXPECT_EQ(names.FindPropertyItem('\xC3', 0, 2), -1); // not a byte of it
 }
 
 TEST(PropertyListModel, SetCurSelByIdOpensACollapsedCategory)
