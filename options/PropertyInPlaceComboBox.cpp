@@ -304,6 +304,14 @@ void PropertyInPlaceComboBox::resizeEvent(QResizeEvent*)
     mButton->setGeometry(std::max(0, width() - buttonWidth), 0, buttonWidth, height());
 }
 
+void PropertyInPlaceComboBox::hideEvent(QHideEvent*)
+{
+    if (mList->isVisible()) {
+        mList->releaseMouse();
+        HideList();
+    }
+}
+
 void PropertyInPlaceComboBox::OnBnClicked()
 {
     if (mList->isVisible()) {

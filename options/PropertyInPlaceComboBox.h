@@ -116,6 +116,8 @@ protected:
     explicit PropertyInPlaceComboBox(QWidget* parent);
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    /// The list, which lives beside the grid, goes with the combo.
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void HideList();
