@@ -94,16 +94,16 @@ QRect PropertyListCtrl::GetDetailsRect() const
 
 QRect PropertyListCtrl::GetItemRect(int index) const
 {
-    if (index < mTopIndex || index >= GetCount())
+    if (index < 0 || index >= GetCount())
         return QRect();
-    const QRect client = GetClientRect();
+    // Rows scrolled away lie above or below the client area, where an in-place
+    // control made for one of them is out of sight.
     int y = 0;
-    for (int row = mTopIndex; row < index; ++row) {
+    for (int row = index; row < mTopIndex; ++row)
+        y -= GetRowHeight(row);
+    for (int row = mTopIndex; row < index; ++row)
         y += GetRowHeight(row);
-        if (y >= client.height())
-            return QRect();
-    }
-    return QRect(0, y, client.width(), GetRowHeight(index));
+    return QRect(0, y, GetClientRect().width(), GetRowHeight(index));
 }
 
 QRect PropertyListCtrl::GetItemValueRect(int index) const

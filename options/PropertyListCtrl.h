@@ -42,8 +42,8 @@ public:
     /// The selection moved: the new row's in-place control, and the details.
     void OnSelChange();
 
-    /// The rectangle of row `index` in the grid's coordinates (empty when it is
-    /// scrolled out of view or there is no such row).
+    /// The rectangle of row `index` in the grid's coordinates, above or below
+    /// the client area for a row scrolled out of view; empty when there is no such row.
     QRect GetItemRect(int index) const;
     /// The value cell of row `index`.
     QRect GetItemValueRect(int index) const;
