@@ -7,6 +7,7 @@
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
+#include "PropertyDemos.h"
 #include "ToolkitDemos.h"
 #include "UserCommDemos.h"
 #include "WorkspaceDemos.h"
@@ -133,6 +134,7 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddPropertyDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
     AddWorkspaceDemos(*this);
