@@ -286,6 +286,27 @@ bool ListData::SetCheck(int row, bool check)
     return SetItemState(row, INDEXTOSTATEIMAGEMASK(check ? 2 : 1), LVIS_STATEIMAGEMASK);
 }
 
+unsigned int ListData::GetSubItemState(int row, int col, unsigned int mask) const
+{
+    if (!ValidRow(row) || col < 0 || IsOwnerData())
+        return 0;
+    const std::vector<unsigned int>& states = mRows[static_cast<size_t>(row)].cellStates;
+    return col < static_cast<int>(states.size()) ? states[static_cast<size_t>(col)] & mask : 0;
+}
+
+bool ListData::SetSubItemState(int row, int col, unsigned int state, unsigned int mask)
+{
+    if (!ValidRow(row) || col < 0 || col >= GetColumnCount() || IsOwnerData())
+        return false;
+    std::vector<unsigned int>& states = mRows[static_cast<size_t>(row)].cellStates;
+    if (static_cast<int>(states.size()) <= col)
+        states.resize(static_cast<size_t>(col) + 1, 0);
+    states[static_cast<size_t>(col)] = (states[static_cast<size_t>(col)] & ~mask) | (state & mask);
+    if (mRedraw)
+        emit dataChanged(index(row, col), index(row, col));
+    return true;
+}
+
 void ListData::SwapRows(int a, int b, unsigned int stateMask)
 {
     if (!ValidRow(a) || !ValidRow(b) || a == b || IsOwnerData())
@@ -295,6 +316,7 @@ void ListData::SwapRows(int a, int b, unsigned int stateMask)
     std::swap(ra.cells, rb.cells);
     std::swap(ra.image, rb.image);
     std::swap(ra.data, rb.data);
+    std::swap(ra.cellStates, rb.cellStates);
     const unsigned int sa = ra.state, sb = rb.state;
     ra.state = (sa & ~stateMask) | (sb & stateMask);
     rb.state = (sb & ~stateMask) | (sa & stateMask);

@@ -106,6 +106,10 @@ public:
     bool GetCheck(int row) const;
     bool SetCheck(int row, bool check);
 
+    /// The state of a cell beyond column 0 (owner-drawn lists keep their own bits there).
+    unsigned int GetSubItemState(int row, int col, unsigned int mask) const;
+    bool SetSubItemState(int row, int col, unsigned int state, unsigned int mask);
+
     /// Exchanges two rows' texts, image, item data and the state bits of `stateMask`.
     void SwapRows(int a, int b, unsigned int stateMask);
 
@@ -132,6 +136,7 @@ private:
         int image = 0;
         uintptr_t data = 0;
         unsigned int state = 0;
+        std::vector<unsigned int> cellStates;
     };
 
     bool ValidRow(int row) const { return row >= 0 && row < GetItemCount(); }

@@ -839,7 +839,8 @@ void TsListCtrl::mouseDoubleClickEvent(QMouseEvent* event)
         EditSubLabel(row, col);
         return;
     }
-    emit doubleClicked(mData->index(std::max(row, 0), std::max(col, 0)));
+    if (row >= 0)
+        emit doubleClicked(mData->index(row, std::max(col, 0)));
 }
 
 void TsListCtrl::mouseMoveEvent(QMouseEvent* event)
