@@ -59,7 +59,7 @@ FilterListCtrlPopupBar::FilterListCtrlPopupBar(const FilterListItems& items, uns
     layout->addWidget(grip, 0, Qt::AlignRight | Qt::AlignBottom);
     layout->activate();
     const int scroller = mList->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, mList);
-    mList->InsertColumn(0, "Item", LVCFMT_LEFT, std::max(0, mList->viewport()->width() - scroller));
+    mList->InsertColumn(0, "Item", LVCFMT_LEFT, std::max(0, mList->GetClientWidth() - scroller));
 
     // Every item to start with; the initial one stays privileged until the first filter.
     mVisibleItems.resize(mItems->GetItemCount());

@@ -43,7 +43,7 @@ SelectItemDialog::SelectItemDialog(EKind kind, const char* title, const char* pr
     layout->activate();
 
     const int scroller = mList->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, mList);
-    mList->InsertColumn(0, header ? header : "", LVCFMT_LEFT, std::max(50, mList->viewport()->width() - scroller));
+    mList->InsertColumn(0, header ? header : "", LVCFMT_LEFT, std::max(50, mList->GetClientWidth() - scroller));
     for (const std::string& item : items)
         mList->AddItem(item.c_str());
     mList->EnableColumnAutoSize(true, 10);

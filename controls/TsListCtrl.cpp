@@ -178,6 +178,13 @@ int TsListCtrl::RowHeight() const
     return fontMetrics().height() + 4;
 }
 
+int TsListCtrl::GetClientWidth() const
+{
+    // The viewport follows a resize only later; the widget's own width is known at once.
+    const int scroller = verticalScrollBar()->isVisible() ? verticalScrollBar()->width() : 0;
+    return std::max(0, width() - 2 * frameWidth() - scroller);
+}
+
 int TsListCtrl::GetTopIndex() const
 {
     return GetItemCount() > 0 ? verticalScrollBar()->value() : 0;
@@ -224,7 +231,7 @@ void TsListCtrl::SetColumns(const float* percents, const char** labels, int coun
     while (GetColumnCount() > 0)
         DeleteColumn(0);
     const int scroller = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-    const std::vector<int> widths = ListRules::PercentColumnWidths(viewport()->width(), scroller, percents, count);
+    const std::vector<int> widths = ListRules::PercentColumnWidths(GetClientWidth(), scroller, percents, count);
     for (int col = 0; col < count; ++col)
         InsertColumn(col, labels[col], LVCFMT_LEFT, widths[static_cast<size_t>(col)]);
 }
@@ -263,7 +270,7 @@ void TsListCtrl::EnableColumnAutoSize(bool enable, int threshold)
         mAutoSizeThreshold = 0;
         return;
     }
-    mAutoSizeLastWidth = viewport()->width();
+    mAutoSizeLastWidth = GetClientWidth();
     mAutoSizeThreshold = threshold < 2 ? 1 : threshold;
 }
 
@@ -314,7 +321,7 @@ void TsListCtrl::resizeEvent(QResizeEvent* event)
     for (int col = 0; col < GetColumnCount(); ++col)
         widths.push_back(GetColumnWidth(col));
     const int scroller = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-    if (ListRules::ProportionalResize(widths, mAutoSizeLastWidth, mAutoSizeThreshold, viewport()->width(), scroller)) {
+    if (ListRules::ProportionalResize(widths, mAutoSizeLastWidth, mAutoSizeThreshold, GetClientWidth(), scroller)) {
         mData->SetRedraw(false);
         for (size_t col = 0; col < widths.size(); ++col)
             SetColumnWidth(static_cast<int>(col), widths[col]);

@@ -85,6 +85,8 @@ public:
     /// Whole rows that fit the client area.
     int GetCountPerPage() const;
     bool EnsureVisible(int row, bool partialOk);
+    /// The width of the client area: the list without its frame and vertical scroller.
+    int GetClientWidth() const;
     /// The rectangle of a row in client coordinates; empty for a bad row.
     QRect GetItemRect(int row) const;
     int HitTest(const QPoint& point) const;

@@ -3,6 +3,7 @@
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
+#include "ListDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
 
@@ -127,6 +128,7 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddListDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
