@@ -5,6 +5,60 @@
 #include <algorithm>
 #include <cstring>
 
+namespace {
+
+char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+// The test of tsstristr (a substring, ignoring ASCII case), made for one needle
+// and a million short haystacks: the needle is lowered once.
+class CaseInsensitiveFinder
+{
+public:
+    explicit CaseInsensitiveFinder(const char* needle) : mNeedle(needle)
+    {
+        for (char& c : mNeedle)
+            c = LowerAscii(c);
+        if (!mNeedle.empty()) {
+            mLower = mNeedle[0];
+            mUpper = mLower >= 'a' && mLower <= 'z' ? static_cast<char>(mLower - 'a' + 'A') : mLower;
+        }
+    }
+
+    bool Contains(const char* text) const
+    {
+        const size_t length = mNeedle.size();
+        if (length == 0)
+            return true;
+        const char* needle = mNeedle.c_str();
+        for (const char* at = Next(text); at; at = Next(at + 1)) {
+            size_t i = 1;
+            while (i < length && LowerAscii(at[i]) == needle[i])
+                ++i;
+            if (i == length)
+                return true;
+            if (!at[i])
+                return false; // what is left is shorter than the needle
+        }
+        return false;
+    }
+
+private:
+    // The C library's vectorised search finds the candidates, in both cases of a letter.
+    const char* Next(const char* from) const
+    {
+        if (mLower == mUpper)
+            return std::strchr(from, mLower);
+        const char set[3] = {mLower, mUpper, '\0'};
+        return std::strpbrk(from, set);
+    }
+
+    std::string mNeedle;
+    char mLower = '\0';
+    char mUpper = '\0';
+};
+
+} // namespace
+
 void FilterRules::Filter(const FilterListItems& items, const char* text, unsigned int& initialItem,
                          std::vector<unsigned int>& visible)
 {
@@ -13,12 +67,13 @@ void FilterRules::Filter(const FilterListItems& items, const char* text, unsigne
     const bool wildcard = std::strpbrk(text, "*?") != nullptr;
     const bool all = *text == '\0';
     const unsigned int count = items.GetItemCount();
+    const CaseInsensitiveFinder finder(text);
     visible.clear();
     for (unsigned int i = 0; i < count; ++i) {
         bool show = all || i == initialItem;
         if (!show) {
             const char* item = items.GetItemText(i);
-            show = wildcard ? TsString::WildCardCompare(text, item, false) : tsstristr(item, text) != nullptr;
+            show = wildcard ? TsString::WildCardCompare(text, item, false) : (item && finder.Contains(item));
         }
         if (show)
             visible.push_back(i);

@@ -27,6 +27,8 @@ TEST(FilterRules, VisibleItems)
         {"", FilterRules::kNoItem, {0, 1, 2, 3, 4}},
         {"WHEAT", FilterRules::kNoItem, {0, 2}},
         {"*a?s", FilterRules::kNoItem, {3}},
+        {"EAT M", FilterRules::kNoItem, {2}},
+        {"ey", FilterRules::kNoItem, {1}},
         {"wheat", 4, {0, 2, 4}}, // the initial item stays in view although it doesn't match
         {"nothing", FilterRules::kNoItem, {}},
     };
