@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -80,6 +81,11 @@ TsListCtrl::TsListCtrl(QWidget* parent)
     mData->SetExtendedStyle(mData->GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     ConnectHeader();
     ApplyColors();
+    // The view draws its focus frame on its current index: keep that on the focused row.
+    connect(mData, &ListData::ItemStateChanged, this, [this](int row, unsigned int before, unsigned int after) {
+        if ((after & LVIS_FOCUSED) && !(before & LVIS_FOCUSED) && selectionModel())
+            selectionModel()->setCurrentIndex(mData->index(row, 0), QItemSelectionModel::NoUpdate);
+    });
 }
 
 TsListCtrl::~TsListCtrl()

@@ -229,3 +229,92 @@ TEST_F(ListCtrlInput, ColumnWidthsAreRememberedPerCount)
     fewer->EnableSaveRestore("Samples");
     EXPECT_EQ(fewer->GetColumnWidth(0), 50);
 }
+
+TEST_F(ListCtrlInput, CopyAndMoveRows)
+{
+    struct Case
+    {
+        const char* name;
+        bool move;
+        int from, to;
+        bool done;
+        std::vector<std::string> order;
+    } cases[] = {
+        {"copy down", false, 0, 2, true, {"r0c0", "r1c0", "r0c0", "r2c0"}},
+        {"copy up", false, 2, 0, true, {"r2c0", "r0c0", "r1c0", "r2c0"}},
+        {"move down", true, 0, 3, true, {"r1c0", "r2c0", "r0c0"}},
+        {"move up", true, 2, 0, true, {"r2c0", "r0c0", "r1c0"}},
+        {"same row", true, 1, 1, false, {"r0c0", "r1c0", "r2c0"}},
+        {"negative", false, -1, 1, false, {"r0c0", "r1c0", "r2c0"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::unique_ptr<TsListCtrl> list(MakeList(3));
+        list->SetExtendedStyle(list->GetExtendedStyle() | LVS_EX_CHECKBOXES);
+        list->SetCheck(c.from < 0 ? 0 : c.from, true);
+        list->GetListData().SetItemImage(c.from < 0 ? 0 : c.from, 4);
+        EXPECT_EQ(c.move ? list->MoveRow(c.from, c.to) : list->CopyRow(c.from, c.to), c.done);
+        EXPECT_EQ(Column(list.get(), 0), c.order);
+        if (!c.done)
+            continue;
+        const int copy = c.move && c.from < c.to ? c.to - 1 : c.to;
+        EXPECT_EQ(list->GetItemText(copy, 2), "r" + std::to_string(c.from) + "c2"); // every column
+        EXPECT_TRUE(list->GetCheck(copy));
+        EXPECT_EQ(list->GetItemData(copy), 0u); // item data and image deliberately stay behind
+        EXPECT_EQ(list->GetListData().GetItemImage(copy), 0);
+    }
+}
+
+TEST_F(ListCtrlInput, ColourSetsFollowTheEnabledState)
+{
+    std::unique_ptr<TsListCtrl> list(MakeList(2));
+    list->SetRowColors(RGB(1, 1, 1), RGB(2, 2, 2), CLR_NONE);
+    EXPECT_EQ(list->GetBkColor(), RGB(2, 2, 2)); // -1 takes the text background
+    list->SetDisabledRowColors(RGB(3, 3, 3), CLR_NONE, RGB(4, 4, 4));
+    list->EnableDisabledColors(true);
+    list->setEnabled(false);
+    EXPECT_EQ(list->GetTextColor(), RGB(3, 3, 3));
+    EXPECT_EQ(list->GetBkColor(), CLR_NONE); // no text background, no background
+    list->SetDisabledRowColors(RGB(3, 3, 3), RGB(5, 5, 5), RGB(6, 6, 6));
+    EXPECT_EQ(list->GetBkColor(), RGB(6, 6, 6));
+    list->EnableDisabledColors(false);
+    EXPECT_EQ(list->GetTextColor(), RGB(1, 1, 1));
+    list->setEnabled(true);
+    list->EnableDisabledColors(true);
+    EXPECT_EQ(list->GetTextColor(), RGB(1, 1, 1));
+}
+
+TEST_F(ListCtrlInput, CheckBoxPressOnASelectionTogglesItAll)
+{
+    TsListCtrl* list = MakeList(5);
+    list->SetExtendedStyle(list->GetExtendedStyle() | LVS_EX_CHECKBOXES);
+    list->SetCheck(1, true);
+    Show(list);
+    list->SetSelIndexes({1, 2, 4});
+    QStyleOptionViewItem option;
+    option.initFrom(list);
+    option.rect = list->visualRect(list->GetListData().index(2, 0));
+    option.features = QStyleOptionViewItem::HasCheckIndicator;
+    const QPoint box = list->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, list).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, box);
+    std::vector<int> checked;
+    list->GetCheckedIndexes(checked);
+    EXPECT_EQ(checked, (std::vector<int>{1, 2, 4})); // row 2 was unchecked: all take checked
+    EXPECT_EQ(Selected(list), (std::vector<int>{1, 2, 4}));
+    QTest::keyClick(list, Qt::Key_Space); // the first selected row (1) is checked: all lose it
+    list->GetCheckedIndexes(checked);
+    EXPECT_TRUE(checked.empty());
+}
+
+TEST_F(ListCtrlInput, ColumnSizeGuards)
+{
+    std::unique_ptr<TsListCtrl> list(MakeList(1));
+    list->SetMinimumColumnSize(40);
+    list->header()->resizeSection(1, 10);
+    EXPECT_EQ(list->GetColumnWidth(1), 40);
+    EXPECT_EQ(list->header()->sectionSize(1), 40);
+    list->DisableColumnSizing(true);
+    EXPECT_EQ(list->header()->sectionResizeMode(0), QHeaderView::Fixed);
+    EXPECT_EQ(list->AddColumn("Copy"), 3);
+    EXPECT_EQ(list->GetColumnWidth(3), 100); // -1 copies the last column
+}
