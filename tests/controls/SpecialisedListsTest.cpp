@@ -8,6 +8,8 @@
 #include <KORVAutlwin/controls/FilterListCtrlPopupBar.h>
 #include <KORVAutlwin/controls/FilterRules.h>
 #include <KORVAutlwin/controls/GrayListBox.h>
+#include <KORVAutlwin/controls/ListCtrlWithDisabledItems.h>
+#include <KORVAutlwin/toolkit/DisplayColor.h>
 #include <KORVAutlwin/controls/SelectItemDialog.h>
 #include <KORVAutlwin/controls/SelectNewClassDialog.h>
 #include <KORVAutlwin/controls/TimedEditBox.h>
@@ -269,4 +271,41 @@ TEST_F(Specialised, SingleSelectDialogByMouse)
     EXPECT_EQ(TsSingleSelectItemDialog("Pick", "One item:", "Item", items, &selected, false, mWindow.get()), IDOK);
     EXPECT_GT(top, 0); // the initial item was scrolled into view
     EXPECT_EQ(selected, top + 2);
+}
+
+namespace {
+
+struct OddRowsDisabled : ListCtrlWithDisabledItems
+{
+    using ListCtrlWithDisabledItems::ListCtrlWithDisabledItems;
+    bool IsItemDisabled(int row) const override { return row % 2 == 1; }
+};
+
+// The longest run of pixels of exactly `colour` on one line within the rows' band.
+int LongestRun(const QImage& image, QRect band, QColor colour)
+{
+    int longest = 0;
+    for (int y = band.top(); y <= band.bottom(); ++y) {
+        int run = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            run = image.pixelColor(x, y) == colour ? run + 1 : 0;
+            longest = std::max(longest, run);
+        }
+    }
+    return longest;
+}
+
+} // namespace
+
+TEST_F(Specialised, DisabledRowsAreStruckThrough)
+{
+    auto* list = new OddRowsDisabled(mWindow.get());
+    list->InsertColumn(0, "Sample", LVCFMT_LEFT, 200);
+    list->AddItem("Sample with a long name");
+    list->AddItem("Sample with a long name");
+    Show(list);
+    const QImage image = list->viewport()->grab().toImage();
+    const QColor grey = korva::ToQColor(korva::GetSysColor(COLOR_GRAYTEXT));
+    EXPECT_GT(LongestRun(image, list->GetItemRect(1), grey), 60);
+    EXPECT_LT(LongestRun(image, list->GetItemRect(0), grey), 10);
 }
