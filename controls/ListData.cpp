@@ -241,12 +241,17 @@ bool ListData::SetItemState(int row, unsigned int state, unsigned int mask)
     unsigned int& bits = StateOf(row);
     const unsigned int old = bits;
     bits = (bits & ~mask) | (state & mask);
-    // Only one row holds the focus, as in the platform list.
-    if ((bits & LVIS_FOCUSED) && !(old & LVIS_FOCUSED)) {
+    // Only one row holds the focus, and a single-selection list only one selected row, as in the platform list.
+    unsigned int exclusive = 0;
+    if ((bits & LVIS_FOCUSED) && !(old & LVIS_FOCUSED))
+        exclusive |= LVIS_FOCUSED;
+    if (IsSingleSelection() && (bits & LVIS_SELECTED) && !(old & LVIS_SELECTED))
+        exclusive |= LVIS_SELECTED;
+    if (exclusive) {
         for (int r = 0; r < GetItemCount(); ++r)
-            if (r != row && (StateOf(r) & LVIS_FOCUSED)) {
+            if (r != row && (StateOf(r) & exclusive)) {
                 const unsigned int before = StateOf(r);
-                StateOf(r) &= ~LVIS_FOCUSED;
+                StateOf(r) &= ~exclusive;
                 RowChanged(r);
                 emit ItemStateChanged(r, before, StateOf(r));
             }

@@ -132,6 +132,8 @@ TEST(ListRules, SetSelIndexesAndComplement)
         EXPECT_EQ(Selected(list), single ? std::vector<int>({1}) : std::vector<int>());
         ListRules::ComplementSelection(list);
         EXPECT_EQ(Selected(list), single ? std::vector<int>({1}) : std::vector<int>({0, 1, 2, 3, 4}));
+        list.SetItemState(3, LVIS_SELECTED, LVIS_SELECTED); // a single-selection list holds one row
+        EXPECT_EQ(Selected(list), single ? std::vector<int>({3}) : std::vector<int>({0, 1, 2, 3, 4}));
     }
 }
 
