@@ -16,8 +16,10 @@ class CaseInsensitiveFinder
 public:
     explicit CaseInsensitiveFinder(const char* needle) : mNeedle(needle)
     {
-        for (char& c : mNeedle)
+        for (char& c : mNeedle) {
+            mCaseless = mCaseless && !(c >= 'a' && c <= 'z') && !(c >= 'A' && c <= 'Z');
             c = LowerAscii(c);
+        }
         if (!mNeedle.empty()) {
             mLower = mNeedle[0];
             mUpper = mLower >= 'a' && mLower <= 'z' ? static_cast<char>(mLower - 'a' + 'A') : mLower;
@@ -30,6 +32,9 @@ public:
         if (length == 0)
             return true;
         const char* needle = mNeedle.c_str();
+        // Without letters case doesn't matter, and the C library's search is the fastest there is.
+        if (mCaseless)
+            return std::strstr(text, needle) != nullptr;
         for (const char* at = Next(text); at; at = Next(at + 1)) {
             size_t i = 1;
             while (i < length && LowerAscii(at[i]) == needle[i])
@@ -48,11 +53,16 @@ private:
     {
         if (mLower == mUpper)
             return std::strchr(from, mLower);
-        const char set[3] = {mLower, mUpper, '\0'};
-        return std::strpbrk(from, set);
+        // Two vectorised searches beat one search for a set of characters.
+        const char* lower = std::strchr(from, mLower);
+        const char* upper = std::strchr(from, mUpper);
+        if (!lower || !upper)
+            return lower ? lower : upper;
+        return lower < upper ? lower : upper;
     }
 
     std::string mNeedle;
+    bool mCaseless = true;
     char mLower = '\0';
     char mUpper = '\0';
 };

@@ -29,6 +29,7 @@ TEST(FilterRules, VisibleItems)
         {"*a?s", FilterRules::kNoItem, {3}},
         {"EAT M", FilterRules::kNoItem, {2}},
         {"ey", FilterRules::kNoItem, {1}},
+        {" ", FilterRules::kNoItem, {0, 2}},
         {"wheat", 4, {0, 2, 4}}, // the initial item stays in view although it doesn't match
         {"nothing", FilterRules::kNoItem, {}},
     };
