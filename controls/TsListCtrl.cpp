@@ -948,6 +948,14 @@ void TsListCtrl::OnDragTimer()
     mData->SetRedraw(true);
 }
 
+void TsListCtrl::focusInEvent(QFocusEvent* event)
+{
+    QTreeView::focusInEvent(event);
+    // The view makes its first row current on focus; the focus frame belongs to the focused row only.
+    if (GetNextItem(-1, LVIS_FOCUSED) < 0 && selectionModel())
+        selectionModel()->clearCurrentIndex();
+}
+
 void TsListCtrl::focusOutEvent(QFocusEvent* event)
 {
     mDragRunning = false;
