@@ -1,13 +1,14 @@
 #pragma once
-// The merged catalogue of art collections behind ProgressArt, without its lock
-// and its process-wide life, so that its rules can be used on any set of folders.
-//
-// An artist number is an index into the collections. With two or more
-// collections one more number exists, equal to the number of collections: the
-// pseudo artist "<Random>" that stands for all of them. A picture number counts
-// within the artist's pictures or, for the pseudo artist, through the pictures
-// of all artists in file order; a negative picture number means the artist as
-// such, with no picture.
+/// \class korva::ArtCatalogue
+/// The merged catalogue of art collections behind ProgressArt, without its lock
+/// and its process-wide life, so that its rules can be used on any set of folders.
+///
+/// An artist number is an index into the collections. With two or more
+/// collections one more number exists, equal to the number of collections: the
+/// pseudo artist "<Random>" that stands for all of them. A picture number counts
+/// within the artist's pictures or, for the pseudo artist, through the pictures
+/// of all artists in file order; a negative picture number means the artist as
+/// such, with no picture.
 
 #include <KORVAutlwin/art/ArtInfo.h>
 

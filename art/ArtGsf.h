@@ -20,6 +20,7 @@
 
 namespace korva {
 
+/// Lets go of a GObject, for owning pointers to libgsf's objects.
 struct GObjectRelease
 {
     void operator()(void* object) const

@@ -1,7 +1,8 @@
 #pragma once
-// The picture work of art collection files: turning by quarter turns, shrinking
-// to fit, JPEG at quality 75. The tool that builds collections uses the same
-// rules to know the stored sizes before it writes a file.
+/// \class korva::ArtImage
+/// The picture work of art collection files: turning by quarter turns, shrinking
+/// to fit, JPEG at quality 75. The tool that builds collections uses the same
+/// rules to know the stored sizes before it writes a file.
 
 #include <QByteArray>
 #include <QImage>

@@ -1,12 +1,13 @@
 #pragma once
-// The collections of an art collection file (".tart") and the file format.
-//
-// A file is an OLE compound file with everything in its root storage: the
-// stream "ArtInfo", a text archive describing all collections, and one JPEG
-// stream per picture (at most 400 by 400 pixels) and per portrait (at most 80
-// by 80), named by the picture's fileName and the collection's portraitName.
-// Reading loads only the description; every picture is fetched from the file
-// when it is asked for, so a file may be read by several processes at once.
+/// \class ArtInfo
+/// The collections of an art collection file (".tart") and the file format.
+///
+/// A file is an OLE compound file with everything in its root storage: the
+/// stream "ArtInfo", a text archive describing all collections, and one JPEG
+/// stream per picture (at most 400 by 400 pixels) and per portrait (at most 80
+/// by 80), named by the picture's fileName and the collection's portraitName.
+/// Reading loads only the description; every picture is fetched from the file
+/// when it is asked for, so a file may be read by several processes at once.
 
 #include <KORVAutlwin/art/CollectionInfo.h>
 

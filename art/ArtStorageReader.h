@@ -1,6 +1,7 @@
 #pragma once
-// A compound file opened for reading: the streams of its root storage. Art
-// collection files keep everything in the root.
+/// \class korva::ArtStorageReader
+/// A compound file opened for reading: the streams of its root storage. Art
+/// collection files keep everything in the root.
 
 #include <cstddef>
 #include <memory>

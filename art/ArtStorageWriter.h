@@ -1,9 +1,10 @@
 #pragma once
-// Writes a compound file that replaces another one in a single step. The
-// compound file library cannot change a file in place, so the new content goes
-// into a fresh file beside the target, the streams of the old file that were
-// not written anew are copied in, and the fresh file is renamed over the
-// target. Until Commit succeeds the target stays exactly as it was.
+/// \class korva::ArtStorageWriter
+/// Writes a compound file that replaces another one in a single step. The
+/// compound file library cannot change a file in place, so the new content goes
+/// into a fresh file beside the target, the streams of the old file that were
+/// not written anew are copied in, and the fresh file is renamed over the
+/// target. Until Commit succeeds the target stays exactly as it was.
 
 #include <KORVAutlwin/platform/AtomicFile.h>
 

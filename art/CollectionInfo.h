@@ -1,8 +1,9 @@
 #pragma once
-// One collection of an art file: an artist with life span and portrait, and
-// the artist's paintings. The tool that builds collections fills in the sizes
-// and the portrait's stream name; `file` is set when a collection is read from
-// a file and says where its pictures are.
+/// \class CollectionInfo
+/// One collection of an art file: an artist with life span and portrait, and
+/// the artist's paintings. The tool that builds collections fills in the sizes
+/// and the portrait's stream name; `file` is set when a collection is read from
+/// a file and says where its pictures are.
 
 #include <KORVAutlwin/art/PictureInfo.h>
 

@@ -1,8 +1,9 @@
 #pragma once
-// A seekable Boost.Iostreams device over one stream of a compound file, so
-// that an archive reads from or writes to a stream of an art collection file:
-//   boost::iostreams::stream<IStreamDevice> in(IStreamDevice(gsfInput));
-// The stream uses the library's default buffer.
+/// \class IStreamDevice
+/// A seekable Boost.Iostreams device over one stream of a compound file, so
+/// that an archive reads from or writes to a stream of an art collection file:
+///   boost::iostreams::stream<IStreamDevice> in(IStreamDevice(gsfInput));
+/// The stream uses the library's default buffer.
 
 #include <boost/iostreams/categories.hpp>
 #include <boost/iostreams/positioning.hpp>

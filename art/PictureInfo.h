@@ -1,6 +1,7 @@
 #pragma once
-// One painting of an art collection: its title and the name of the stream of
-// the collection file that holds it as a JPEG picture.
+/// \class PictureInfo
+/// One painting of an art collection: its title and the name of the stream of
+/// the collection file that holds it as a JPEG picture.
 
 #include <string>
 

@@ -2,7 +2,9 @@
 
 #include <KORVAutl/TsFileUtl.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <vector>
 
 bool ProgressArt::msInitialized = false;
 std::mutex ProgressArt::msLock;
@@ -27,14 +29,24 @@ void ProgressArt::Init()
         return;
     msInitialized = true;
     korva::ArtCatalogue& catalogue = Catalogue();
-    const std::string executableFolder = TsGetExecutableDirectory();
-    catalogue.LoadPainters(executableFolder);
-    if (msPluginFolder) {
-        const std::string pluginFolder = msPluginFolder();
-        // A plug-in folder that is the executable's own would bring every artist twice.
+    // The executable's folder, the application's plug-in folder and the installed
+    // library's data folder; a folder met twice would bring every artist twice.
+    std::vector<std::string> folders{TsGetExecutableDirectory()};
+    if (msPluginFolder)
+        folders.push_back(msPluginFolder());
+    folders.push_back(TsGetLibraryDataDirectory());
+    std::vector<std::string> loaded;
+    for (const std::string& folder : folders) {
         std::error_code error;
-        if (!pluginFolder.empty() && !std::filesystem::equivalent(pluginFolder, executableFolder, error))
-            catalogue.LoadPainters(pluginFolder);
+        if (folder.empty() || !std::filesystem::is_directory(folder, error))
+            continue;
+        const bool seen = std::any_of(loaded.begin(), loaded.end(), [&](const std::string& earlier) {
+            return std::filesystem::equivalent(folder, earlier, error);
+        });
+        if (seen)
+            continue;
+        catalogue.LoadPainters(folder);
+        loaded.push_back(folder);
     }
     catalogue.Finish();
 }

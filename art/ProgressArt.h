@@ -1,15 +1,16 @@
 #pragma once
-// The process-wide catalogue of the pictures that decorate progress: every
-// ".tart" file beside the application's executable and in the application's
-// plug-in folder, merged into one list of artists and their paintings. The
-// break window asks for pictures from its own thread, so every operation is
-// guarded by one mutex; the pictures are read from disk while it is held.
-//
-// The files are looked for at the first call, once; a file added later is seen
-// at the next start. Artist and picture numbers follow korva::ArtCatalogue:
-// with two or more collections the artist number GetNumArtists()-1 is the
-// pseudo artist "<Random>", whose pictures run through those of all artists.
-// Images belong to the caller.
+/// \class ProgressArt
+/// The process-wide catalogue of the pictures that decorate progress: every
+/// ".tart" file beside the application's executable and in the application's
+/// plug-in folder, merged into one list of artists and their paintings. The
+/// break window asks for pictures from its own thread, so every operation is
+/// guarded by one mutex; the pictures are read from disk while it is held.
+///
+/// The files are looked for at the first call, once; a file added later is seen
+/// at the next start. Artist and picture numbers follow korva::ArtCatalogue:
+/// with two or more collections the artist number GetNumArtists()-1 is the
+/// pseudo artist "<Random>", whose pictures run through those of all artists.
+/// Images belong to the caller.
 
 #include <KORVAutlwin/art/ArtCatalogue.h>
 

@@ -1,7 +1,8 @@
 #pragma once
-// The About box: the application's picture, name (in the product colour),
-// version, the acknowledgement of the libraries the suite uses, and a details
-// button that opens further text.
+/// \class AboutDialog
+/// The About box: the application's picture, name (in the product colour),
+/// version, the acknowledgement of the libraries the suite uses, and a details
+/// button that opens further text.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

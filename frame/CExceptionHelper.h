@@ -1,5 +1,6 @@
 #pragma once
-// Texts of errors for messages and logs.
+/// \class CExceptionHelper
+/// Texts of errors for messages and logs.
 
 #include <exception>
 #include <string>

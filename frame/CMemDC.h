@@ -1,17 +1,18 @@
 #pragma once
-// A scoped off-screen surface against flicker. A paint handler draws on it
-// instead of on the widget, and the finished picture reaches the widget in one
-// piece when it goes out of scope:
-//
-//   void MyControl::paintEvent(QPaintEvent*)
-//   {
-//       QPainter painter(this);
-//       CMemDC dc(&painter, rect());   // declared after `painter`, so it ends first
-//       dc.drawText(...);              // a QPainter on the off-screen picture
-//   }
-//
-// or, without a painter of one's own, CMemDC dc(this, rect()); the widget is
-// then painted in the destructor, which must still run inside paintEvent.
+/// \class CMemDC
+/// A scoped off-screen surface against flicker. A paint handler draws on it
+/// instead of on the widget, and the finished picture reaches the widget in one
+/// piece when it goes out of scope:
+///
+///   void MyControl::paintEvent(QPaintEvent*)
+///   {
+///       QPainter painter(this);
+///       CMemDC dc(&painter, rect());   // declared after `painter`, so it ends first
+///       dc.drawText(...);              // a QPainter on the off-screen picture
+///   }
+///
+/// or, without a painter of one's own, CMemDC dc(this, rect()); the widget is
+/// then painted in the destructor, which must still run inside paintEvent.
 
 #include <QPainter>
 #include <QPixmap>

@@ -1,9 +1,10 @@
 #pragma once
-// An object that holds memory it can do without (caches, undo history,
-// pictures it can load again) implements this and registers with the main
-// frame (TessmaMDIFrame::RegisterCanGarbageCollect). When free memory runs low,
-// or an allocation has failed, the frame asks every registered object to give
-// back what it can.
+/// \class CanGarbageCollect
+/// An object that holds memory it can do without (caches, undo history,
+/// pictures it can load again) implements this and registers with the main
+/// frame (TessmaMDIFrame::RegisterCanGarbageCollect). When free memory runs low,
+/// or an allocation has failed, the frame asks every registered object to give
+/// back what it can.
 
 class CanGarbageCollect
 {

@@ -1,9 +1,10 @@
 #pragma once
-// Commands keep their numeric ids. A command travels along a route of command
-// targets (a frame sends it to its active child first, then handles it itself,
-// then hands it to the application) until one has a handler. Updates travel the
-// same route and let the handler enable, check or rename the thing that shows
-// the command: a menu item, a tool button, a dialog's button.
+/// \class CmdTarget
+/// Commands keep their numeric ids. A command travels along a route of command
+/// targets (a frame sends it to its active child first, then handles it itself,
+/// then hands it to the application) until one has a handler. Updates travel the
+/// same route and let the handler enable, check or rename the thing that shows
+/// the command: a menu item, a tool button, a dialog's button.
 
 #include <functional>
 #include <map>

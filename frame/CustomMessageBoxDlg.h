@@ -1,24 +1,25 @@
 #pragma once
-// The library's own message box: the system box plus a check box, custom
-// button captions and a help button. It lays itself out from the text: an icon
-// by type, the text wrapped at 140 characters per line, the check box below it,
-// the buttons in a row below all.
-//
-// Buttons by nType & MB_TYPEMASK (their ids are the answers):
-//   MB_OK               OK (1)
-//   MB_OKCANCEL         OK (1), Cancel (2)
-//   MB_YESNOCANCEL      Yes (6), No (7), Cancel (2)
-//   MB_YESNO            Yes (6), No (7)
-// and, so that every box of the framework can be shown with it,
-//   MB_ABORTRETRYIGNORE Abort (3), Retry (4), Ignore (5)
-//   MB_RETRYCANCEL      Retry (4), Cancel (2)
-//   MB_CANCELTRYCONTINUE Cancel (2), Try Again (10), Continue (11)
-// With a help id, Help (9) joins at the end; it shows the help topic and does
-// not end the box.
-//
-// Keys: Escape and Ctrl+C end the box with IDCANCEL, except in the forms that
-// offer no way out (Yes/No, Abort/Retry/Ignore), where they do nothing.
-// Closing the window counts as IDCANCEL.
+/// \class CustomMessageBoxDlg
+/// The library's own message box: the system box plus a check box, custom
+/// button captions and a help button. It lays itself out from the text: an icon
+/// by type, the text wrapped at 140 characters per line, the check box below it,
+/// the buttons in a row below all.
+///
+/// Buttons by nType & MB_TYPEMASK (their ids are the answers):
+///   MB_OK               OK (1)
+///   MB_OKCANCEL         OK (1), Cancel (2)
+///   MB_YESNOCANCEL      Yes (6), No (7), Cancel (2)
+///   MB_YESNO            Yes (6), No (7)
+/// and, so that every box of the framework can be shown with it,
+///   MB_ABORTRETRYIGNORE Abort (3), Retry (4), Ignore (5)
+///   MB_RETRYCANCEL      Retry (4), Cancel (2)
+///   MB_CANCELTRYCONTINUE Cancel (2), Try Again (10), Continue (11)
+/// With a help id, Help (9) joins at the end; it shows the help topic and does
+/// not end the box.
+///
+/// Keys: Escape and Ctrl+C end the box with IDCANCEL, except in the forms that
+/// offer no way out (Yes/No, Abort/Retry/Ignore), where they do nothing.
+/// Closing the window counts as IDCANCEL.
 
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsDialog.h>

@@ -15,6 +15,7 @@ class QCheckBox;
 class QPlainTextEdit;
 class QPushButton;
 
+/// The dialog behind the DetailsDialog functions.
 class DetailsDialogClass : public TsDialog
 {
     Q_OBJECT

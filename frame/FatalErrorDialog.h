@@ -1,7 +1,8 @@
 #pragma once
-// A long message in a scrolling, read-only text, with an OK button. Used for
-// fatal errors (a line below says that the application must end) and for long
-// informations (the line is hidden).
+/// \class FatalErrorDialog
+/// A long message in a scrolling, read-only text, with an OK button. Used for
+/// fatal errors (a line below says that the application must end) and for long
+/// informations (the line is hidden).
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

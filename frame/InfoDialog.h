@@ -1,12 +1,13 @@
 #pragma once
-// A dialog that shows an information text, plain or in a browser view, with a
-// chosen set of buttons and, on request, a "do not show again" check box whose
-// choice is remembered in the profile (section "DontShowAgainMessages") as the
-// Buttons value of the button pressed.
-//
-// The browser format is shown by a view that the HTML views install with
-// SetBrowserViewFactory; until one is installed, a simple rich-text browser
-// stands in for it.
+/// \class InfoDialog
+/// A dialog that shows an information text, plain or in a browser view, with a
+/// chosen set of buttons and, on request, a "do not show again" check box whose
+/// choice is remembered in the profile (section "DontShowAgainMessages") as the
+/// Buttons value of the button pressed.
+///
+/// The browser format is shown by a view that the HTML views install with
+/// SetBrowserViewFactory; until one is installed, a simple rich-text browser
+/// stands in for it.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

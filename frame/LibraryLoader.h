@@ -1,6 +1,7 @@
 #pragma once
-// A dynamic library loaded at run time (dlopen), for plug-ins and optional
-// system libraries. The object frees what it holds when it ends.
+/// \class LibraryLoader
+/// A dynamic library loaded at run time (dlopen), for plug-ins and optional
+/// system libraries. The object frees what it holds when it ends.
 
 class LibraryLoader
 {

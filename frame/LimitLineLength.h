@@ -1,11 +1,12 @@
 #pragma once
-// Breaks text into lines that fit a limit, for windows that size themselves to
-// their text (message boxes, pictures with a caption, sample areas).
-//
-// Lines are broken at the last blank that still fits; the run of blanks there
-// becomes one line feed. A word longer than the limit is cut where the limit
-// falls. Existing line feeds stay. Characters are Unicode code points of the
-// UTF-8 text, so a multi-byte letter counts once and is never cut in two.
+/// \class LimitLineLength
+/// Breaks text into lines that fit a limit, for windows that size themselves to
+/// their text (message boxes, pictures with a caption, sample areas).
+///
+/// Lines are broken at the last blank that still fits; the run of blanks there
+/// becomes one line feed. A word longer than the limit is cut where the limit
+/// falls. Existing line feeds stay. Characters are Unicode code points of the
+/// UTF-8 text, so a multi-byte letter counts once and is never cut in two.
 
 #include <string>
 

@@ -1,29 +1,30 @@
 #pragma once
-// A scope of the user channel: made on the stack, it installs itself as the
-// current channel and remembers "to all" answers; at its end it puts the
-// channel that stood before back and hands everything it collected to that one
-// as a single inform.
-//
-//   {
-//       MemoryUserComm scope;                 // now the current channel
-//       for (const auto& file : files)
-//           ImportFile(file);                 // asks and informs through GetUserComm()
-//   }                                         // one inform with all collected lines
-//
-// Inside the scope the four questions AskUserYesNo (without details),
-// AskUserYesYesToAllNoNoToAllCancel, AskUserYesYesToAllCancel and
-// AskUserYesCancel ask the user through the dialogs of StandardUserComm until
-// one of them is answered "yes to all" (2) or "no to all" (4). From then on
-// none of them asks again within the scope: they answer 1 or 3 by themselves,
-// and GetLastAnsver keeps giving the "to all" code. AskUserYesNo with details
-// always asks and leaves the remembered answer alone. Informs are collected as
-// MuteInformUserComm collects them; questions, fatal errors and hour glass
-// work as in StandardUserComm.
-//
-// Scopes nest; they must end in reverse order of their start. A copy takes
-// every member, the channel that stood before included, but does not install
-// itself; its destruction, too, reinstalls that channel and hands on what the
-// copy collected.
+/// \class MemoryUserComm
+/// A scope of the user channel: made on the stack, it installs itself as the
+/// current channel and remembers "to all" answers; at its end it puts the
+/// channel that stood before back and hands everything it collected to that one
+/// as a single inform.
+///
+///   {
+///       MemoryUserComm scope;                 // now the current channel
+///       for (const auto& file : files)
+///           ImportFile(file);                 // asks and informs through GetUserComm()
+///   }                                         // one inform with all collected lines
+///
+/// Inside the scope the four questions AskUserYesNo (without details),
+/// AskUserYesYesToAllNoNoToAllCancel, AskUserYesYesToAllCancel and
+/// AskUserYesCancel ask the user through the dialogs of StandardUserComm until
+/// one of them is answered "yes to all" (2) or "no to all" (4). From then on
+/// none of them asks again within the scope: they answer 1 or 3 by themselves,
+/// and GetLastAnsver keeps giving the "to all" code. AskUserYesNo with details
+/// always asks and leaves the remembered answer alone. Informs are collected as
+/// MuteInformUserComm collects them; questions, fatal errors and hour glass
+/// work as in StandardUserComm.
+///
+/// Scopes nest; they must end in reverse order of their start. A copy takes
+/// every member, the channel that stood before included, but does not install
+/// itself; its destruction, too, reinstalls that channel and hands on what the
+/// copy collected.
 
 #include <KORVAutlwin/frame/MuteInformUserComm.h>
 

@@ -1,21 +1,23 @@
 #pragma once
-// Menus of the language resource module: resources of type "MENU", written as
-//
-//   <menu>
-//     <popup text="&amp;Edit">
-//       <item id="57634" text="&amp;Copy&#9;Ctrl+C"/>
-//       <separator/>
-//       <popup text="&amp;More">
-//         <item id="32800" text="Option" checked="true" enabled="false"/>
-//       </popup>
-//     </popup>
-//   </menu>
-//
-// "&" marks the mnemonic and a tab (&#9;) starts the shortcut text shown at the
-// right. checked and enabled give an item its first look; update handlers decide
-// afterwards. Every item's QAction carries its command id in the property
-// "commandId". The actions run nothing by themselves: whoever shows the menu
-// routes the chosen command (TsMenu::TrackPopupMenu, AddToMenuBar).
+/// \class MenuResource
+/// Menus of the language resource module: resources of type "MENU", written as
+/// \code{.xml}
+///   <menu>
+///     <popup text="&amp;Edit">
+///       <item id="57634" text="&amp;Copy&#9;Ctrl+C"/>
+///       <separator/>
+///       <popup text="&amp;More">
+///         <item id="32800" text="Option" checked="true" enabled="false"/>
+///       </popup>
+///     </popup>
+///   </menu>
+/// \endcode
+///
+/// "&" marks the mnemonic and a tab (`&#9;`) starts the shortcut text shown at the
+/// right. checked and enabled give an item its first look; update handlers decide
+/// afterwards. Every item's QAction carries its command id in the property
+/// "commandId". The actions run nothing by themselves: whoever shows the menu
+/// routes the chosen command (TsMenu::TrackPopupMenu, AddToMenuBar).
 
 #include <cstddef>
 

@@ -1,24 +1,25 @@
 #pragma once
-// The crash dump of the process.
-//
-// After Initialize, a crash on any thread (a processor fault outside every
-// RunWithFaultTranslation guard, or a C++ exception that nobody caught) leaves
-// a text dump in the file that `dumpPath` names, and then the process ends as
-// the crash would have ended it (killed by the signal; abort for an exception).
-//
-// The dump holds: the signal with its sub-code and the fault code, the fault
-// address, the registers of the failing thread, a backtrace with each address as
-// module path + offset, and the memory map (/proc/self/maps). An uncaught
-// exception gives a dump with the exception's text in place of the signal.
-//
-// The dump is written from the signal handler with plain system calls into
-// static buffers. The three functions are the application's own and run there
-// too: keep them short, and do not let them wait for locks that the failed
-// thread may hold (allocation is usually fine; printing to a locked stream is not).
-//
-// A stack overflow is caught on threads that have an alternate signal stack:
-// the thread that calls Initialize, threads that run RunWithFaultTranslation,
-// and threads that call korva::PrepareFaultHandling() themselves.
+/// \class MiniDumper
+/// The crash dump of the process.
+///
+/// After Initialize, a crash on any thread (a processor fault outside every
+/// RunWithFaultTranslation guard, or a C++ exception that nobody caught) leaves
+/// a text dump in the file that `dumpPath` names, and then the process ends as
+/// the crash would have ended it (killed by the signal; abort for an exception).
+///
+/// The dump holds: the signal with its sub-code and the fault code, the fault
+/// address, the registers of the failing thread, a backtrace with each address as
+/// module path + offset, and the memory map (/proc/self/maps). An uncaught
+/// exception gives a dump with the exception's text in place of the signal.
+///
+/// The dump is written from the signal handler with plain system calls into
+/// static buffers. The three functions are the application's own and run there
+/// too: keep them short, and do not let them wait for locks that the failed
+/// thread may hold (allocation is usually fine; printing to a locked stream is not).
+///
+/// A stack overflow is caught on threads that have an alternate signal stack:
+/// the thread that calls Initialize, threads that run RunWithFaultTranslation,
+/// and threads that call korva::PrepareFaultHandling() themselves.
 
 #include <functional>
 #include <string>

@@ -1,8 +1,9 @@
 #pragma once
-// The switch that keeps the DetailsDialog functions quiet: while it is on they
-// show nothing and hand their texts to Collect, so that work that runs without
-// a user (batch runs, tests) is not stopped by a dialog and loses no message.
-// One per process, for the whole process; it starts unmuted.
+/// \class MuteDetailsDialog
+/// The switch that keeps the DetailsDialog functions quiet: while it is on they
+/// show nothing and hand their texts to Collect, so that work that runs without
+/// a user (batch runs, tests) is not stopped by a dialog and loses no message.
+/// One per process, for the whole process; it starts unmuted.
 
 #include <string>
 #include <vector>

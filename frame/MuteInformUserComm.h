@@ -1,14 +1,15 @@
 #pragma once
-// A user channel that asks through dialogs like StandardUserComm but shows no
-// informs: it collects them, grouped under headers, for the caller to show
-// later in one piece (GetInformUserMessages).
-//
-// The collection is a list of strings. The current header goes into it with
-// the first inform after SetHeader (unless an equal string is already there);
-// each inform is the line "<prefix><text>\n" and is stored once per header: a
-// line already standing after the last occurrence of the header is not stored
-// again, while the same inform under a later header is. After Empty the header
-// is not added again until the next SetHeader.
+/// \class MuteInformUserComm
+/// A user channel that asks through dialogs like StandardUserComm but shows no
+/// informs: it collects them, grouped under headers, for the caller to show
+/// later in one piece (GetInformUserMessages).
+///
+/// The collection is a list of strings. The current header goes into it with
+/// the first inform after SetHeader (unless an equal string is already there);
+/// each inform is the line "<prefix><text>\n" and is stored once per header: a
+/// line already standing after the last occurrence of the header is not stored
+/// again, while the same inform under a later header is. After Empty the header
+/// is not added again until the next SetHeader.
 
 #include <KORVAutlwin/frame/StandardUserComm.h>
 

@@ -1,21 +1,22 @@
 #pragma once
-// A settings section on a registry key, and the registry helpers of the library.
-//
-// Texts are REG_SZ with their terminator; integers and booleans REG_DWORD of
-// 4 bytes; floats, doubles and vectors are texts written by the base class.
-// Indexed children are keys named "<name> <index>".
-//
-// Long-standing behaviour that callers rely on (do not "fix"):
-// - ChangeSection joins the new name directly to the parent path ("a\\b" with
-//   "c" becomes "ac") and opens `name` itself below the root.
-// - IsEmpty is true when the key HOLDS at least one value (children do not count).
-// - HasSection ignores the index; ChangeSubSection(name, index) does not.
-// - DeleteSection skips every second child, so with two or more children it
-//   leaves some behind and returns false; TsDeleteRegKey removes everything.
-// - WriteKey(key, const wchar_t*) stores the text as UTF-16 but only
-//   length + 1 bytes of it (four characters store five bytes).
-// - The copy constructor and operator= share the key handle: both objects
-//   close it. Copy() gives an independent section.
+/// \class RegistrySection
+/// A settings section on a registry key, and the registry helpers of the library.
+///
+/// Texts are REG_SZ with their terminator; integers and booleans REG_DWORD of
+/// 4 bytes; floats, doubles and vectors are texts written by the base class.
+/// Indexed children are keys named "<name> <index>".
+///
+/// Long-standing behaviour that callers rely on (do not "fix"):
+/// - ChangeSection joins the new name directly to the parent path ("a\\b" with
+///   "c" becomes "ac") and opens `name` itself below the root.
+/// - IsEmpty is true when the key HOLDS at least one value (children do not count).
+/// - HasSection ignores the index; ChangeSubSection(name, index) does not.
+/// - DeleteSection skips every second child, so with two or more children it
+///   leaves some behind and returns false; TsDeleteRegKey removes everything.
+/// - WriteKey(key, const wchar_t*) stores the text as UTF-16 but only
+///   length + 1 bytes of it (four characters store five bytes).
+/// - The copy constructor and operator= share the key handle: both objects
+///   close it. Copy() gives an independent section.
 
 #include <KORVAutl/ConfigurationSection.h>
 #include <KORVAutlwin/platform/Registry.h>

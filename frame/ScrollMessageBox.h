@@ -1,7 +1,8 @@
 #pragma once
-// A message box for text too long for an ordinary box: the text lies in a
-// read-only field with scroll bars that fills the box, and the box can be
-// resized. Buttons, icon and Escape follow CustomMessageBoxDlg.
+/// \class ScrollMessageBox
+/// A message box for text too long for an ordinary box: the text lies in a
+/// read-only field with scroll bars that fills the box, and the box can be
+/// resized. Buttons, icon and Escape follow CustomMessageBoxDlg.
 
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsDialog.h>

@@ -1,6 +1,7 @@
 #pragma once
-// Switches the current language resource module for a scope: dialogs, menus,
-// strings and pages read inside the scope come from the given module.
+/// \class SetResourceInstance
+/// Switches the current language resource module for a scope: dialogs, menus,
+/// strings and pages read inside the scope come from the given module.
 
 namespace korva { class ResourceModule; }
 

@@ -1,23 +1,24 @@
 #pragma once
-// The user channel that asks and informs through dialogs. The application
-// installs one at start (UserComm::SetUserComm); code below it only calls
-// UserComm::GetUserComm(). Everything it shows is modal, parented to the
-// current window (korva::GetSafeOwner), and bracketed by Progress::Hide() and
-// Progress::Show() so that a progress window cannot stand in front of it.
-// Main thread only: callers on other threads marshal their calls there.
-//
-// Which dialog a call shows depends on the length of the text, measured by
-// korva::MeasureLines (a one-line text measures 2, each line feed after the
-// first character adds 1):
-//   AskUserYesNo without details   above 30: the details form, question as details
-//                                  else: a Yes/No message box
-//   FatalError                     20 or more: FatalErrorDialog; else an error box
-//   InformUser, silenceId 0        20 or more: FatalErrorDialog as an inform; else an information box
-//   InformUser, silenceId != 0     CheckBoxMessageBox, unless the user silenced the id
-//
-// Silenced informs live in HKEY_CURRENT_USER\<GetRegistryBaseKeyName()>\UserCommInformUser,
-// one REG_DWORD per id named by the id in decimal; 0 means silenced, a missing
-// value or any other means shown.
+/// \class StandardUserComm
+/// The user channel that asks and informs through dialogs. The application
+/// installs one at start (UserComm::SetUserComm); code below it only calls
+/// UserComm::GetUserComm(). Everything it shows is modal, parented to the
+/// current window (korva::GetSafeOwner), and bracketed by Progress::Hide() and
+/// Progress::Show() so that a progress window cannot stand in front of it.
+/// Main thread only: callers on other threads marshal their calls there.
+///
+/// Which dialog a call shows depends on the length of the text, measured by
+/// korva::MeasureLines (a one-line text measures 2, each line feed after the
+/// first character adds 1):
+///   AskUserYesNo without details   above 30: the details form, question as details
+///                                  else: a Yes/No message box
+///   FatalError                     20 or more: FatalErrorDialog; else an error box
+///   InformUser, silenceId 0        20 or more: FatalErrorDialog as an inform; else an information box
+///   InformUser, silenceId != 0     CheckBoxMessageBox, unless the user silenced the id
+///
+/// Silenced informs live in `HKEY_CURRENT_USER\<GetRegistryBaseKeyName()>\UserCommInformUser`,
+/// one REG_DWORD per id named by the id in decimal; 0 means silenced, a missing
+/// value or any other means shown.
 
 #include <KORVAutlwin/frame/RegistrySection.h>
 

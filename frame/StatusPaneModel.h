@@ -1,14 +1,16 @@
 #pragma once
-// The panes of a status bar as data, and the look-ups of TsStatusAccess that
-// both status bars answer the same way: id, style, width and text of each pane,
-// in order. A bar that keeps more per pane (cells, hosted controls) derives its
-// pane type from StatusPane.
+/// \class StatusPaneModel
+/// The panes of a status bar as data, and the look-ups of TsStatusAccess that
+/// both status bars answer the same way: id, style, width and text of each pane,
+/// in order. A bar that keeps more per pane (cells, hosted controls) derives its
+/// pane type from StatusPane.
 
 #include <KORVAutlwin/frame/TsStatusAccess.h>
 
 #include <string>
 #include <vector>
 
+/// What a status bar keeps of each pane.
 struct StatusPane
 {
     unsigned int id;

@@ -1,34 +1,38 @@
 #pragma once
-// The application's main window: a frame whose client is a QMdiArea with the
-// documents' windows, and which owns the process-level safety net.
-//
-//  - Commands go to the active MDI child first: to the child window itself if
-//    it is a command target, else to its widget if that is one; then to the
-//    frame, then to the application. The frame handles the Window menu's
-//    Cascade and Tile commands itself.
-//  - Events of the frame stop at the application's guard and end in the
-//    internal error dialog by the frame's exception mask (15 at construction).
-//    Processor faults are translated on the thread that built the frame.
-//  - Exhausted memory: the frame installs NewHandler as the process's new
-//    handler. Every 30 seconds (timer 1) it reads the free memory; below 5 % it
-//    warns once and asks the registered CanGarbageCollect objects to give back
-//    memory; the warning comes back only after free memory has risen to 10 %.
-//  - The splash (TsStartWindow) goes 2 seconds after the frame is made (timer 2).
-//  - The window position is kept in the profile section "WindowPos" (keys
-//    "Status", "Top", "Left", "Bottom", "Right"): written on close, applied when
-//    the frame is first shown, moved into the work area of the nearest screen.
-//
-// Timer messages do not nest: a timer that fires while a box of another timer
-// message is up is ignored.
+/// \class TessmaMDIFrame
+/// The application's main window: a frame whose client is a QMdiArea with the
+/// documents' windows, and which owns the process-level safety net.
+///
+///  - Commands go to the active MDI child first: to the child window itself if
+///    it is a command target, else to its widget if that is one; then to the
+///    frame, then to the application. The frame handles the Window menu's
+///    Cascade and Tile commands itself.
+///  - Events of the frame stop at the application's guard and end in the
+///    internal error dialog by the frame's exception mask (15 at construction).
+///    Processor faults are translated on the thread that built the frame.
+///  - Exhausted memory: the frame installs NewHandler as the process's new
+///    handler. Every 30 seconds (timer 1) it reads the free memory; below 5 % it
+///    warns once and asks the registered CanGarbageCollect objects to give back
+///    memory; the warning comes back only after free memory has risen to 10 %.
+///  - The splash (TsStartWindow) goes 2 seconds after the frame is made (timer 2).
+///  - The window position is kept in the profile section "WindowPos" (keys
+///    "Status", "Top", "Left", "Bottom", "Right"): written on close, applied when
+///    the frame is first shown, moved into the work area of the nearest screen.
+///
+/// Timer messages do not nest: a timer that fires while a box of another timer
+/// message is up is ignored.
 
 #include <KORVAutlwin/frame/TsFrameWnd.h>
 #include <KORVAutlwin/frame/WinApp.h>
 
 #include <QBasicTimer>
+#include <QByteArray>
+#include <QPoint>
 #include <QPointer>
 #include <QRect>
 
 #include <functional>
+#include <map>
 #include <new>
 #include <set>
 #include <string>
@@ -157,11 +161,27 @@ public:
     // Stored form: the profile section `profileName` holds "State", the bytes of
     // QMainWindow::saveState() as Base64 text, and "BarCount" with "Bar0" ...
     // "Bar<n-1>", the object names of the tool bars and dock widgets that the
-    // state describes. Bars without an object name are not stored.
+    // state describes; a bar that floats has "Bar<i>Float" beside its name, the
+    // screen position of its window as "x,y". Bars without an object name are not stored.
 
+    /// What the frame keeps of its bars: Qt's state bytes, and the screen
+    /// position of each floating bar's window by the bar's object name.
+    struct DockState
+    {
+        QByteArray state;
+        std::map<QString, QPoint> floatingPositions;
+    };
+
+    /// The state of the frame's tool bars and docks now.
+    DockState GetDockState() const;
+    /// Applies `state` as QMainWindow::restoreState does, then gives each floating
+    /// bar the stored position of its window, and hides each floating bar with no
+    /// visible content (a dock widget without a shown widget, a tool bar without a
+    /// visible item), whatever the state says. False when Qt refuses the state.
+    bool SetDockState(const DockState& state);
     /// Stores the state of the frame's tool bars and docks; false without an application object.
     bool SaveBarState(const char* profileName) const;
-    /// Restores a stored state; false when there is none or Qt refuses it.
+    /// Restores a stored state through SetDockState; false when there is none or Qt refuses it.
     /// Call VerifyBarState first: a state of other bars must not be applied.
     bool LoadBarState(const char* profileName);
     /// 1 when every bar named in the stored state is a tool bar or dock widget

@@ -1,17 +1,18 @@
 #pragma once
-// The application base class of the suite. It owns the settings roots: the
-// registry branch HKEY_CURRENT_USER\SOFTWARE\Tessmark\<application>\<version>,
-// the user's settings file and the machine-wide settings file, and the per-user
-// and machine-wide data folders:
-//   GetAppDataDirectory()               $XDG_CONFIG_HOME/Tessmark/<application>/<version>
-//   GetCommonAppDataDirectory()         $KORVA_COMMON_APPDATA/Tessmark/<application>/<version>
-//   GetTessmarkCommonAppDataDirectory() $KORVA_COMMON_APPDATA/Tessmark
-// ($XDG_CONFIG_HOME defaults to ~/.config, $KORVA_COMMON_APPDATA to /var/lib.)
-// Each version of an application thus has its own folders and registry branch.
-//
-// Stages: the constructor runs XMLSection::Initialize(); the application's
-// InitInstance calls SetRegistryLocation(); the destructor flushes the settings
-// and the registry, runs XMLSection::Terminate() and releases the section.
+/// \class TsApp
+/// The application base class of the suite. It owns the settings roots: the
+/// registry branch `HKEY_CURRENT_USER\SOFTWARE\Tessmark\<application>\<version>`,
+/// the user's settings file and the machine-wide settings file, and the per-user
+/// and machine-wide data folders:
+///   GetAppDataDirectory()               `$XDG_CONFIG_HOME/Tessmark/<application>/<version>`
+///   GetCommonAppDataDirectory()         `$KORVA_COMMON_APPDATA/Tessmark/<application>/<version>`
+///   GetTessmarkCommonAppDataDirectory() $KORVA_COMMON_APPDATA/Tessmark
+/// ($XDG_CONFIG_HOME defaults to ~/.config, $KORVA_COMMON_APPDATA to /var/lib.)
+/// Each version of an application thus has its own folders and registry branch.
+///
+/// Stages: the constructor runs XMLSection::Initialize(); the application's
+/// InitInstance calls SetRegistryLocation(); the destructor flushes the settings
+/// and the registry, runs XMLSection::Terminate() and releases the section.
 
 #include <KORVAutlwin/frame/WinApp.h>
 

@@ -1,17 +1,18 @@
 #pragma once
-// The base class of every dialog of the library.
-//
-// Safety net: an exception thrown while the dialog or one of its controls
-// handles an event stops at the application's event dispatch and, if its kind
-// is in the dialog's mask, ends in the internal error dialog; otherwise it
-// travels on to the next guard. It never passes through the window system's own
-// loops: the innermost running exec() of a TsDialog closes and rethrows it to
-// its caller (the handler that opened the dialog, under the next guard); with no
-// such loop running, the event dispatch rethrows it to whoever dispatched.
-//
-// Idle updates: when the event loop goes idle while the dialog is visible,
-// every child widget with a numeric "ctrlId" property is updated through the
-// command route of the dialog (OnKickIdle), as frames do for menus and tool bars.
+/// \class TsDialog
+/// The base class of every dialog of the library.
+///
+/// Safety net: an exception thrown while the dialog or one of its controls
+/// handles an event stops at the application's event dispatch and, if its kind
+/// is in the dialog's mask, ends in the internal error dialog; otherwise it
+/// travels on to the next guard. It never passes through the window system's own
+/// loops: the innermost running exec() of a TsDialog closes and rethrows it to
+/// its caller (the handler that opened the dialog, under the next guard); with no
+/// such loop running, the event dispatch rethrows it to whoever dispatched.
+///
+/// Idle updates: when the event loop goes idle while the dialog is visible,
+/// every child widget with a numeric "ctrlId" property is updated through the
+/// command route of the dialog (OnKickIdle), as frames do for menus and tool bars.
 
 #include <KORVAutlwin/frame/CmdTarget.h>
 

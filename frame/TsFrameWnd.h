@@ -1,9 +1,10 @@
 #pragma once
-// The base of the suite's main windows: a QMainWindow on the command route and
-// with its own exception mask. Commands go to the active command target first
-// (the active child of an MDI frame), then to the frame's own handlers, then to
-// the application. Menus are brought up to date through the route just before
-// they open.
+/// \class TsFrameWnd
+/// The base of the suite's main windows: a QMainWindow on the command route and
+/// with its own exception mask. Commands go to the active command target first
+/// (the active child of an MDI frame), then to the frame's own handlers, then to
+/// the application. Menus are brought up to date through the route just before
+/// they open.
 
 #include <KORVAutlwin/frame/CmdTarget.h>
 #include <KORVAutlwin/frame/TsDialog.h>

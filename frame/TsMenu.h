@@ -1,5 +1,6 @@
 #pragma once
-// The popup menu of the widget kit.
+/// \class TsMenu
+/// The popup menu of the widget kit.
 
 #include <QMenu>
 

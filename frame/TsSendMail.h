@@ -1,13 +1,14 @@
 #pragma once
-// A mail handed to the desktop's mail program (xdg-email), which opens its
-// composer with recipients, subject, body and attachments filled in.
-//
-// Failures are shown through the user channel (UserComm) when one is
-// installed, else written to the application log:
-// - no xdg-email on the search path: "MAPI32.DLL could not be found. This dll is
-//   needed to send emails." is shown and an Exception is thrown;
-// - the mail program cannot be started: string 61840, Send returns false;
-// - it reports a failure (exit status not 0): string 61841, Send returns false.
+/// \class TsSendMail
+/// A mail handed to the desktop's mail program (xdg-email), which opens its
+/// composer with recipients, subject, body and attachments filled in.
+///
+/// Failures are shown through the user channel (UserComm) when one is
+/// installed, else written to the application log:
+/// - no xdg-email on the search path: "MAPI32.DLL could not be found. This dll is
+///   needed to send emails." is shown and an Exception is thrown;
+/// - the mail program cannot be started: string 61840, Send returns false;
+/// - it reports a failure (exit status not 0): string 61841, Send returns false.
 
 #include <string>
 #include <vector>

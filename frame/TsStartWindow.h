@@ -1,8 +1,9 @@
 #pragma once
-// The splash screen shown while an application starts. TsStartWindow builds it
-// and shows it at once; TsStartWindow::Instance() gives it until it goes, which
-// is when the main frame's timer 2 takes it down (TessmaMDIFrame), when its
-// owner is deleted, or when the application deletes it.
+/// \class TsStartWindow
+/// The splash screen shown while an application starts. TsStartWindow builds it
+/// and shows it at once; TsStartWindow::Instance() gives it until it goes, which
+/// is when the main frame's timer 2 takes it down (TessmaMDIFrame), when its
+/// owner is deleted, or when the application deletes it.
 
 #include <QImage>
 #include <QPoint>

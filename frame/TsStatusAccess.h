@@ -1,8 +1,9 @@
 #pragma once
-// What long-running code needs of a status bar: find a pane by its id, set a
-// pane's text, and put a window (a gauge, a spin indicator) into a pane of its
-// own and take it out again. Both status bars of the frame implement it, so
-// callers need not know which one the application chose.
+/// \class TsStatusAccess
+/// What long-running code needs of a status bar: find a pane by its id, set a
+/// pane's text, and put a window (a gauge, a spin indicator) into a pane of its
+/// own and take it out again. Both status bars of the frame implement it, so
+/// callers need not know which one the application chose.
 
 #include <string>
 

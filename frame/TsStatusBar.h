@@ -1,12 +1,13 @@
 #pragma once
-// The frame's status bar: a row of panes, each with an id, a style, a width in
-// pixels and a text, drawn by the bar itself from left to right. A pane can
-// host a window (a gauge, a spin indicator) that the bar keeps over the pane,
-// one pixel inside its border, whenever panes come and go or the bar is resized.
-//
-// A new bar has one pane: the message pane, id 0, stretching over the room the
-// other panes leave. QStatusBar::showMessage shows its text in the first pane
-// with id 0 for as long as the message lasts.
+/// \class TsStatusBar
+/// The frame's status bar: a row of panes, each with an id, a style, a width in
+/// pixels and a text, drawn by the bar itself from left to right. A pane can
+/// host a window (a gauge, a spin indicator) that the bar keeps over the pane,
+/// one pixel inside its border, whenever panes come and go or the bar is resized.
+///
+/// A new bar has one pane: the message pane, id 0, stretching over the room the
+/// other panes leave. QStatusBar::showMessage shows its text in the first pane
+/// with id 0 for as long as the message lasts.
 
 #include <KORVAutlwin/frame/StatusPaneModel.h>
 

@@ -1,6 +1,7 @@
 #pragma once
-// A processor fault caught and turned into an exception. Its type tells a
-// fault from an ordinary failure; its code is the fault code of the table below.
+/// \class TsSystemException
+/// A processor fault caught and turned into an exception. Its type tells a
+/// fault from an ordinary failure; its code is the fault code of the table below.
 
 #include <KORVAutl/Exception.h>
 

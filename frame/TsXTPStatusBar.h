@@ -1,16 +1,17 @@
 #pragma once
-// The toolkit status bar: panes are widgets of the QStatusBar, each a framed
-// cell with a text or a control, laid out by Qt from left to right and kept to
-// the right edge (the size grip follows the last). A pane with SBPS_STRETCH
-// takes the room that the others leave. Panes are added by id (AddIndicator),
-// sized and styled by SetPaneInfo, and host controls through AddControl; the
-// TsStatusAccess operations are made of these.
-//
-// A new bar has one pane: the message pane, id 0, stretching. The text of
-// QStatusBar::showMessage appears in the first pane with id 0 while it lasts.
-//
-// A control lives inside its pane: when the pane goes, the control becomes a
-// hidden child of the bar again (it is never deleted with the pane).
+/// \class TsXTPStatusBar
+/// The toolkit status bar: panes are widgets of the QStatusBar, each a framed
+/// cell with a text or a control, laid out by Qt from left to right and kept to
+/// the right edge (the size grip follows the last). A pane with SBPS_STRETCH
+/// takes the room that the others leave. Panes are added by id (AddIndicator),
+/// sized and styled by SetPaneInfo, and host controls through AddControl; the
+/// TsStatusAccess operations are made of these.
+///
+/// A new bar has one pane: the message pane, id 0, stretching. The text of
+/// QStatusBar::showMessage appears in the first pane with id 0 while it lasts.
+///
+/// A control lives inside its pane: when the pane goes, the control becomes a
+/// hidden child of the bar again (it is never deleted with the pane).
 
 #include <KORVAutlwin/frame/StatusPaneModel.h>
 

@@ -1,14 +1,15 @@
 #pragma once
-// The application object: one per process. It holds the application's name,
-// the company word and profile name under which its settings live, its main
-// window and main thread, and reads and writes the profile in the registry
-// store (HKEY_CURRENT_USER\SOFTWARE\<company>\<profile>\<section>).
-//
-// A GUI application runs through Run(), which creates the QApplication, whose
-// event dispatch is the safety net of every window: an exception that leaves an
-// event handler is shown in the internal error dialog when the mask of the
-// event's window (a TsDialog, a frame) lets it, and travels on otherwise.
-// A service does not call Run() and creates no QApplication.
+/// \class WinApp
+/// The application object: one per process. It holds the application's name,
+/// the company word and profile name under which its settings live, its main
+/// window and main thread, and reads and writes the profile in the registry
+/// store (`HKEY_CURRENT_USER\SOFTWARE\<company>\<profile>\<section>`).
+///
+/// A GUI application runs through Run(), which creates the QApplication, whose
+/// event dispatch is the safety net of every window: an exception that leaves an
+/// event handler is shown in the internal error dialog when the mask of the
+/// event's window (a TsDialog, a frame) lets it, and travels on otherwise.
+/// A service does not call Run() and creates no QApplication.
 
 #include <KORVAutlwin/frame/CmdTarget.h>
 

@@ -1,7 +1,8 @@
 #pragma once
-// The question with "to all" answers: a question above a read-only, scrolling
-// details text and up to five buttons, Yes, Yes to all, No, No to all and
-// Cancel. The user channel asks its multi-button questions through it.
+/// \class YesNoCancelAll
+/// The question with "to all" answers: a question above a read-only, scrolling
+/// details text and up to five buttons, Yes, Yes to all, No, No to all and
+/// Cancel. The user channel asks its multi-button questions through it.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

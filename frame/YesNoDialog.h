@@ -1,7 +1,8 @@
 #pragma once
-// A yes/no question with a long explanation: the question above a read-only
-// text with scroll bars. Yes ends the dialog with IDOK, No and Escape with
-// IDCANCEL.
+/// \class YesNoDialog
+/// A yes/no question with a long explanation: the question above a read-only
+/// text with scroll bars. Yes ends the dialog with IDOK, No and Escape with
+/// IDCANCEL.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

@@ -1,8 +1,9 @@
 #pragma once
-// A question with one "to all" answer, in two senses. Plain: Yes, Yes to all
-// and No. Inverted: No, No to all and Yes. The button that Return presses
-// (control 1) gives the first answer of the sense, the to-all button (13027)
-// its to-all answer, and button 13029 the opposite answer.
+/// \class YesNoToAll
+/// A question with one "to all" answer, in two senses. Plain: Yes, Yes to all
+/// and No. Inverted: No, No to all and Yes. The button that Return presses
+/// (control 1) gives the first answer of the sense, the to-all button (13027)
+/// its to-all answer, and button 13029 the opposite answer.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

@@ -1,6 +1,7 @@
 #pragma once
-// A question that may be answered for all the cases still to come: Yes, Yes
-// to all and Cancel.
+/// \class YesYesToAllCancelDialog
+/// A question that may be answered for all the cases still to come: Yes, Yes
+/// to all and Cancel.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

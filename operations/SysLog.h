@@ -1,38 +1,39 @@
 #pragma once
-// The process's client of a syslog daemon. Callers never make one: they call
-// the static operations, and the first one that filters or sends reads
-// SysLog.ini, opens one socket and keeps it for the life of the process.
-//
-// A message goes out as "<priority>text" and nothing else: no time stamp, no
-// host, no tag, no line end, no framing. The priority is severity + facility * 8.
-// Over TCP successive messages therefore run together in the stream unless the
-// texts end in a line break of their own.
-//
-// SysLog.ini (read and written through IniFileSection; names match without case):
-//   [SysLogSettings]           Address (127.0.0.1), Port (514), BaseSeverity (debug),
-//                              Facility (local7), SocketType (udp); a missing key is
-//                              written back with its default, an unknown name means
-//                              the default and stays in the file
-//   [SysLogInfo]               the valid names, for the person who edits the file;
-//                              rewritten on every start, read by nobody
-//   [SysLogContextSeverities]  <context> = <severity name>, one per context
-// Where the file is: the REG_SZ value "IniPath" in HKEY_LOCAL_MACHINE\<registry
-// base key>\SysLog; when that is missing or empty, "SysLog.ini" in the
-// application's common data folder; without an application object, nowhere.
-//
-// A message is sent only when its severity is within the base severity and
-// within the limit of every context it names: a context can only narrow. A
-// context seen for the first time is given the base severity of that moment.
-//
-// Nothing throws and nothing is shown: every failure (no INI file path,
-// unresolved host, refused connection, failed or partial send) ends in a false
-// result. There is no reconnection: a failure at start-up leaves the process
-// without syslog until it restarts, and a change of the file is seen by the
-// next process only.
-//
-// Threads: the filter and sending operations may be called from any thread;
-// they share one recursive lock, held across the send, so a blocked TCP send
-// holds up every other caller. The settings operations take no lock.
+/// \class SysLog
+/// The process's client of a syslog daemon. Callers never make one: they call
+/// the static operations, and the first one that filters or sends reads
+/// SysLog.ini, opens one socket and keeps it for the life of the process.
+///
+/// A message goes out as "<priority>text" and nothing else: no time stamp, no
+/// host, no tag, no line end, no framing. The priority is severity + facility * 8.
+/// Over TCP successive messages therefore run together in the stream unless the
+/// texts end in a line break of their own.
+///
+/// SysLog.ini (read and written through IniFileSection; names match without case):
+///   [SysLogSettings]           Address (127.0.0.1), Port (514), BaseSeverity (debug),
+///                              Facility (local7), SocketType (udp); a missing key is
+///                              written back with its default, an unknown name means
+///                              the default and stays in the file
+///   [SysLogInfo]               the valid names, for the person who edits the file;
+///                              rewritten on every start, read by nobody
+///   [SysLogContextSeverities]  `<context> = <severity name>`, one per context
+/// Where the file is: the REG_SZ value "IniPath" in `HKEY_LOCAL_MACHINE\<registry base key>\SysLog`;
+/// when that is missing or empty, "SysLog.ini" in the
+/// application's common data folder; without an application object, nowhere.
+///
+/// A message is sent only when its severity is within the base severity and
+/// within the limit of every context it names: a context can only narrow. A
+/// context seen for the first time is given the base severity of that moment.
+///
+/// Nothing throws and nothing is shown: every failure (no INI file path,
+/// unresolved host, refused connection, failed or partial send) ends in a false
+/// result. There is no reconnection: a failure at start-up leaves the process
+/// without syslog until it restarts, and a change of the file is seen by the
+/// next process only.
+///
+/// Threads: the filter and sending operations may be called from any thread;
+/// they share one recursive lock, held across the send, so a blocked TCP send
+/// holds up every other caller. The settings operations take no lock.
 
 #include <KORVAutlwin/platform/Socket.h>
 

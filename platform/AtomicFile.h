@@ -1,13 +1,14 @@
 #pragma once
-// Replaces a file in one step: the new content goes to a temporary file in the
-// target's folder, is forced to the disk, and is renamed over the target; then
-// the folder is forced too, so that the new name survives a power loss. Readers
-// see the old content or the new one, never a mixture, and a failure leaves
-// the target as it was.
-//
-// The temporary is "<folder>/.<name>.tmp-<pid>-<random>". A writer that was
-// killed leaves its temporary behind; the next writer of the same target
-// removes it once no process has that id any more. A live writer's is never touched.
+/// \class korva::AtomicFile
+/// Replaces a file in one step: the new content goes to a temporary file in the
+/// target's folder, is forced to the disk, and is renamed over the target; then
+/// the folder is forced too, so that the new name survives a power loss. Readers
+/// see the old content or the new one, never a mixture, and a failure leaves
+/// the target as it was.
+///
+/// The temporary is "<folder>/.<name>.tmp-<pid>-<random>". A writer that was
+/// killed leaves its temporary behind; the next writer of the same target
+/// removes it once no process has that id any more. A live writer's is never touched.
 
 #include <cstddef>
 #include <cstdio>

@@ -1,13 +1,14 @@
 #pragma once
-// A child process: started with a clean slate and reaped with EINTR handled.
-//
-// Every start is the same: the signal mask is empty and every signal has its
-// default action in the child, whatever this process blocked or ignored; the
-// descriptors handed over sit at the numbers asked for, 0-2 are inherited, and
-// every other descriptor is closed on exec. The program is not searched on PATH.
-//
-// The object is not thread-safe: a caller that waits on one thread and kills on
-// another guards it with a lock. Destroying it leaves the child alone.
+/// \class korva::ChildProcess
+/// A child process: started with a clean slate and reaped with EINTR handled.
+///
+/// Every start is the same: the signal mask is empty and every signal has its
+/// default action in the child, whatever this process blocked or ignored; the
+/// descriptors handed over sit at the numbers asked for, 0-2 are inherited, and
+/// every other descriptor is closed on exec. The program is not searched on PATH.
+///
+/// The object is not thread-safe: a caller that waits on one thread and kills on
+/// another guards it with a lock. Destroying it leaves the child alone.
 
 #include <string>
 #include <vector>

@@ -25,4 +25,12 @@ void* FindDynamicSymbol(void* handle, const char* name)
     return ::dlsym(handle, name);
 }
 
+std::string GetModulePath(const void* address)
+{
+    Dl_info info{};
+    if (::dladdr(address, &info) == 0 || !info.dli_fname)
+        return {};
+    return info.dli_fname;
+}
+
 } // namespace korva

@@ -13,5 +13,8 @@ void* OpenDynamicLibrary(const char* path, std::string* error = nullptr);
 bool CloseDynamicLibrary(void* handle);
 /// The address of the symbol `name` in the library, or null when it has none.
 void* FindDynamicSymbol(void* handle, const char* name);
+/// The file of the loaded library or program that holds `address`, as the
+/// loader opened it; empty when no loaded file holds it.
+std::string GetModulePath(const void* address);
 
 } // namespace korva

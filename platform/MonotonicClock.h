@@ -1,6 +1,7 @@
 #pragma once
-// A monotonic clock (it never jumps with the wall clock), read inline: callers
-// read it in their innermost loops.
+/// \class korva::MonotonicClock
+/// A monotonic clock (it never jumps with the wall clock), read inline: callers
+/// read it in their innermost loops.
 
 #include <ctime>
 

@@ -61,6 +61,7 @@ using BYTE = std::uint8_t;
 using WCHAR = char16_t;
 using REGSAM = DWORD;
 
+/// A time stamp in 100-nanosecond intervals since 1601, in two halves.
 struct FILETIME
 {
     DWORD dwLowDateTime;

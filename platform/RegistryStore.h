@@ -58,6 +58,7 @@ struct OpenKey
 class ReadCache
 {
 public:
+    /// A value as read: its type and data.
     struct Value
     {
         DWORD type;

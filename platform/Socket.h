@@ -1,9 +1,10 @@
 #pragma once
-// IPv4 sockets for the few clients of the library that talk to a daemon: make a
-// socket, find the peer's address, connect, send, close. Descriptors are made
-// close-on-exec, so that child processes do not keep a connection open.
-//
-// A send never raises SIGPIPE: a peer that went away gives a failed send.
+/// \class korva::Socket
+/// IPv4 sockets for the few clients of the library that talk to a daemon: make a
+/// socket, find the peer's address, connect, send, close. Descriptors are made
+/// close-on-exec, so that child processes do not keep a connection open.
+///
+/// A send never raises SIGPIPE: a peer that went away gives a failed send.
 
 #include <cstddef>
 #include <cstdint>

@@ -39,6 +39,23 @@ std::string UserName()
     return found && found->pw_name ? found->pw_name : "";
 }
 
+bool UserIdOfName(const std::string& name, unsigned int& uid)
+{
+    passwd entry;
+    passwd* found = nullptr;
+    std::vector<char> text;
+    for (std::size_t size = 4096; size <= (1u << 20); size *= 4) {
+        text.resize(size);
+        const int error = getpwnam_r(name.c_str(), &entry, text.data(), text.size(), &found);
+        if (error != ERANGE)
+            break;
+    }
+    if (!found)
+        return false;
+    uid = found->pw_uid;
+    return true;
+}
+
 std::string HomeFolder()
 {
     if (const char* home = std::getenv("HOME"); home && *home)

@@ -9,6 +9,8 @@ namespace korva {
 unsigned int UserId();
 /// The user's login name from the user database; empty when it has no entry.
 std::string UserName();
+/// The user id of the login name `name` in the user database; false when it has no entry.
+bool UserIdOfName(const std::string& name, unsigned int& uid);
 /// The user's home folder: $HOME when set, else the user database's entry;
 /// empty when neither tells one.
 std::string HomeFolder();

@@ -1,34 +1,35 @@
 #pragma once
-// The break window: a dialog with a stop button that serves one Progress at a
-// time, from Start (protocol message 0x408) to Finish (0x401). One instance per
-// process is made at the first need and kept to the end; between clients it
-// stays alive and hidden. It lives where its protocol is served: in the break
-// window's companion process, or, when none can be started, in the client's own
-// process behind InProcessBreakWindow. Everything it shows comes from the
-// BreakStartInfo given at Start and from the protocol calls, never from the
-// Progress object itself, and it never calls back into the client except
-// through `onStopConfirmed`.
-//
-// It stays invisible for the client's delay: work that ends sooner never shows
-// a window, and ShowWindow(true) ends the delay early. Its content is one of
-// three layouts: the spinner (the client shows a spin indicator), a placeholder
-// picture (no art collection, or a display of under 9 bits per pixel), or the
-// art layout with a painting of the preferred artist, the artist's portrait and
-// the two labels, moving to the next painting every 15 seconds. A gauge may lie
-// under the content across the full width.
-//
-// The stop button, Return, Escape and the close box all ask the client's stop
-// question (a modal Yes/No box owned by the dialog); a client without a stop
-// button is not asked at all. Yes puts "Stopping..." on
-// the gauge, calls `onStopConfirmed` once and disables the button. A Finish
-// while the question is open answers it with No, and nothing is confirmed; this
-// holds also when Finish arrives from inside the question's own event loop.
-//
-// GUI thread only. Typical use by a transport:
-//   BreakDialog dialog([&] { ReportStop(); });
-//   dialog.Start(info);            // per client
-//   dialog.SetGaugeValue(0.4f);    // ... as the protocol messages come in
-//   dialog.Finish();
+/// \class BreakDialog
+/// The break window: a dialog with a stop button that serves one Progress at a
+/// time, from Start (protocol message 0x408) to Finish (0x401). One instance per
+/// process is made at the first need and kept to the end; between clients it
+/// stays alive and hidden. It lives where its protocol is served: in the break
+/// window's companion process, or, when none can be started, in the client's own
+/// process behind InProcessBreakWindow. Everything it shows comes from the
+/// BreakStartInfo given at Start and from the protocol calls, never from the
+/// Progress object itself, and it never calls back into the client except
+/// through `onStopConfirmed`.
+///
+/// It stays invisible for the client's delay: work that ends sooner never shows
+/// a window, and ShowWindow(true) ends the delay early. Its content is one of
+/// three layouts: the spinner (the client shows a spin indicator), a placeholder
+/// picture (no art collection, or a display of under 9 bits per pixel), or the
+/// art layout with a painting of the preferred artist, the artist's portrait and
+/// the two labels, moving to the next painting every 15 seconds. A gauge may lie
+/// under the content across the full width.
+///
+/// The stop button, Return, Escape and the close box all ask the client's stop
+/// question (a modal Yes/No box owned by the dialog); a client without a stop
+/// button is not asked at all. Yes puts "Stopping..." on
+/// the gauge, calls `onStopConfirmed` once and disables the button. A Finish
+/// while the question is open answers it with No, and nothing is confirmed; this
+/// holds also when Finish arrives from inside the question's own event loop.
+///
+/// GUI thread only. Typical use by a transport:
+///   BreakDialog dialog([&] { ReportStop(); });
+///   dialog.Start(info);            // per client
+///   dialog.SetGaugeValue(0.4f);    // ... as the protocol messages come in
+///   dialog.Finish();
 
 #include <KORVAutlwin/progress/BreakStartInfo.h>
 

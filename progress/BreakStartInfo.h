@@ -1,8 +1,9 @@
 #pragma once
-// What the break window learns of its client when it starts serving it: the
-// client's texts and switches, the delay, and where the main window stands.
-// The break window may live in another process, so it gets a copy of these
-// instead of the Progress object itself.
+/// \class BreakStartInfo
+/// What the break window learns of its client when it starts serving it: the
+/// client's texts and switches, the delay, and where the main window stands.
+/// The break window may live in another process, so it gets a copy of these
+/// instead of the Progress object itself.
 
 #include <QRect>
 

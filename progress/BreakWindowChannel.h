@@ -1,20 +1,21 @@
 #pragma once
-// The break window: the window with a stop button that stays alive while the
-// main thread computes. Progress speaks to it only through this interface, one
-// call per message of the break window protocol. Every call is synchronous: it
-// returns when the window has handled the message, and the window never calls
-// back into the main thread while it does.
-//
-// The process has at most one break window, kept to process end. Unless one
-// was installed with SetChannel, the first GetChannel on the GUI thread makes
-// it: a BreakWindowProcess (the window in its companion process), or, when the
-// companion cannot be started, an InProcessBreakWindow. The environment
-// variable KORVA_BREAK_WINDOW=inprocess chooses the in-process one at once.
-// SetChannel(nullptr) leaves the process without a break window: Progress then
-// counts and answers as usual and shows nothing.
-//
-// A confirmed stop comes back the other way: the implementation calls
-// SetBreakPressed on the client that Start named (from any thread).
+/// \class BreakWindowChannel
+/// The break window: the window with a stop button that stays alive while the
+/// main thread computes. Progress speaks to it only through this interface, one
+/// call per message of the break window protocol. Every call is synchronous: it
+/// returns when the window has handled the message, and the window never calls
+/// back into the main thread while it does.
+///
+/// The process has at most one break window, kept to process end. Unless one
+/// was installed with SetChannel, the first GetChannel on the GUI thread makes
+/// it: a BreakWindowProcess (the window in its companion process), or, when the
+/// companion cannot be started, an InProcessBreakWindow. The environment
+/// variable KORVA_BREAK_WINDOW=inprocess chooses the in-process one at once.
+/// SetChannel(nullptr) leaves the process without a break window: Progress then
+/// counts and answers as usual and shows nothing.
+///
+/// A confirmed stop comes back the other way: the implementation calls
+/// SetBreakPressed on the client that Start named (from any thread).
 
 #include <KORVAutlwin/progress/BreakStartInfo.h>
 

@@ -291,7 +291,7 @@ std::string BreakWindowProcess::GetProgramPath()
 {
     if (const char* named = std::getenv("KORVA_BREAKWIN"); named && *named)
         return named;
-    return TsPathAppend(TsGetExecutableDirectory().c_str(), "breakwin");
+    return TsGetCompanionProgramPath("breakwin");
 }
 
 bool BreakWindowProcess::Create()

@@ -1,38 +1,39 @@
 #pragma once
-// The records that travel between a process and its break window companion
-// (apps/breakwin) over their two SOCK_SEQPACKET sockets, one record per packet:
-// on the command socket the protocol messages go one way and their
-// acknowledgements (and first of all "ready") come back; on the report socket
-// the companion tells what nobody asked for: a confirmed stop, the gauge's width.
-//
-// Every record starts with the same 16 bytes, four 32-bit words in host order
-// (both ends run on the same machine, from the same build):
-//
-//   magic     0x4B425700 | kVersion ("KBW" and the version in the low byte)
-//   type      the message number, EType
-//   sequence  numbered by the sender; an acknowledgement repeats the number it answers
-//   argument  the delay of a start, 1/0 of a show, the start's sequence in a stop confirmed,
-//             the gauge's width, and in an acknowledgement the number of reports
-//             written before it (modulo 2^32)
-//
-// and has one fixed size per type, what follows the header being:
-//
-//   eFinish, eSpinStep, eSpinRest, eShowWindow,
-//   eReady, eAcknowledge, eStopConfirmed,
-//   eGaugeWidth, ePressStop                            nothing (16 bytes)
-//   eGaugeValue    one float                              (20 bytes)
-//   eGaugeRange    two floats, low and high               (24 bytes)
-//   eSetTitle      one text field                         (16 + kTextSize bytes)
-//   eStart         the whole BreakStartInfo               (kStartRecordSize bytes):
-//                  x, y, width, height of the main window (int32 each), the
-//                  switches (bit 0 allowBreak, 1 showSpin, 2 showGauge), one
-//                  reserved word, then four text fields: info text, stop
-//                  question, stop title, stop button. The delay is the argument.
-//
-// A text field holds UTF-8 up to its first NUL; a longer text is cut at a
-// character boundary so that at least one NUL remains, and the rest of the
-// field is zero. A record of another version, of an unknown type or of the
-// wrong size is refused; either end then ends the connection.
+/// \class BreakWire
+/// The records that travel between a process and its break window companion
+/// (apps/breakwin) over their two SOCK_SEQPACKET sockets, one record per packet:
+/// on the command socket the protocol messages go one way and their
+/// acknowledgements (and first of all "ready") come back; on the report socket
+/// the companion tells what nobody asked for: a confirmed stop, the gauge's width.
+///
+/// Every record starts with the same 16 bytes, four 32-bit words in host order
+/// (both ends run on the same machine, from the same build):
+///
+///   magic     0x4B425700 | kVersion ("KBW" and the version in the low byte)
+///   type      the message number, EType
+///   sequence  numbered by the sender; an acknowledgement repeats the number it answers
+///   argument  the delay of a start, 1/0 of a show, the start's sequence in a stop confirmed,
+///             the gauge's width, and in an acknowledgement the number of reports
+///             written before it (modulo 2^32)
+///
+/// and has one fixed size per type, what follows the header being:
+///
+///   eFinish, eSpinStep, eSpinRest, eShowWindow,
+///   eReady, eAcknowledge, eStopConfirmed,
+///   eGaugeWidth, ePressStop                            nothing (16 bytes)
+///   eGaugeValue    one float                              (20 bytes)
+///   eGaugeRange    two floats, low and high               (24 bytes)
+///   eSetTitle      one text field                         (16 + kTextSize bytes)
+///   eStart         the whole BreakStartInfo               (kStartRecordSize bytes):
+///                  x, y, width, height of the main window (int32 each), the
+///                  switches (bit 0 allowBreak, 1 showSpin, 2 showGauge), one
+///                  reserved word, then four text fields: info text, stop
+///                  question, stop title, stop button. The delay is the argument.
+///
+/// A text field holds UTF-8 up to its first NUL; a longer text is cut at a
+/// character boundary so that at least one NUL remains, and the rest of the
+/// field is zero. A record of another version, of an unknown type or of the
+/// wrong size is refused; either end then ends the connection.
 
 #include <KORVAutlwin/progress/BreakStartInfo.h>
 

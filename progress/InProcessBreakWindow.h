@@ -1,14 +1,15 @@
 #pragma once
-// The break window in the client's own process: the fallback when the break
-// window's companion process cannot be started. It owns one BreakDialog, made
-// at the first Create and kept as long as this object, and hands every message
-// of the protocol straight to it. The main thread is busy with the work, so the
-// dialog lives on what Progress::MessageLoop lets through: paint and timer
-// events always, and its own keyboard and mouse input once it is on the screen.
-// A stop confirmed in the dialog sets the client's break flag at once.
-//
-//   static InProcessBreakWindow fallback;
-//   BreakWindowChannel::SetChannel(&fallback);
+/// \class InProcessBreakWindow
+/// The break window in the client's own process: the fallback when the break
+/// window's companion process cannot be started. It owns one BreakDialog, made
+/// at the first Create and kept as long as this object, and hands every message
+/// of the protocol straight to it. The main thread is busy with the work, so the
+/// dialog lives on what Progress::MessageLoop lets through: paint and timer
+/// events always, and its own keyboard and mouse input once it is on the screen.
+/// A stop confirmed in the dialog sets the client's break flag at once.
+///
+///   static InProcessBreakWindow fallback;
+///   BreakWindowChannel::SetChannel(&fallback);
 
 #include <KORVAutlwin/progress/BreakDialog.h>
 #include <KORVAutlwin/progress/BreakWindowChannel.h>

@@ -1,38 +1,39 @@
 #pragma once
-// A computation that runs on a thread of its own at the lowest priority, can be
-// stopped and started again, and tells a window when it has run to its end.
-//
-//   InThread sum([values](bool& stop) {
-//       float total = 0;
-//       for (float v : values) { if (InThread::StopRequested(stop)) break; total += v; }
-//       return total;
-//   }, window, kSumDoneEvent);
-//   sum.Start();
-//   ... in window's event(): if (event->type() == kSumDoneEvent) Show(sum.get());
-//
-// The function receives the stop flag and must look at it often and return soon
-// after it is set. Read it through StopRequested (or std::atomic_ref), since the
-// flag is written by another thread.
-//
-// When a run ends without having been stopped and `message` is not 0, an event
-// of type `message` is posted to `window`, so the window learns of the end on its
-// own thread. A stopped run posts nothing, and Stop removes a notice that is
-// still waiting, so no notice of a stopped run arrives after Stop. `window` must
-// live until the InThread has been stopped (its destructor stops it).
-//
-// Priority: the thread lowers itself to nice 19 (setpriority for its own thread
-// id), the lowest priority of the normal scheduler. It keeps a small share of a
-// busy processor, so it never starves, but yields to everything else.
-//
-// Failure: an exception thrown by the function (an empty function throws
-// Exception "call to empty boost::function") is caught on the thread, written
-// to the application log, and thrown again by get() on the caller's thread, at
-// every call until the next Start. The run counts as ended, and the notice is
-// posted as for a run that returned. The result stays as it was.
-//
-// Copies share the computation. Copying takes the running thread away from the
-// source, so that only one InThread owns it; the source then neither waits for
-// it nor stops it. Start, Stop and get are for the owning thread only.
+/// \class InThread
+/// A computation that runs on a thread of its own at the lowest priority, can be
+/// stopped and started again, and tells a window when it has run to its end.
+///
+///   InThread sum([values](bool& stop) {
+///       float total = 0;
+///       for (float v : values) { if (InThread::StopRequested(stop)) break; total += v; }
+///       return total;
+///   }, window, kSumDoneEvent);
+///   sum.Start();
+///   ... in window's event(): if (event->type() == kSumDoneEvent) Show(sum.get());
+///
+/// The function receives the stop flag and must look at it often and return soon
+/// after it is set. Read it through StopRequested (or std::atomic_ref), since the
+/// flag is written by another thread.
+///
+/// When a run ends without having been stopped and `message` is not 0, an event
+/// of type `message` is posted to `window`, so the window learns of the end on its
+/// own thread. A stopped run posts nothing, and Stop removes a notice that is
+/// still waiting, so no notice of a stopped run arrives after Stop. `window` must
+/// live until the InThread has been stopped (its destructor stops it).
+///
+/// Priority: the thread lowers itself to nice 19 (setpriority for its own thread
+/// id), the lowest priority of the normal scheduler. It keeps a small share of a
+/// busy processor, so it never starves, but yields to everything else.
+///
+/// Failure: an exception thrown by the function (an empty function throws
+/// Exception "call to empty boost::function") is caught on the thread, written
+/// to the application log, and thrown again by get() on the caller's thread, at
+/// every call until the next Start. The run counts as ended, and the notice is
+/// posted as for a run that returned. The result stays as it was.
+///
+/// Copies share the computation. Copying takes the running thread away from the
+/// source, so that only one InThread owns it; the source then neither waits for
+/// it nor stops it. Start, Stop and get are for the owning thread only.
 
 #include <atomic>
 #include <exception>

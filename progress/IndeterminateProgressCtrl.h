@@ -1,17 +1,18 @@
 #pragma once
-// A progress bar for work of unknown length: diagonal bands, 25 pixels apart,
-// that move one pixel to the right every 50 ms (timer 13) and repeat after 25
-// steps. Each band is ten pixels wide and shades from dark at its edges to light
-// in its middle; the gaps show a light tint of the same colour.
-//
-// The colours come from the palette's highlight colour at construction and again
-// whenever the palette changes: two steps lighter and two steps darker by 51 per
-// channel (each channel saturated at 0 and 255), and the background one step
-// lighter still. The value and range of the QProgressBar are not shown.
-//
-// A frame is painted into an off-screen pixmap and copied at once, so the bands
-// never flicker. The arithmetic of colours, steps and bands is in plain static
-// functions that need no display.
+/// \class IndeterminateProgressCtrl
+/// A progress bar for work of unknown length: diagonal bands, 25 pixels apart,
+/// that move one pixel to the right every 50 ms (timer 13) and repeat after 25
+/// steps. Each band is ten pixels wide and shades from dark at its edges to light
+/// in its middle; the gaps show a light tint of the same colour.
+///
+/// The colours come from the palette's highlight colour at construction and again
+/// whenever the palette changes: two steps lighter and two steps darker by 51 per
+/// channel (each channel saturated at 0 and 255), and the background one step
+/// lighter still. The value and range of the QProgressBar are not shown.
+///
+/// A frame is painted into an off-screen pixmap and copied at once, so the bands
+/// never flicker. The arithmetic of colours, steps and bands is in plain static
+/// functions that need no display.
 
 #include <KORVAutlwin/toolkit/ColorRef.h>
 

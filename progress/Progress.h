@@ -1,38 +1,39 @@
 #pragma once
-// The object through which long work reports how far it has come and learns
-// whether the user wants it to stop. Create one on the stack and call Set,
-// NextSpin or SetInfoStr as the work goes on: each returns true to go on and
-// false once the user has pressed stop. A stop is never an exception; the work
-// tests the result (or IsBreakPressed) and unwinds by itself.
-//
-// Only one Progress in the process has a display: the first made on the main
-// thread while no other is active, with a main frame (TessmaMDIFrame) as the
-// application's main window. It stays the active one until it is destroyed;
-// every other object counts just the same but shows nothing, even after the
-// active one is gone. Without an application object, off the main thread, or
-// without a main frame, a Progress is inactive, keeps its ranges and value and
-// always answers true.
-//
-// Two display routes, chosen by `allowBreak`:
-//  - the status bar route: a gauge in pane 1037 and a spin indicator in pane
-//    1036 of the frame's message bar, the info text in its message pane. No stop.
-//  - the break route: the break window (BreakWindowChannel) with a stop button,
-//    which appears after `delay` milliseconds.
-//
-// Ranges nest. The first range covers the whole display; PushSubRange(a, b)
-// opens a new scale 0 to 1 for the part a..b of the current range, and
-// PopSubRange returns to the parent with the display where the part ended:
-//
-//   Progress progress(nullptr, "Fitting", 0, 1, true, false, true);
-//   progress.PushSubRange(0, 0.25);          // the first quarter
-//   for (int i = 0; i < n; ++i)
-//       if (!progress.Set(float(i) / n)) return;
-//   progress.PopPushSubRange(0.25, 1);       // the rest
-//   ...
-//
-// Every call may sit in the innermost loop of a computation: an inactive object
-// does no window work at all, and an active one lets the event loop run (paint,
-// size and window events; input waits) at most every kPumpInterval ms.
+/// \class Progress
+/// The object through which long work reports how far it has come and learns
+/// whether the user wants it to stop. Create one on the stack and call Set,
+/// NextSpin or SetInfoStr as the work goes on: each returns true to go on and
+/// false once the user has pressed stop. A stop is never an exception; the work
+/// tests the result (or IsBreakPressed) and unwinds by itself.
+///
+/// Only one Progress in the process has a display: the first made on the main
+/// thread while no other is active, with a main frame (TessmaMDIFrame) as the
+/// application's main window. It stays the active one until it is destroyed;
+/// every other object counts just the same but shows nothing, even after the
+/// active one is gone. Without an application object, off the main thread, or
+/// without a main frame, a Progress is inactive, keeps its ranges and value and
+/// always answers true.
+///
+/// Two display routes, chosen by `allowBreak`:
+///  - the status bar route: a gauge in pane 1037 and a spin indicator in pane
+///    1036 of the frame's message bar, the info text in its message pane. No stop.
+///  - the break route: the break window (BreakWindowChannel) with a stop button,
+///    which appears after `delay` milliseconds.
+///
+/// Ranges nest. The first range covers the whole display; PushSubRange(a, b)
+/// opens a new scale 0 to 1 for the part a..b of the current range, and
+/// PopSubRange returns to the parent with the display where the part ended:
+///
+///   Progress progress(nullptr, "Fitting", 0, 1, true, false, true);
+///   progress.PushSubRange(0, 0.25);          // the first quarter
+///   for (int i = 0; i < n; ++i)
+///       if (!progress.Set(float(i) / n)) return;
+///   progress.PopPushSubRange(0.25, 1);       // the rest
+///   ...
+///
+/// Every call may sit in the innermost loop of a computation: an inactive object
+/// does no window work at all, and an active one lets the event loop run (paint,
+/// size and window events; input waits) at most every kPumpInterval ms.
 
 #include <KORVAutlwin/progress/ProgressRanges.h>
 

@@ -1,18 +1,19 @@
 #pragma once
-// The modal dialog that ExecuteWithProgress shows while its work runs on a
-// worker thread: a title, an IndeterminateProgressCtrl and, when the caller
-// gave a cancel function, a button that calls it.
-//
-// The dialog cannot be ended by the user: Return does nothing, and Escape and
-// the close box close it only once the worker has marked the work finished
-// (SetFinished). The worker then closes it as the close box would, by a queued
-// call of reject() on the dialog's thread. The cancel button (control 13048)
-// calls the cancel function on the dialog's thread and closes nothing: the
-// cancel function is expected to make the work end.
-//
-// The dialog releases `dialogReady` once, when it is first shown (its window
-// exists and its modal loop is about to run), so that work too short to be seen
-// still finds a dialog to close.
+/// \class ProgressDialog
+/// The modal dialog that ExecuteWithProgress shows while its work runs on a
+/// worker thread: a title, an IndeterminateProgressCtrl and, when the caller
+/// gave a cancel function, a button that calls it.
+///
+/// The dialog cannot be ended by the user: Return does nothing, and Escape and
+/// the close box close it only once the worker has marked the work finished
+/// (SetFinished). The worker then closes it as the close box would, by a queued
+/// call of reject() on the dialog's thread. The cancel button (control 13048)
+/// calls the cancel function on the dialog's thread and closes nothing: the
+/// cancel function is expected to make the work end.
+///
+/// The dialog releases `dialogReady` once, when it is first shown (its window
+/// exists and its modal loop is about to run), so that work too short to be seen
+/// still finds a dialog to close.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

@@ -1,19 +1,20 @@
 #pragma once
-// A small window with one progress bar, for applications that step through
-// known work themselves: made and shown by the constructor, modeless and above
-// the other windows, gone with the object. Nothing in the library uses it.
-//
-//   ProgressDlg dlg("Importing", mainWindow);
-//   dlg.SetRange(0, static_cast<short>(files.size()));
-//   dlg.SetStep(1);
-//   for (const auto& file : files) { Import(file); dlg.StepIt(); QCoreApplication::processEvents(); }
-//
-// The operations behave as those of the platform's progress control: the
-// position stays within the range, and a step past the upper end starts over
-// from the lower end. GUI thread only.
-//
-// With a parent, Qt deletes the window with its parent: keep the object's life
-// inside the parent's, or make it with `new` and no further owner.
+/// \class ProgressDlg
+/// A small window with one progress bar, for applications that step through
+/// known work themselves: made and shown by the constructor, modeless and above
+/// the other windows, gone with the object. Nothing in the library uses it.
+///
+///   ProgressDlg dlg("Importing", mainWindow);
+///   dlg.SetRange(0, static_cast<short>(files.size()));
+///   dlg.SetStep(1);
+///   for (const auto& file : files) { Import(file); dlg.StepIt(); QCoreApplication::processEvents(); }
+///
+/// The operations behave as those of the platform's progress control: the
+/// position stays within the range, and a step past the upper end starts over
+/// from the lower end. GUI thread only.
+///
+/// With a parent, Qt deletes the window with its parent: keep the object's life
+/// inside the parent's, or make it with `new` and no further owner.
 
 #include <KORVAutlwin/frame/TsDialog.h>
 

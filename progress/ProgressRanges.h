@@ -1,11 +1,12 @@
 #pragma once
-// The nested ranges of a Progress, as plain numbers: no window, no clock.
-//
-// The first range covers the whole display (0 to 1) in the caller's units.
-// Push opens a scale 0 to 1 for a part of the top range; Pop closes it and
-// tells where the display stands in the parent's units, so that it stays
-// where the part ended. The gauge always shows the whole operation, expressed
-// in the units of the top range (GetGaugeRange).
+/// \class ProgressRanges
+/// The nested ranges of a Progress, as plain numbers: no window, no clock.
+///
+/// The first range covers the whole display (0 to 1) in the caller's units.
+/// Push opens a scale 0 to 1 for a part of the top range; Pop closes it and
+/// tells where the display stands in the parent's units, so that it stays
+/// where the part ended. The gauge always shows the whole operation, expressed
+/// in the units of the top range (GetGaugeRange).
 
 #include <list>
 

@@ -1,16 +1,17 @@
 #pragma once
-// The spin indicator of the status bar: slanted stripes, 5 pixels wide, that
-// alternate between the button face and a colour which walks the colour circle
-// in 73 steps of 5 degrees. The stripes move one pixel per step, 10 positions
-// to a full period, either by themselves (SetRunning) or through Step, which
-// Progress::NextSpin calls from the work's loop.
-//
-// The animation runs on a timer of the GUI thread (every 50 ms for the window's
-// life): each round moves the hue on while the window is visible and, when
-// running, moves the stripes on every second round. Step only stores the new
-// position; the next round paints it. Nothing here waits or locks.
-//
-// The arithmetic of a round and of the stripes is in plain static functions.
+/// \class SpinWindow
+/// The spin indicator of the status bar: slanted stripes, 5 pixels wide, that
+/// alternate between the button face and a colour which walks the colour circle
+/// in 73 steps of 5 degrees. The stripes move one pixel per step, 10 positions
+/// to a full period, either by themselves (SetRunning) or through Step, which
+/// Progress::NextSpin calls from the work's loop.
+///
+/// The animation runs on a timer of the GUI thread (every 50 ms for the window's
+/// life): each round moves the hue on while the window is visible and, when
+/// running, moves the stripes on every second round. Step only stores the new
+/// position; the next round paints it. Nothing here waits or locks.
+///
+/// The arithmetic of a round and of the stripes is in plain static functions.
 
 #include <KORVAutlwin/toolkit/ColorRef.h>
 

@@ -1,12 +1,13 @@
 #pragma once
-// The turning picture of the break window: a ring of six dots whose bright dot
-// moves on by one position per step, and a seventh picture at rest. The client
-// drives it through Step (from the work's NextSpin) and Rest (SpinDone); it
-// never moves by itself, so a frozen picture tells that the work is stuck.
-//
-// The seven frames are drawn once per process, by the first Spinner made, and
-// shared by every instance. The step arithmetic is a static function over a
-// given clock, so that it can be checked without a display.
+/// \class Spinner
+/// The turning picture of the break window: a ring of six dots whose bright dot
+/// moves on by one position per step, and a seventh picture at rest. The client
+/// drives it through Step (from the work's NextSpin) and Rest (SpinDone); it
+/// never moves by itself, so a frozen picture tells that the work is stuck.
+///
+/// The seven frames are drawn once per process, by the first Spinner made, and
+/// shared by every instance. The step arithmetic is a static function over a
+/// given clock, so that it can be checked without a display.
 
 #include <QWidget>
 

@@ -1,20 +1,21 @@
 #pragma once
-// The suite's own gauge: a bar that fills from the left with the value, an
-// optional caption in its middle, and a colour cycle that keeps it looking
-// alive while the work goes on. Every 9 seconds (180 frames at 20 frames a
-// second) the bar turns from blue to red and back for 2 seconds, fading for
-// half a second at either end.
-//
-// The animation runs on a timer of the GUI thread, so it moves whenever the
-// thread handles events (Progress pumps them while it reports). The timer runs
-// only while the gauge is visible; a hidden gauge starts its cycle again when
-// it is next seen. SetValue is a plain store, cheap enough for the inner loop
-// of a computation; the next frame shows the value.
-//
-// In a status bar:
-//   auto* gauge = new TsGauge(statusBar);
-//   gauge->setFixedWidth(100);
-//   statusBar->addPermanentWidget(gauge);
+/// \class TsGauge
+/// The suite's own gauge: a bar that fills from the left with the value, an
+/// optional caption in its middle, and a colour cycle that keeps it looking
+/// alive while the work goes on. Every 9 seconds (180 frames at 20 frames a
+/// second) the bar turns from blue to red and back for 2 seconds, fading for
+/// half a second at either end.
+///
+/// The animation runs on a timer of the GUI thread, so it moves whenever the
+/// thread handles events (Progress pumps them while it reports). The timer runs
+/// only while the gauge is visible; a hidden gauge starts its cycle again when
+/// it is next seen. SetValue is a plain store, cheap enough for the inner loop
+/// of a computation; the next frame shows the value.
+///
+/// In a status bar:
+///   auto* gauge = new TsGauge(statusBar);
+///   gauge->setFixedWidth(100);
+///   statusBar->addPermanentWidget(gauge);
 
 #include <KORVAutlwin/progress/TsGaugeBase.h>
 #include <KORVAutlwin/toolkit/ColorRef.h>

@@ -1,6 +1,7 @@
 #pragma once
-// What a progress display needs of a gauge, whatever draws it: TsGauge paints
-// itself, TsXTPGauge is the toolkit status bar's progress control.
+/// \class TsGaugeBase
+/// What a progress display needs of a gauge, whatever draws it: TsGauge paints
+/// itself, TsXTPGauge is the toolkit status bar's progress control.
 
 class QWidget;
 

@@ -1,8 +1,9 @@
 #pragma once
-// The gauge of the toolkit status bar: a progress bar in the toolkit's flat
-// look that shows the value as a whole percentage. The control is told of a
-// new position only when the percentage changes, so a computation that
-// reports thousands of values a second costs at most a hundred repaints.
+/// \class TsXTPGauge
+/// The gauge of the toolkit status bar: a progress bar in the toolkit's flat
+/// look that shows the value as a whole percentage. The control is told of a
+/// new position only when the percentage changes, so a computation that
+/// reports thousands of values a second costs at most a hundred repaints.
 
 #include <KORVAutlwin/progress/TsGaugeBase.h>
 

@@ -9,6 +9,7 @@
 
 constexpr int LF_FACESIZE = 32;
 
+/// A font description: height, weight, pitch and family bits, face name.
 struct LOGFONT
 {
     long lfHeight;

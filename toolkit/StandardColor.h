@@ -1,13 +1,14 @@
 #pragma once
-// The suite's colours: the same base colours for every window and plot, the
-// semantic colours of spreadsheet cells, and the colour conversions that plots
-// use for gradients. All colours are COLORREF values (0x00BBGGRR).
-//
-// Four base colours (blue, red, green, yellow) are chosen by the display at the
-// first getter call: each is the first of its candidates that the display shows
-// exactly (see DisplayColor.h for what decides), so a true-colour display gets
-// pastels and a palette display the nearest palette colours. Only the user
-// interface thread uses this class; nothing is locked.
+/// \class StandardColor
+/// The suite's colours: the same base colours for every window and plot, the
+/// semantic colours of spreadsheet cells, and the colour conversions that plots
+/// use for gradients. All colours are COLORREF values (0x00BBGGRR).
+///
+/// Four base colours (blue, red, green, yellow) are chosen by the display at the
+/// first getter call: each is the first of its candidates that the display shows
+/// exactly (see DisplayColor.h for what decides), so a true-colour display gets
+/// pastels and a palette display the nearest palette colours. Only the user
+/// interface thread uses this class; nothing is locked.
 
 #include <KORVAutlwin/toolkit/ColorRef.h>
 

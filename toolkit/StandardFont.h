@@ -1,9 +1,10 @@
 #pragma once
-// The suite's twelve fonts, the same for every window. Most derive from the
-// message font, which on this platform is the application font
-// (QGuiApplication::font()); sizes in points become pixel heights at the
-// primary screen's vertical resolution. Only the user interface thread uses
-// this class; nothing is locked. Fonts need a GUI application.
+/// \class StandardFont
+/// The suite's twelve fonts, the same for every window. Most derive from the
+/// message font, which on this platform is the application font
+/// (QGuiApplication::font()); sizes in points become pixel heights at the
+/// primary screen's vertical resolution. Only the user interface thread uses
+/// this class; nothing is locked. Fonts need a GUI application.
 
 #include <KORVAutlwin/toolkit/LogFont.h>
 

@@ -1,11 +1,12 @@
 #pragma once
-// The suite's eight pens, the same for every window and plot. Three are stock
-// pens that live to process end; the five made ones can be unloaded and are
-// made again at the next getter call. Pens of width 0 are cosmetic: one device
-// pixel at any scale, the thinnest that the device draws. Styled pens keep the
-// platform's dash lengths in pixels: dash 18 on 6 off, dot 3 on 3 off,
-// dash-dot 9 on 6 off 3 on 6 off. Only the user interface thread uses this
-// class; nothing is locked.
+/// \class StandardPen
+/// The suite's eight pens, the same for every window and plot. Three are stock
+/// pens that live to process end; the five made ones can be unloaded and are
+/// made again at the next getter call. Pens of width 0 are cosmetic: one device
+/// pixel at any scale, the thinnest that the device draws. Styled pens keep the
+/// platform's dash lengths in pixels: dash 18 on 6 off, dot 3 on 3 off,
+/// dash-dot 9 on 6 off 3 on 6 off. Only the user interface thread uses this
+/// class; nothing is locked.
 
 #include <QPen>
 

@@ -1,22 +1,23 @@
 #pragma once
-// The abstract settings node: typed keys and sub-sections. Back-ends are
-// RegistrySection, XMLSection and IniFileSection.
-//
-// Every read returns false and leaves the value alone when the key is missing
-// or cannot be read, so a caller sets the default first and then reads. Every
-// creating or copying operation hands a new object to the caller, who deletes it.
-//
-// The bodies given here store floats, doubles, vectors and booleans as text
-// through the section's own string operations (ReadKey/WriteKey), so that any
-// back-end that stores text round-trips them exactly:
-//  - numbers in the shortest text that reads back to the same value, always
-//    with "." as decimal point ("0.1", "1e+300", "nan", "inf", "-inf");
-//  - booleans as "1" and "0"; reading also accepts "true"/"false" in any case;
-//  - vectors as their elements joined by ";" (string vectors by the separator
-//    the caller names); an empty vector is stored as an empty text.
-//
-// Derived classes that override one overload of a name should bring the others
-// into scope with a using-declaration (using ConfigurationSection::ReadKey;).
+/// \class ConfigurationSection
+/// The abstract settings node: typed keys and sub-sections. Back-ends are
+/// RegistrySection, XMLSection and IniFileSection.
+///
+/// Every read returns false and leaves the value alone when the key is missing
+/// or cannot be read, so a caller sets the default first and then reads. Every
+/// creating or copying operation hands a new object to the caller, who deletes it.
+///
+/// The bodies given here store floats, doubles, vectors and booleans as text
+/// through the section's own string operations (ReadKey/WriteKey), so that any
+/// back-end that stores text round-trips them exactly:
+///  - numbers in the shortest text that reads back to the same value, always
+///    with "." as decimal point ("0.1", "1e+300", "nan", "inf", "-inf");
+///  - booleans as "1" and "0"; reading also accepts "true"/"false" in any case;
+///  - vectors as their elements joined by ";" (string vectors by the separator
+///    the caller names); an empty vector is stored as an empty text.
+///
+/// Derived classes that override one overload of a name should bring the others
+/// into scope with a using-declaration (using ConfigurationSection::ReadKey;).
 
 #include <memory>
 #include <string>

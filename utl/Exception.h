@@ -1,6 +1,7 @@
 #pragma once
-// The one exception class of the suite: it carries a finished, user-readable
-// text and, optionally, the exceptions that caused it.
+/// \class Exception
+/// The one exception class of the suite: it carries a finished, user-readable
+/// text and, optionally, the exceptions that caused it.
 
 #include <memory>
 #include <string>

@@ -1,8 +1,9 @@
 #pragma once
-// A path taken apart into folder, name and extension, to be changed and merged again.
-//   "/data/run/model.tart" -> directory "/data/run/", name "model", extension ".tart"
-// The directory keeps its trailing "/", the extension its leading ".", so that
-// Merge() is simply their concatenation.
+/// \class FNClass
+/// A path taken apart into folder, name and extension, to be changed and merged again.
+///   "/data/run/model.tart" -> directory "/data/run/", name "model", extension ".tart"
+/// The directory keeps its trailing "/", the extension its leading ".", so that
+/// Merge() is simply their concatenation.
 
 #include <string>
 

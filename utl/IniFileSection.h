@@ -1,52 +1,53 @@
 #pragma once
-// One section of an INI file: "[Section]" lines followed by "key = value"
-// lines, as people write them by hand. The file keeps its order and its
-// comments (lines starting with ";" or "#") when it is written back; only the
-// layout of a line may change ("key=value" becomes "key = value", blank lines
-// are normalised).
-//
-// Names
-//  - Section and key names are compared without regard to ASCII case, as INI
-//    files always were; the file's own spelling is kept.
-//  - Keys that stand before the first "[Section]" line belong to the section "".
-//  - There are no sub-sections.
-//
-// Values
-//  - A value that starts or ends with blanks, or holds line breaks, is written
-//    as a block:  key = <<<END_OF_TEXT / the lines / END_OF_TEXT.
-//  - WriteKey refuses (false) what would not read back the same: a key that
-//    is empty, holds "=" or a line break, starts with "[", ";", "#" or a UTF-8
-//    signature, or starts or ends with a blank; a value that holds a carriage
-//    return, starts with "<<<" (unless it is written as a block), or has a
-//    line that reads END_OF_TEXT (in any case, blanks after it ignored); a
-//    section name that holds "]" or a line break or starts or ends with a blank.
-//
-// Writing
-//  - Every change (WriteKey, DeleteKey, DeleteSection) is written to the file
-//    at once, safely (SafeFileWriter): the file is replaced whole or not at
-//    all. A value that is already stored is not written again. With
-//    SetAutoSave(false) changes wait in memory for Flush.
-//  - Before a change, a file that someone else changed since it was read is
-//    read again, so that their edits are not overwritten.
-//  - A missing file is created by the first change; its folder must exist.
-//
-// Bad input
-//  The file is read as far as it can be, and every readable key is available.
-//  Lines that would be lost by writing the file back are kept by refusing to
-//  write: while the file holds such lines, every change returns false and the
-//  file stays exactly as it is (IsWritable, GetUnreadableLines). Such lines are
-//  text that is neither a comment, a "[Section]" line nor a "key = value" line;
-//  text after the "]" of a section line; a key given twice in one section; a
-//  comment before a section line that repeats an earlier section; a value
-//  block that never ends, is empty, or holds what would not read back once
-//  written (see Values); a key that starts with the bytes of a UTF-8
-//  signature, or a second signature; a NUL byte. A comment at the very end of
-//  the file is no such line: it is kept at the end. A file that cannot be
-//  read at all (other than missing) gives an empty section that refuses
-//  every change.
-//
-// Sections made by Copy share the file's content with this one; a section
-// and its copies belong to one thread at a time.
+/// \class IniFileSection
+/// One section of an INI file: "[Section]" lines followed by "key = value"
+/// lines, as people write them by hand. The file keeps its order and its
+/// comments (lines starting with ";" or "#") when it is written back; only the
+/// layout of a line may change ("key=value" becomes "key = value", blank lines
+/// are normalised).
+///
+/// Names
+///  - Section and key names are compared without regard to ASCII case, as INI
+///    files always were; the file's own spelling is kept.
+///  - Keys that stand before the first "[Section]" line belong to the section "".
+///  - There are no sub-sections.
+///
+/// Values
+///  - A value that starts or ends with blanks, or holds line breaks, is written
+///    as a block:  key = <<<END_OF_TEXT / the lines / END_OF_TEXT.
+///  - WriteKey refuses (false) what would not read back the same: a key that
+///    is empty, holds "=" or a line break, starts with "[", ";", "#" or a UTF-8
+///    signature, or starts or ends with a blank; a value that holds a carriage
+///    return, starts with "<<<" (unless it is written as a block), or has a
+///    line that reads END_OF_TEXT (in any case, blanks after it ignored); a
+///    section name that holds "]" or a line break or starts or ends with a blank.
+///
+/// Writing
+///  - Every change (WriteKey, DeleteKey, DeleteSection) is written to the file
+///    at once, safely (SafeFileWriter): the file is replaced whole or not at
+///    all. A value that is already stored is not written again. With
+///    SetAutoSave(false) changes wait in memory for Flush.
+///  - Before a change, a file that someone else changed since it was read is
+///    read again, so that their edits are not overwritten.
+///  - A missing file is created by the first change; its folder must exist.
+///
+/// Bad input
+///  The file is read as far as it can be, and every readable key is available.
+///  Lines that would be lost by writing the file back are kept by refusing to
+///  write: while the file holds such lines, every change returns false and the
+///  file stays exactly as it is (IsWritable, GetUnreadableLines). Such lines are
+///  text that is neither a comment, a "[Section]" line nor a "key = value" line;
+///  text after the "]" of a section line; a key given twice in one section; a
+///  comment before a section line that repeats an earlier section; a value
+///  block that never ends, is empty, or holds what would not read back once
+///  written (see Values); a key that starts with the bytes of a UTF-8
+///  signature, or a second signature; a NUL byte. A comment at the very end of
+///  the file is no such line: it is kept at the end. A file that cannot be
+///  read at all (other than missing) gives an empty section that refuses
+///  every change.
+///
+/// Sections made by Copy share the file's content with this one; a section
+/// and its copies belong to one thread at a time.
 
 #include <KORVAutl/ConfigurationSection.h>
 

@@ -1,5 +1,6 @@
 #pragma once
-// Texts of the current language resource module, by numeric id.
+/// \class LanguageString
+/// Texts of the current language resource module, by numeric id.
 
 namespace korva { class ResourceModule; }
 

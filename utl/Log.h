@@ -1,10 +1,11 @@
 #pragma once
-// The application log: one line per call, appended to a file in the per-user
-// data folder, $XDG_CONFIG_HOME/Tessmark/<application>/<version 2>/<application>.log
-// unless SetLogFile names another. A line reads
-//     2026-11-22 10:15:02.417 [3] 4711:4712 NTServiceApp::Run: text
-// with the importance in brackets, then process and thread id. Line feeds in
-// the text are written as "\n" so that every call stays one line.
+/// \class Log
+/// The application log: one line per call, appended to a file in the per-user
+/// data folder, `$XDG_CONFIG_HOME/Tessmark/<application>/<version 2>/<application>.log`
+/// unless SetLogFile names another. A line reads
+///     2026-11-22 10:15:02.417 [3] 4711:4712 NTServiceApp::Run: text
+/// with the importance in brackets, then process and thread id. Line feeds in
+/// the text are written as "\n" so that every call stays one line.
 
 #include <string>
 

@@ -1,8 +1,9 @@
 #pragma once
-// A language resource module: a string table by numeric id, and further
-// resources (HTML pages, XML defaults, pictures) by id and type. The English
-// module is compiled into KORVAutl; others can be read from a directory laid
-// out like resources/ of the source tree.
+/// \class korva::ResourceModule
+/// A language resource module: a string table by numeric id, and further
+/// resources (HTML pages, XML defaults, pictures) by id and type. The English
+/// module is compiled into KORVAutl; others can be read from a directory laid
+/// out like resources/ of the source tree.
 
 #include <cstddef>
 #include <map>
@@ -11,12 +12,14 @@
 
 namespace korva {
 
+/// One text of a module's string table, by its id.
 struct StringEntry
 {
     unsigned int id;
     const char* text;
 };
 
+/// One further resource of a module (HTML page, XML, picture), by id and type.
 struct ResourceEntry
 {
     unsigned int id;

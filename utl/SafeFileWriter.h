@@ -1,8 +1,9 @@
 #pragma once
-// Replaces a file's content so that a crash or a full disk never leaves a
-// half-written file behind: the new content goes to a temporary file in the
-// same folder, is forced to the disk, and is then renamed over the old file.
-// Readers see either the old or the new content, never a mixture.
+/// \class SafeFileWriter
+/// Replaces a file's content so that a crash or a full disk never leaves a
+/// half-written file behind: the new content goes to a temporary file in the
+/// same folder, is forced to the disk, and is then renamed over the old file.
+/// Readers see either the old or the new content, never a mixture.
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,7 @@
 #include <KORVAutl/TsFileUtl.h>
 
 #include <KORVAutlwin/platform/AtomicFile.h>
+#include <KORVAutlwin/platform/DynamicLibrary.h>
 
 #include <KORVAutl/FNClass.h>
 #include <KORVAutl/TsSystemInfo.h>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <random>
 
 bool CreateFolder(const char* path)
@@ -103,6 +105,26 @@ bool TsCopyFile(const char* source, const char* target, bool failIfExists)
 std::string TsGetExecutableDirectory()
 {
     return TsGetDirectory(TsSystemInfo::GetExecutablePath().c_str());
+}
+
+std::string TsGetLibraryDirectory()
+{
+    return TsGetDirectory(korva::GetModulePath(reinterpret_cast<const void*>(&TsGetLibraryDirectory)).c_str());
+}
+
+std::string TsGetCompanionProgramPath(const char* name)
+{
+    const std::string beside = TsPathAppend(TsGetExecutableDirectory().c_str(), name);
+    if (::access(beside.c_str(), X_OK) == 0)
+        return beside;
+    const std::filesystem::path companions = TsPathAppend(TsGetLibraryDirectory().c_str(), KORVA_LIBDIR_TO_COMPANIONS);
+    return (companions / name).lexically_normal().string();
+}
+
+std::string TsGetLibraryDataDirectory()
+{
+    const std::filesystem::path data = TsPathAppend(TsGetLibraryDirectory().c_str(), KORVA_LIBDIR_TO_DATA);
+    return data.lexically_normal().string();
 }
 
 unsigned long long GetNearUniqueID()

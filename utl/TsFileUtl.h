@@ -24,5 +24,16 @@ std::string TsGetFileExtension(const char* path);
 bool TsCopyFile(const char* source, const char* target, bool failIfExists);
 /// The folder of the running executable.
 std::string TsGetExecutableDirectory();
+/// The folder this library (libKORVAutl) was loaded from. Installed companions
+/// are found relative to it, so an installed tree can be moved as a whole.
+std::string TsGetLibraryDirectory();
+/// Where the library's companion program `name` (breakwin) lives: beside the
+/// running executable when it is there (the build tree, or programs installed
+/// with their own copy), else in the installed tree's program folder for
+/// companions, relative to the library.
+std::string TsGetCompanionProgramPath(const char* name);
+/// The installed tree's data folder of the library (the shipped art
+/// collections), relative to the library.
+std::string TsGetLibraryDataDirectory();
 /// A number that is unique with high probability (random, time and a counter).
 unsigned long long GetNearUniqueID();

@@ -1,10 +1,11 @@
 #pragma once
-// String helpers of the suite. Narrow texts are UTF-8.
-//
-// Numbers are read and written with "." as the decimal point whatever the
-// process locale (a Qt application switches to the user's locale at start),
-// so that texts in files, logs and settings look the same everywhere.
-// "Blanks" below are the C locale's white space: space, \t, \n, \v, \f, \r.
+/// \class TsString
+/// String helpers of the suite. Narrow texts are UTF-8.
+///
+/// Numbers are read and written with "." as the decimal point whatever the
+/// process locale (a Qt application switches to the user's locale at start),
+/// so that texts in files, logs and settings look the same everywhere.
+/// "Blanks" below are the C locale's white space: space, `\t`, `\n`, `\v`, `\f`, `\r`.
 
 #include <cstdarg>
 #include <string>

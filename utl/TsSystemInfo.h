@@ -1,17 +1,19 @@
 #pragma once
-// The running application's name and version.
-//
-// A program (or library) declares its version once, in any of its source files:
-//     KORVA_DECLARE_VERSION(2, 1, 0, 17)
-// The numbers land in the ELF section ".korva_version" of the file, where
-// GetApplicationVersion reads them back, for the running executable or for any
-// other file. An executable that declares none reports the suite's version,
-// which KORVAutl itself declares.
+/// \class TsSystemInfo
+/// The running application's name and version.
+///
+/// A program (or library) declares its version once, in any of its source files:
+///     KORVA_DECLARE_VERSION(2, 1, 0, 17)
+/// The numbers land in the ELF section ".korva_version" of the file, where
+/// GetApplicationVersion reads them back, for the running executable or for any
+/// other file. An executable that declares none reports the suite's version,
+/// which KORVAutl itself declares.
 
 #include <cstdint>
 #include <string>
 
 namespace korva {
+/// The version numbers a program declares, found by their magic number.
 struct VersionRecord
 {
     std::uint32_t magic;   // kVersionMagic

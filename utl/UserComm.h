@@ -1,7 +1,8 @@
 #pragma once
-// The process-wide channel through which code without a window of its own asks
-// and informs the user. The application installs an implementation (dialogs,
-// silent collection, ...); code below it only calls GetUserComm().
+/// \class UserComm
+/// The process-wide channel through which code without a window of its own asks
+/// and informs the user. The application installs an implementation (dialogs,
+/// silent collection, ...); code below it only calls GetUserComm().
 
 #include <functional>
 

@@ -1,7 +1,8 @@
 #pragma once
-// The source of an XML document that is neither a file nor a resource: the
-// clipboard, a network reply, a member of an archive. XMLSection reads such a
-// stream once, to its end, in its constructor.
+/// \class XMLInputStream
+/// The source of an XML document that is neither a file nor a resource: the
+/// clipboard, a network reply, a member of an archive. XMLSection reads such a
+/// stream once, to its end, in its constructor.
 
 #include <cstddef>
 #include <string>

@@ -1,41 +1,42 @@
 #pragma once
-// Settings in an XML document: a settings file, an XML resource of the
-// language module, a stream, or a document in memory.
-//
-// Layout
-//  - The top section is the document's root element; a new document has the
-//    root element "Tessmark". Sections are child elements.
-//  - WriteKey stores a key as an attribute of the section's element. A key is
-//    also read from a child element that holds only text (no attributes, no
-//    child elements, some text), as people tend to write by hand:
-//        <Options Colour="red"><Title>My title</Title></Options>
-//    holds the keys "Colour" and "Title". Writing such a key replaces the
-//    element by the attribute. An empty element is a section, never a key, so
-//    an empty value is only kept as an attribute. Every other child element is
-//    a section.
-//  - Indexed children: ChangeSubSection(name, N), CreateSubSection(name, N) and
-//    HasSection(name, N) address the N-th section element called `name`, in
-//    document order, counted from 1; an index of -1 means the plain child
-//    (the first one of that name).
-//  - Values round-trip exactly, whatever they hold: line breaks, carriage
-//    returns, tabs, blanks at either end, quotes, "<", "&", any UTF-8 text
-//    (such characters are written as character references). A line break
-//    typed literally into an attribute by hand reads as a blank, as XML has it.
-//  - Comments, processing instructions and the declaration of a file are
-//    kept when it is written back.
-//  - Names that are no XML names are encoded; see korva::EncodeXMLName below.
-//    Callers always use the plain names.
-//  - Key and section names are compared exactly, with case.
-//
-// Sharing
-//  All sections made from one constructor call (Copy, CreateSubSection,
-//  CopyAndChange..., GetAllSubSections) are views on one document, which lives
-//  as long as any view does; a child view may outlive its parent. Flush from
-//  any view writes the whole document. When a section's element is deleted
-//  (DeleteSection, or deleting its parent), every view on it or below it is
-//  left on nothing: reads and writes then fail, and ChangeSection(name) of the
-//  view that stood on the deleted element moves to that element's sibling
-//  `name`. A document and its views belong to one thread at a time.
+/// \class XMLSection
+/// Settings in an XML document: a settings file, an XML resource of the
+/// language module, a stream, or a document in memory.
+///
+/// Layout
+///  - The top section is the document's root element; a new document has the
+///    root element "Tessmark". Sections are child elements.
+///  - WriteKey stores a key as an attribute of the section's element. A key is
+///    also read from a child element that holds only text (no attributes, no
+///    child elements, some text), as people tend to write by hand:
+///        `<Options Colour="red"><Title>My title</Title></Options>`
+///    holds the keys "Colour" and "Title". Writing such a key replaces the
+///    element by the attribute. An empty element is a section, never a key, so
+///    an empty value is only kept as an attribute. Every other child element is
+///    a section.
+///  - Indexed children: ChangeSubSection(name, N), CreateSubSection(name, N) and
+///    HasSection(name, N) address the N-th section element called `name`, in
+///    document order, counted from 1; an index of -1 means the plain child
+///    (the first one of that name).
+///  - Values round-trip exactly, whatever they hold: line breaks, carriage
+///    returns, tabs, blanks at either end, quotes, "<", "&", any UTF-8 text
+///    (such characters are written as character references). A line break
+///    typed literally into an attribute by hand reads as a blank, as XML has it.
+///  - Comments, processing instructions and the declaration of a file are
+///    kept when it is written back.
+///  - Names that are no XML names are encoded; see korva::EncodeXMLName below.
+///    Callers always use the plain names.
+///  - Key and section names are compared exactly, with case.
+///
+/// Sharing
+///  All sections made from one constructor call (Copy, CreateSubSection,
+///  CopyAndChange..., GetAllSubSections) are views on one document, which lives
+///  as long as any view does; a child view may outlive its parent. Flush from
+///  any view writes the whole document. When a section's element is deleted
+///  (DeleteSection, or deleting its parent), every view on it or below it is
+///  left on nothing: reads and writes then fail, and ChangeSection(name) of the
+///  view that stood on the deleted element moves to that element's sibling
+///  `name`. A document and its views belong to one thread at a time.
 
 #include <KORVAutl/ConfigurationSection.h>
 

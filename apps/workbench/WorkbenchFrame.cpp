@@ -3,9 +3,14 @@
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
+#include "FailureDemos.h"
+#include "OperationsDemos.h"
+#include "PrintDemos.h"
 #include "ListDemos.h"
 #include "ProgressDemos.h"
+#include "ToolkitDemos.h"
 #include "UserCommDemos.h"
+#include "WorkspaceDemos.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
@@ -122,12 +127,17 @@ void WorkbenchFrame::BuildMenus()
     });
     OnCommand(eThrowUnknown, [] { throw UnknownFailure{42}; });
     OnCommand(eNullPointer, [this] { SetMessageText(std::to_string(ReadThroughNull())); });
+    AddFailureDemos(*this);
 
     AddDialogDemos(*this);
     AddProgressDemos(*this);
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddOperationsDemos(*this);
+    AddPrintDemos(*this);
+    AddWorkspaceDemos(*this);
+    AddToolkitDemos(*this);
     AddListDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
