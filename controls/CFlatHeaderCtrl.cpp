@@ -73,7 +73,8 @@ void CFlatHeaderCtrl::DrawFlatBorder(QPainter* painter)
         const int logical = logicalIndex(visual);
         if (isSectionHidden(logical))
             continue;
-        const int x = sectionViewportPosition(logical) + sectionSize(logical) - 1;
+        // The edge is the first pixel behind the column, as the platform's item rectangles end.
+        const int x = sectionViewportPosition(logical) + sectionSize(logical);
         painter->setPen(light);
         painter->drawLine(x, 2, x, h - 2);
         painter->setPen(shadow);
@@ -110,7 +111,7 @@ void CFlatHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int log
                           painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
     }
     if (logicalIndex == mSortColumn) {
-        const int r = item.right(), b = item.bottom();
+        const int r = item.left() + item.width(), b = item.top() + item.height(); // exclusive edges
         const QPen shadow(Sys(COLOR_BTNSHADOW)), light(Sys(COLOR_BTNHIGHLIGHT));
         if (mSortAscending) {
             painter->setPen(shadow);

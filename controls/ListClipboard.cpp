@@ -126,3 +126,10 @@ std::string ListClipboard::MakeHTMLClipStringFromText(const std::string& text)
     PutOffset(block, "EndFragment:", block.find("<!--EndFrag"));
     return block;
 }
+
+std::string ListClipboard::MakeClipboardBlock(const std::string& descriptor)
+{
+    std::string block = descriptor;
+    block.append(1 + kBlockSpare, '\0');
+    return block;
+}

@@ -39,4 +39,9 @@ public:
     /// a line feed, the tail, with the four offsets filled in as "%08u" byte
     /// offsets. The platform block adds the NUL and 3 spare bytes.
     static std::string MakeHTMLClipStringFromText(const std::string& text);
+    /// Spare bytes of the clipboard block behind the descriptor's NUL.
+    static constexpr size_t kBlockSpare = 3;
+    /// The clipboard block of a descriptor: its bytes, the terminating NUL and
+    /// the spare bytes (zeros), as the "HTML Format" data holds them.
+    static std::string MakeClipboardBlock(const std::string& descriptor);
 };

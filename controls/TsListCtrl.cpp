@@ -597,11 +597,14 @@ void TsListCtrl::AddToClipboardImpl(const Formatter& formatter)
         } catch (const std::bad_alloc&) {
             TsMessageBox(13288, MB_OK | MB_ICONERROR);
         }
-        const std::string block = ListClipboard::MakeHTMLClipStringFromText(ListClipboard::ToHTML(*this, formatter));
+        const std::string descriptor =
+            ListClipboard::MakeHTMLClipStringFromText(ListClipboard::ToHTML(*this, formatter));
+        const std::string block = ListClipboard::MakeClipboardBlock(descriptor);
         mime->setData(QStringLiteral("application/x-qt-windows-mime;value=\"%1\"")
                           .arg(QString::fromLatin1(ListClipboard::kHtmlFormatName)),
                       QByteArray(block.data(), static_cast<qsizetype>(block.size())));
-        mime->setHtml(QString::fromStdString(block.substr(block.find("<html>"))));
+        // The fragment in its document: from "<html>" (StartHTML) to the end (EndHTML).
+        mime->setHtml(QString::fromStdString(descriptor.substr(descriptor.find("<html>"))));
     } catch (const std::exception&) {
         TsMessageBox(13287, MB_OK | MB_ICONERROR);
     }

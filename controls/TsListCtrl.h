@@ -37,7 +37,10 @@ class TsListCtrl : public QTreeView, public ClipboardTable
     Q_OBJECT
 
 public:
+    /// Which rows go out, and with what head; the two kinds the list uses.
     using Formatter = ListFormatter;
+    using AllItemsFormatter = ::AllItemsFormatter;
+    using SelectedItemsFormatter = ::SelectedItemsFormatter;
 
     /// What the list tells its parent when an edit ends by Escape or a refusal
     /// (LVN_ENDLABELEDIT): text is null after Escape. A result of 1 accepts the text.

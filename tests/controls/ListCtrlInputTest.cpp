@@ -114,7 +114,7 @@ TEST_F(ListCtrlInput, KeyboardTableAndClipboardBytes)
                                  "<tr><td>Größe</td><td>r2c1</td><td>r2c2</td></tr></tbody></table>";
     const std::string block = ListClipboard::MakeHTMLClipStringFromText(fragment);
     const QByteArray descriptor = mime->data(QStringLiteral("application/x-qt-windows-mime;value=\"HTML Format\""));
-    EXPECT_EQ(descriptor.toStdString(), block);
+    EXPECT_EQ(descriptor.toStdString(), block + std::string(4, '\0')); // the NUL and 3 spare bytes
     EXPECT_TRUE(mime->html().startsWith(QStringLiteral("<html>")));
 
     QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
