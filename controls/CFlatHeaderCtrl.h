@@ -7,6 +7,7 @@
 
 class TsListCtrl;
 
+/// The flat header of a TsListCtrl: button-face items, flat border lines and its own sort triangle.
 class CFlatHeaderCtrl : public QHeaderView
 {
     Q_OBJECT

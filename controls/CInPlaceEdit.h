@@ -9,6 +9,7 @@
 
 class TsListCtrl;
 
+/// The editor of one list cell; it commits on focus loss and moves between cells by key.
 class CInPlaceEdit : public QLineEdit
 {
     Q_OBJECT

@@ -5,6 +5,7 @@
 
 #include <KORVAutlwin/controls/TsListCtrl.h>
 
+/// A TsListCtrl with check boxes in the cells of chosen columns.
 class CheckBoxListCtrl : public TsListCtrl
 {
     Q_OBJECT

@@ -16,6 +16,7 @@ class QComboBox;
 class QEventLoop;
 class TsListCtrl;
 
+/// The filter popup: a combo box of remembered filters over a virtual list of the items that pass.
 class FilterListCtrlPopupBar : public QFrame
 {
     Q_OBJECT

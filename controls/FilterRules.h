@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+/// The filter popup's window-free rules: the visible items, the remembered filters, the stored size.
 class FilterRules
 {
 public:

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+/// Which rows a TsFindAndSelectEdit selects for a typed text, in each of its five modes.
 class FindAndSelectRules
 {
 public:

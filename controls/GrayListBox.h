@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+/// A list box whose grey entries count as unselected.
 class GrayListBox : public QListWidget
 {
     Q_OBJECT

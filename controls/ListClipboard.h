@@ -19,6 +19,7 @@ public:
     virtual std::string GetClipboardItemText(int row, int col) const = 0;
 };
 
+/// The clipboard forms of a table: tab text, the HTML fragment and its "HTML Format" descriptor.
 class ListClipboard
 {
 public:

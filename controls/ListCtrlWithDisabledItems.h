@@ -3,6 +3,7 @@
 
 #include <KORVAutlwin/controls/TsListCtrl.h>
 
+/// A TsListCtrl that draws the rows its subclass calls disabled grey and struck through.
 class ListCtrlWithDisabledItems : public TsListCtrl
 {
     Q_OBJECT

@@ -40,6 +40,7 @@ constexpr int LVCFMT_RIGHT = 1;
 constexpr int LVCFMT_CENTER = 2;
 constexpr int LVCFMT_JUSTIFYMASK = 3;
 
+/// The rows and columns of a report list as a Qt item model, with the platform list's state bits.
 class ListData : public QAbstractTableModel
 {
     Q_OBJECT
@@ -48,6 +49,7 @@ public:
     /// Item roles beyond Qt's: the state bits, the image index and the item data.
     enum ERole { eStateRole = Qt::UserRole + 1, eImageRole, eItemDataRole };
 
+    /// One column: title, width, format and the header item's parameter.
     struct Column
     {
         std::string title;

@@ -8,6 +8,7 @@
 
 class ListData;
 
+/// The report list's window-free rules: sort, selection bookkeeping, columns, keys, editor moves, drag steps.
 class ListRules
 {
 public:
@@ -71,6 +72,7 @@ public:
                              int& col);
 
     // --- drag timer ----------------------------------------------------------
+    /// One tick of a drag selection: the scroll direction, the overshoot and the target row.
     struct DragStep
     {
         int direction = 0; ///< -1 up, +1 down

@@ -11,6 +11,7 @@ class QLabel;
 class QRadioButton;
 class TsListCtrl;
 
+/// Picks one item, or checks several (optionally with one marked option), from a one-column list.
 class SelectItemDialog : public TsDialog
 {
     Q_OBJECT

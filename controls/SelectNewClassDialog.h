@@ -8,6 +8,7 @@
 
 class QComboBox;
 
+/// Picks an existing class or phase by name, or takes a new class name.
 class SelectNewClassDialog : public TsDialog
 {
     Q_OBJECT

@@ -14,6 +14,7 @@ public:
     virtual void TimedEditTriggered(TimedEditBox& box) = 0;
 };
 
+/// A TsTimedEdit that tells a TimedEditParent of each pause in typing; text set by SetText triggers nothing.
 class TimedEditBox : public TsTimedEdit
 {
     Q_OBJECT

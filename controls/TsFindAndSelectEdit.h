@@ -8,6 +8,7 @@
 
 class TsListCtrl;
 
+/// An edit box that selects the rows of a TsListCtrl matching what the user types.
 class TsFindAndSelectEdit : public TsTimedEdit
 {
     Q_OBJECT

@@ -32,6 +32,7 @@ class QStyleOptionViewItem;
 /// No colour: the COLORREF -1.
 constexpr COLORREF CLR_NONE = 0xFFFFFFFF;
 
+/// The suite's report list: sortable, bulk-selectable, editable in its cells, copied as text and "HTML Format".
 class TsListCtrl : public QTreeView, public ClipboardTable
 {
     Q_OBJECT

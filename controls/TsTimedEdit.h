@@ -5,6 +5,7 @@
 #include <QBasicTimer>
 #include <QLineEdit>
 
+/// An edit box that calls EditTriggered only when typing pauses for its delay (at least 100 ms).
 class TsTimedEdit : public QLineEdit
 {
     Q_OBJECT
