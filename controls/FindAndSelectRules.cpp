@@ -4,6 +4,22 @@
 
 #include <strings.h>
 
+namespace {
+
+// Keeps the first `limit` characters of UTF-8 text, never half a character.
+void CutToCharacters(std::string& text, size_t limit)
+{
+    size_t characters = 0;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if ((static_cast<unsigned char>(text[at]) & 0xC0) != 0x80 && characters++ == limit) {
+            text.resize(at);
+            return;
+        }
+    }
+}
+
+} // namespace
+
 int FindAndSelectRules::ResolveMode(int mode, const std::string& text)
 {
     if (mode != eAutomatic)
@@ -43,7 +59,7 @@ std::vector<int> FindAndSelectRules::FindMatches(int mode, const std::string& te
     for (int row = 0; row < rowCount; ++row) {
         std::string cell = cellText(row);
         if (cell.size() > kCellTextLimit)
-            cell.resize(kCellTextLimit);
+            CutToCharacters(cell, kCellTextLimit);
         bool hit = false;
         switch (mode) {
         case eWildcard: hit = TsString::WildCardCompare(pattern.c_str(), cell.c_str(), false); break;

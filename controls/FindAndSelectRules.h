@@ -18,7 +18,7 @@ public:
         eNumeric = 3,   ///< the row's value against a limit expression
         eEquals = 4     ///< the cell equals the text, ignoring case
     };
-    /// Cells are compared by their first 255 bytes, as read into a 256-byte buffer.
+    /// Cells are compared by their first 255 characters, as read into a 256-character buffer.
     static constexpr size_t kCellTextLimit = 255;
 
     /// eAutomatic resolved for `text`; other modes as they are.

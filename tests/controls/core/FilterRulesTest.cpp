@@ -66,7 +66,15 @@ TEST(FilterRules, RememberedFilters)
 
 TEST(FindAndSelectRules, Modes)
 {
-    const std::vector<std::string> cells = {"abc", "xab", "ABX", "cab", "ab", std::string(300, 'a') + "zz"};
+    auto repeat = [](const char* piece, int times) {
+        std::string text;
+        while (times-- > 0)
+            text += piece;
+        return text;
+    };
+    // The long cell is cut after 255 characters, not bytes.
+    const std::string e255 = repeat("é", 255);
+    const std::vector<std::string> cells = {"abc", "xab", "ABX", "cab", "ab", repeat("é", 300) + "zz"};
     const float values[] = {1.0f, 5.0f, 7.5f, 10.0f, -2.0f, 6.0f};
     auto cell = [&](int row) { return cells[static_cast<size_t>(row)]; };
     struct Case
@@ -78,7 +86,7 @@ TEST(FindAndSelectRules, Modes)
         {0, "ab", {0, 2, 4}},       {0, "*ab", {1, 3, 4}},      {1, "AB", {0, 1, 2, 3, 4}},
         {2, "c*", {3}},          {2, "x", {1, 2}},           {4, "AB", {4}},
         {1, "zz", {}},              {3, "5..7.5", {1, 2, 5}},   {3, ">= 6", {2, 3, 5}},
-        {3, "not a limit", {}},
+        {3, "not a limit", {}},     {4, e255.c_str(), {5}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.mode << " " << c.text);
