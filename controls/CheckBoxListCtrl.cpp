@@ -2,6 +2,7 @@
 
 #include <KORVAutlwin/toolkit/DisplayColor.h>
 
+#include <QIcon>
 #include <QPainter>
 #include <QStyleOptionButton>
 #include <QStyleOptionViewItem>
@@ -63,30 +64,31 @@ void CheckBoxListCtrl::OnClick(int row, int col, const QPoint& point)
 void CheckBoxListCtrl::PrepaintItem(int row, int col, QStyleOptionViewItem& option) const
 {
     TsListCtrl::PrepaintItem(row, col, option);
-    // The text is ours to place behind the box.
-    if (ShouldShowColumnCheckBoxes(col))
-        option.text.clear();
+    // The list is owner-drawn: the view fills the row, the cell's text and box are ours.
+    option.text.clear();
+    option.icon = QIcon();
+    option.features &= ~QStyleOptionViewItem::HasDecoration;
 }
 
 void CheckBoxListCtrl::PostpaintItem(QPainter* painter, const QStyleOptionViewItem& option, int row, int col) const
 {
-    if (!ShouldShowColumnCheckBoxes(col))
-        return;
-    const QRect cell = option.rect.adjusted(3, 0, -3, 0);
+    QRect cell = option.rect.adjusted(3, 0, -3, 0);
     painter->save();
     painter->setClipRect(cell);
-    const int box = style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, this);
-    QStyleOptionButton check;
-    check.rect = QRect(cell.left(), cell.top() + (cell.height() - box) / 2, box, box);
-    check.state = (IsCheckBoxChecked(row, col) ? QStyle::State_On : QStyle::State_Off) |
-                  (isEnabled() ? QStyle::State_Enabled : QStyle::State_None);
-    check.features = QStyleOptionButton::Flat;
-    style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &check, painter, this);
+    if (ShouldShowColumnCheckBoxes(col)) {
+        const int box = style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, this);
+        QStyleOptionButton check;
+        check.rect = QRect(cell.left(), cell.top() + (cell.height() - box) / 2, box, box);
+        check.state = (IsCheckBoxChecked(row, col) ? QStyle::State_On : QStyle::State_Off) |
+                      (isEnabled() ? QStyle::State_Enabled : QStyle::State_None);
+        check.features = QStyleOptionButton::Flat;
+        style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &check, painter, this);
+        cell.setLeft(cell.left() + box + 3);
+    }
     const bool selected = option.state & QStyle::State_Selected;
     painter->setPen(selected ? korva::ToQColor(korva::GetSysColor(COLOR_HIGHLIGHTTEXT)) : korva::ToQColor(GetTextColor()));
-    const QRect text = cell.adjusted(box + 3, 0, 0, 0);
     const QString label = QString::fromStdString(GetItemText(row, col));
-    painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                      painter->fontMetrics().elidedText(label, Qt::ElideRight, text.width()));
+    painter->drawText(cell, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                      painter->fontMetrics().elidedText(label, Qt::ElideRight, cell.width()));
     painter->restore();
 }

@@ -200,6 +200,8 @@ void AddListDemos(TessmaMDIFrame& frame)
     frame.AddCommand(menu, eDemoMultiSelect, QObject::tr("Select &several items"));
     frame.AddCommand(menu, eDemoOptionSelect, QObject::tr("Select items with an o&ption"));
     frame.AddCommand(menu, eDemoNewClass, QObject::tr("Select or enter a &class"));
+    menu->addSeparator();
+    frame.AddCommand(menu, eDemoSpecialisedLists, QObject::tr("Specialised &lists"));
 
     TessmaMDIFrame* target = &frame;
     frame.OnCommand(eDemoLargeList, [target] { OpenDocument(*target); });
@@ -212,6 +214,7 @@ void AddListDemos(TessmaMDIFrame& frame)
         document->GetFind()->setText(QStringLiteral("Spelt"));
         document->GetColumnChooser()->setCurrentIndex(2); // searches the materials at once
     });
+    frame.OnCommand(eDemoSpecialisedLists, [target] { ShowSpecialisedListsDemo(target); });
     frame.OnCommand(eDemoFilterPopup, [target] {
         SampleListDocument* document = OpenDocument(*target);
         document->FilterSamples();

@@ -3,6 +3,7 @@
 // sort by header clicks, select by dragging, typing or keys, filter in the
 // popup and copy as text and HTML; and the ready-made selection dialogs.
 
+class QWidget;
 class TessmaMDIFrame;
 
 /// Command ids of the list demos.
@@ -14,8 +15,11 @@ enum EListDemo : unsigned int
     eDemoMultiSelect = 34103,      // TsMultiSelectItemDialog with its context menu
     eDemoOptionSelect = 34104,     // TsOptionMultiSelectItemDialog with three options
     eDemoNewClass = 34105,         // SelectNewClassDialog
-    eDemoSortedList = 34106        // the document sorted by protein, rows of one material selected
+    eDemoSortedList = 34106,       // the document sorted by protein, rows of one material selected
+    eDemoSpecialisedLists = 34107  // check boxes in cells, disabled rows, grey entries, a timed edit
 };
 
 /// Adds the "&Lists" menu with the commands above to `frame`.
 void AddListDemos(TessmaMDIFrame& frame);
+/// Shows the dialog with the list's small relatives.
+void ShowSpecialisedListsDemo(QWidget* parent);
