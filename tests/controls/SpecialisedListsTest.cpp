@@ -306,6 +306,7 @@ TEST_F(Specialised, DisabledRowsAreStruckThrough)
     Show(list);
     const QImage image = list->viewport()->grab().toImage();
     const QColor grey = korva::ToQColor(korva::GetSysColor(COLOR_GRAYTEXT));
+    EXPECT_NE(grey, korva::ToQColor(list->GetTextColor())); // grey rows must look grey
     EXPECT_GT(LongestRun(image, list->GetItemRect(1), grey), 60);
     EXPECT_LT(LongestRun(image, list->GetItemRect(0), grey), 10);
 }
