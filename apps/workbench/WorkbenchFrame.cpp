@@ -6,6 +6,7 @@
 #include "FailureDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
+#include "ListDemos.h"
 #include "ProgressDemos.h"
 #include "PropertyDemos.h"
 #include "ToolkitDemos.h"
@@ -139,6 +140,7 @@ void WorkbenchFrame::BuildMenus()
     AddPrintDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
+    AddListDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
