@@ -1,11 +1,12 @@
 // The workbench: the suite shell that shows every part of the library at work,
 // in an MDI frame with a splash at start.
-//   Workbench [--screenshot FILE [--command ID [--main-window]]]
+//   Workbench [--screenshot FILE [--command ID [--main-window | --frame]]]
 // With --screenshot the main window is saved as a picture once it has been
 // shown, and the program ends (run it with QT_QPA_PLATFORM=offscreen to need no
 // display). With --command as well, command ID runs first and the picture is of
 // the dialog it opens, which is then closed; with --main-window it is of the
 // main window, for commands that open a document.
+// --frame is the same as --main-window with a longer wait.
 
 #include "WorkbenchFrame.h"
 
@@ -65,8 +66,9 @@ public:
             const int command = arguments.indexOf(QStringLiteral("--command"));
             if (command >= 0 && command + 1 < arguments.size()) {
                 const unsigned int id = arguments[command + 1].toUInt();
-                if (arguments.contains(QStringLiteral("--main-window")))
-                    QTimer::singleShot(700, frame, [this, frame] { SaveScreenshot(frame); });
+                // --main-window or --frame: the command opens a window in the frame, not a dialog.
+                if (arguments.contains(QStringLiteral("--main-window")) || arguments.contains(QStringLiteral("--frame")))
+                    QTimer::singleShot(1500, frame, [this, frame] { SaveScreenshot(frame); });
                 else
                     QTimer::singleShot(300, frame, [this, id] { ScreenshotOfDialog(id); });
                 QTimer::singleShot(200, frame, [frame, id] { frame->ExecuteCommand(id); });
@@ -109,6 +111,8 @@ private:
     void ScreenshotOfDialog(unsigned int id)
     {
         QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            dialog = QApplication::activePopupWidget();
         if (!dialog) {
             if (++mTries > 50) {
                 std::fprintf(stderr, "Workbench: command %u opened no dialog\n", id);
@@ -129,7 +133,10 @@ private:
     // closing it under a running command would delete the dialogs it owns.
     void CloseWhenIdle()
     {
-        if (QWidget* dialog = QApplication::activeModalWidget()) {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            dialog = QApplication::activePopupWidget();
+        if (dialog) {
             dialog->close();
             QTimer::singleShot(100, GetMainWnd(), [this] { CloseWhenIdle(); });
             return;

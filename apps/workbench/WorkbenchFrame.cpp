@@ -5,6 +5,7 @@
 #include "ExecuteDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
+#include "ListDemos.h"
 #include "ProgressDemos.h"
 #include "UserCommDemos.h"
 
@@ -131,6 +132,7 @@ void WorkbenchFrame::BuildMenus()
     AddExecuteDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
+    AddListDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
