@@ -35,6 +35,7 @@ korva_install_program(artpack ${CMAKE_INSTALL_BINDIR})
 korva_install_program(workbench ${CMAKE_INSTALL_BINDIR})
 korva_install_program(syslogsend ${CMAKE_INSTALL_BINDIR})
 korva_install_program(eventsource ${CMAKE_INSTALL_BINDIR})
+korva_install_program(sampleservice ${CMAKE_INSTALL_BINDIR})
 install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/Abstracts.tart DESTINATION ${KORVA_DATA_DIR} COMPONENT runtime)
 
 install(EXPORT KORVAutlwinTargets NAMESPACE KORVAutlwin:: DESTINATION ${KORVA_CMAKE_DIR} COMPONENT development)

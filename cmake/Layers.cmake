@@ -11,6 +11,7 @@ function(korva_layer name)
   target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${KORVA_INCLUDE_DIR}>
                                             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${name} PUBLIC ${arg_LINKS})
+  target_compile_options(${name} PUBLIC ${KORVA_FAULT_UNWIND_OPTIONS})
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
   korva_version_definitions(${name})
 endfunction()

@@ -14,12 +14,15 @@ namespace korva {
 
 namespace {
 
-// One active guard of a thread; the innermost is where a fault jumps back to.
+// One active guard of a thread; the innermost is where a fault goes.
 struct GuardFrame
 {
+    // Only for a fault that cannot be unwound (see the header).
     sigjmp_buf jump;
     GuardFrame* previous;
     volatile unsigned int code;
+    // An address inside the guard's frame: frames below it lie between the fault and the guard.
+    std::uintptr_t anchor;
 };
 
 // Static TLS: plain loads on the hot path, and no lazy allocation when the
@@ -56,10 +59,18 @@ extern "C" void FaultHandler(int signal, siginfo_t* info, void* context)
     GuardFrame* frame = tInnermost;
     // A signal that another process sent is not translated.
     if (frame && IsOwnSignal(info)) {
+        // The mask and floating-point state of the interrupted code come back, as a return from here would restore them.
+        // The guard pops itself when the exception passes it.
+        if (!overflow && CanThrowToFrame(context, frame->anchor)) {
+            RestoreInterruptedState(context);
+            throw TsSystemException(code);
+        }
+        // No stack left to run the cleanups on, or a frame on the way that cannot be
+        // unwound from here: back to the guard, past everything in between.
         frame->code = code;
         tInnermost = frame->previous;
         std::atomic_signal_fence(std::memory_order_seq_cst);
-        // SA_NODEFER left the mask alone, so there is no mask to restore.
+        RestoreInterruptedState(context);
         siglongjmp(frame->jump, 1);
     }
     HandleCrash(signal, info, context, code);
@@ -124,7 +135,8 @@ void RunWithFaultTranslation(const std::function<void()>& body)
     GuardFrame frame;
     frame.previous = tInnermost;
     frame.code = 0;
-    // No mask saved: the handlers use SA_NODEFER, so a fault leaves the mask as it was.
+    frame.anchor = reinterpret_cast<std::uintptr_t>(&frame);
+    // No mask saved: the handler restores the interrupted code's mask itself.
     if (sigsetjmp(frame.jump, 0) != 0) {
         // Back from a fault: the handler has already popped this guard.
         throw TsSystemException(frame.code);

@@ -2,8 +2,9 @@
 /// \class korva::GuardedApplication
 /// The QApplication of a GUI application of the suite. Its event dispatch is the
 /// safety net of every window: each event is delivered with processor faults
-/// translated into TsSystemException, and an exception that comes out of a
-/// handler is decided by the exception mask of the event's window (see TsDialog).
+/// translated into TsSystemException (unwound up to here, see FaultTranslation.h),
+/// and an exception that comes out of a handler is decided by the exception mask
+/// of the event's window (see TsDialog).
 
 #include <QApplication>
 

@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QAction>
 #include <QDockWidget>
 #include <QGuiApplication>
 #include <QMdiArea>
@@ -60,6 +61,25 @@ const QWidget* TopLevelOwner(const QWidget* window)
     while (const QWidget* owner = top->parentWidget())
         top = owner->window();
     return top;
+}
+
+bool IsFloating(const QWidget* bar)
+{
+    if (const auto* dock = qobject_cast<const QDockWidget*>(bar))
+        return dock->isFloating();
+    const auto* toolBar = qobject_cast<const QToolBar*>(bar);
+    return toolBar && toolBar->isFloating();
+}
+
+// A dock widget shows its widget; a tool bar its items that are not separators.
+bool HasVisibleContent(const QWidget* bar)
+{
+    if (const auto* dock = qobject_cast<const QDockWidget*>(bar))
+        return dock->widget() && !dock->widget()->isHidden();
+    for (const QAction* action : bar->actions())
+        if (action->isVisible() && !action->isSeparator())
+            return true;
+    return false;
 }
 
 long long OverlapArea(const QRect& a, const QRect& b)
@@ -143,17 +163,23 @@ void TessmaMDIFrame::MDITile()
 
 void TessmaMDIFrame::CloseAllChildWindows()
 {
+    // Hidden children count too (a tabbed workspace hides the other tabs'); a
+    // child closed here stays in the list until it is deleted, so it is noted.
+    std::set<QMdiSubWindow*> closed;
     for (;;) {
         QMdiSubWindow* child = MDIGetActive();
-        if (!child || child->isHidden()) {
+        if (!child || closed.count(child)) {
             child = nullptr;
             for (QMdiSubWindow* candidate : mMdiArea->subWindowList())
-                if (!candidate->isHidden()) {
+                if (!closed.count(candidate)) {
                     child = candidate;
                     break;
                 }
         }
-        if (!child || !child->close())
+        if (!child)
+            return;
+        closed.insert(child);
+        if (!child->close())
             return;
     }
 }
@@ -474,11 +500,40 @@ std::vector<QWidget*> TessmaMDIFrame::MyBars() const
     return bars;
 }
 
+TessmaMDIFrame::DockState TessmaMDIFrame::GetDockState() const
+{
+    DockState dock{saveState(), {}};
+    for (const QWidget* bar : MyBars())
+        if (IsFloating(bar) && !bar->objectName().isEmpty())
+            dock.floatingPositions[bar->objectName()] = bar->pos();
+    return dock;
+}
+
+bool TessmaMDIFrame::SetDockState(const DockState& dock)
+{
+    if (!restoreState(dock.state))
+        return false;
+    for (QWidget* bar : MyBars()) {
+        if (!IsFloating(bar))
+            continue;
+        // An empty floating window is a stray frame on the desktop.
+        if (!HasVisibleContent(bar)) {
+            bar->hide();
+            continue;
+        }
+        const auto stored = dock.floatingPositions.find(bar->objectName());
+        if (stored != dock.floatingPositions.end())
+            bar->move(stored->second);
+    }
+    return true;
+}
+
 bool TessmaMDIFrame::SaveBarState(const char* profileName) const
 {
     WinApp* app = WinApp::GetApp();
     if (!app || !profileName)
         return false;
+    const DockState dock = GetDockState();
     // A fresh section, so that no name of an earlier state is left behind.
     app->WriteProfileString(profileName, nullptr, nullptr);
     int count = 0;
@@ -488,9 +543,15 @@ bool TessmaMDIFrame::SaveBarState(const char* profileName) const
         const std::string key = "Bar" + std::to_string(count++);
         if (!app->WriteProfileString(profileName, key.c_str(), bar->objectName().toStdString().c_str()))
             return false;
+        const auto floating = dock.floatingPositions.find(bar->objectName());
+        if (floating == dock.floatingPositions.end())
+            continue;
+        const std::string position = std::to_string(floating->second.x()) + "," + std::to_string(floating->second.y());
+        if (!app->WriteProfileString(profileName, (key + "Float").c_str(), position.c_str()))
+            return false;
     }
     return app->WriteProfileInt(profileName, "BarCount", count) &&
-           app->WriteProfileString(profileName, "State", saveState().toBase64().constData());
+           app->WriteProfileString(profileName, "State", dock.state.toBase64().constData());
 }
 
 bool TessmaMDIFrame::LoadBarState(const char* profileName)
@@ -501,7 +562,17 @@ bool TessmaMDIFrame::LoadBarState(const char* profileName)
     const std::string state = app->GetProfileString(profileName, "State", "");
     if (state.empty())
         return false;
-    return restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
+    DockState dock{QByteArray::fromBase64(QByteArray::fromStdString(state)), {}};
+    const int count = app->GetProfileInt(profileName, "BarCount", 0);
+    for (int i = 0; i < count; ++i) {
+        const std::string key = "Bar" + std::to_string(i);
+        const std::string name = app->GetProfileString(profileName, key.c_str(), "");
+        int x = 0, y = 0;
+        if (!name.empty() &&
+            std::sscanf(app->GetProfileString(profileName, (key + "Float").c_str(), "").c_str(), "%d,%d", &x, &y) == 2)
+            dock.floatingPositions[QString::fromStdString(name)] = QPoint(x, y);
+    }
+    return SetDockState(dock);
 }
 
 int TessmaMDIFrame::VerifyBarState(const char* profileName) const

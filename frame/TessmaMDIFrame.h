@@ -26,10 +26,13 @@
 #include <KORVAutlwin/frame/WinApp.h>
 
 #include <QBasicTimer>
+#include <QByteArray>
+#include <QPoint>
 #include <QPointer>
 #include <QRect>
 
 #include <functional>
+#include <map>
 #include <new>
 #include <set>
 #include <string>
@@ -158,11 +161,27 @@ public:
     // Stored form: the profile section `profileName` holds "State", the bytes of
     // QMainWindow::saveState() as Base64 text, and "BarCount" with "Bar0" ...
     // "Bar<n-1>", the object names of the tool bars and dock widgets that the
-    // state describes. Bars without an object name are not stored.
+    // state describes; a bar that floats has "Bar<i>Float" beside its name, the
+    // screen position of its window as "x,y". Bars without an object name are not stored.
 
+    /// What the frame keeps of its bars: Qt's state bytes, and the screen
+    /// position of each floating bar's window by the bar's object name.
+    struct DockState
+    {
+        QByteArray state;
+        std::map<QString, QPoint> floatingPositions;
+    };
+
+    /// The state of the frame's tool bars and docks now.
+    DockState GetDockState() const;
+    /// Applies `state` as QMainWindow::restoreState does, then gives each floating
+    /// bar the stored position of its window, and hides each floating bar with no
+    /// visible content (a dock widget without a shown widget, a tool bar without a
+    /// visible item), whatever the state says. False when Qt refuses the state.
+    bool SetDockState(const DockState& state);
     /// Stores the state of the frame's tool bars and docks; false without an application object.
     bool SaveBarState(const char* profileName) const;
-    /// Restores a stored state; false when there is none or Qt refuses it.
+    /// Restores a stored state through SetDockState; false when there is none or Qt refuses it.
     /// Call VerifyBarState first: a state of other bars must not be applied.
     bool LoadBarState(const char* profileName);
     /// 1 when every bar named in the stored state is a tool bar or dock widget

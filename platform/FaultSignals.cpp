@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include <execinfo.h>
+#include <unwind.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
@@ -75,14 +77,148 @@ std::uintptr_t ContextValue(const void* context, bool programCounter)
 #endif
 }
 
+// Pointer encodings of exception tables (the low four bits).
+constexpr unsigned char kEncodingOmit = 0xff;
+enum : unsigned char
+{
+    eAbsolute = 0x00,
+    eUleb128 = 0x01,
+    eUdata2 = 0x02,
+    eUdata4 = 0x03,
+    eUdata8 = 0x04,
+    eSdata2 = 0x0a,
+    eSdata4 = 0x0b,
+    eSdata8 = 0x0c
+};
+
+bool ReadUleb128(const unsigned char*& p, std::uintptr_t& value)
+{
+    value = 0;
+    for (unsigned shift = 0; shift < 64; shift += 7) {
+        const unsigned char byte = *p++;
+        value |= static_cast<std::uintptr_t>(byte & 0x7f) << shift;
+        if (!(byte & 0x80))
+            return true;
+    }
+    return false;
+}
+
+template <typename T> std::uintptr_t ReadRaw(const unsigned char*& p)
+{
+    T value;
+    std::memcpy(&value, p, sizeof value);
+    p += sizeof value;
+    return static_cast<std::uintptr_t>(value);
+}
+
+// An offset of a call-site record; false for an encoding these tables do not use.
+bool ReadOffset(const unsigned char*& p, unsigned char encoding, std::uintptr_t& value)
+{
+    switch (encoding) {
+    case eAbsolute: value = ReadRaw<std::uintptr_t>(p); return true;
+    case eUleb128: return ReadUleb128(p, value);
+    case eUdata2: value = ReadRaw<std::uint16_t>(p); return true;
+    case eUdata4: value = ReadRaw<std::uint32_t>(p); return true;
+    case eUdata8: value = ReadRaw<std::uint64_t>(p); return true;
+    case eSdata2: value = ReadRaw<std::int16_t>(p); return true;
+    case eSdata4: value = ReadRaw<std::int32_t>(p); return true;
+    case eSdata8: value = ReadRaw<std::int64_t>(p); return true;
+    default: return false;
+    }
+}
+
+// True when the call-site table of `lsda` has a record for `ip`. The C++
+// personality ends the process at a frame that has a table but no record.
+bool CallSiteCovers(const unsigned char* lsda, std::uintptr_t regionStart, std::uintptr_t ip)
+{
+    const unsigned char* p = lsda;
+    if (*p++ != kEncodingOmit)
+        return false; // a landing-pad base of its own: not what our compilers write
+    std::uintptr_t skip = 0;
+    if (*p++ != kEncodingOmit && !ReadUleb128(p, skip))
+        return false;
+    const unsigned char encoding = *p++;
+    std::uintptr_t length = 0;
+    if (!ReadUleb128(p, length))
+        return false;
+    const unsigned char* const end = p + length;
+    while (p < end) {
+        std::uintptr_t start = 0, size = 0, landingPad = 0, action = 0;
+        if (!ReadOffset(p, encoding, start) || !ReadOffset(p, encoding, size) || !ReadOffset(p, encoding, landingPad) ||
+            !ReadUleb128(p, action))
+            return false;
+        if (ip >= regionStart + start && ip < regionStart + start + size)
+            return true;
+    }
+    return false;
+}
+
+struct ThrowWalk
+{
+    std::uintptr_t faultPc;
+    std::uintptr_t anchor;
+    bool started = false;
+    bool reached = false;
+};
+
+_Unwind_Reason_Code CheckFrame(_Unwind_Context* context, void* argument)
+{
+    auto& walk = *static_cast<ThrowWalk*>(argument);
+    int beforeInstruction = 0;
+    std::uintptr_t ip = _Unwind_GetIPInfo(context, &beforeInstruction);
+    // The handler's own frames and the signal frame come first.
+    if (!walk.started) {
+        if (!beforeInstruction || ip != walk.faultPc)
+            return _URC_NO_REASON;
+        walk.started = true;
+    }
+    if (_Unwind_GetCFA(context) > walk.anchor) {
+        walk.reached = true;
+        return _URC_END_OF_STACK;
+    }
+    if (!beforeInstruction)
+        --ip; // a return address: the call lies before it
+    const auto* lsda = static_cast<const unsigned char*>(_Unwind_GetLanguageSpecificData(context));
+    if (lsda && !CallSiteCovers(lsda, _Unwind_GetRegionStart(context), ip))
+        return _URC_END_OF_STACK;
+    return _URC_NO_REASON;
+}
+
 } // namespace
+
+void RestoreInterruptedState(const void* context)
+{
+    if (!context)
+        return;
+    const auto* uc = static_cast<const ucontext_t*>(context);
+#if defined(__x86_64__)
+    // The kernel gave the handler the default state; the flags that the fault raised stay cleared.
+    if (const auto* fpu = uc->uc_mcontext.fpregs) {
+        const unsigned int mxcsr = fpu->mxcsr & ~0x3Fu;
+        const unsigned short control = fpu->cwd;
+        asm volatile("fnclex\n\tfldcw %0\n\tldmxcsr %1" : : "m"(control), "m"(mxcsr));
+    }
+#endif
+    pthread_sigmask(SIG_SETMASK, &uc->uc_sigmask, nullptr);
+}
+
+bool CanThrowToFrame(const void* context, std::uintptr_t anchor)
+{
+    ThrowWalk walk{ContextProgramCounter(context), anchor};
+    if (walk.faultPc == 0)
+        return false;
+    _Unwind_Backtrace(&CheckFrame, &walk);
+    return walk.reached;
+}
 
 void InstallFaultHandler(int signal, FaultHandler handler)
 {
     struct sigaction action{};
     action.sa_sigaction = handler;
-    action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     sigemptyset(&action.sa_mask);
+    for (int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP})
+        sigaddset(&action.sa_mask, fault);
     sigaction(signal, &action, nullptr);
 }
 

@@ -16,9 +16,23 @@ namespace korva {
 using FaultHandler = void (*)(int signal, siginfo_t* info, void* context);
 
 /// Installs `handler` for `signal`, process-wide. It runs on the thread's
-/// alternate stack, gets the signal's details and context, and does not block
-/// the signal meanwhile, so that jumping out of it leaves the mask as it was.
+/// alternate stack and gets the signal's details and context. The fault signals
+/// are blocked while it runs, so a fault inside the handler ends the process
+/// instead of nesting; a handler that leaves other than by returning calls
+/// RestoreInterruptedState first.
 void InstallFaultHandler(int signal, FaultHandler handler);
+/// Gives the calling thread the signal mask and the floating-point control state
+/// (rounding, exception masks; not the raised flags) that the handler's `context`
+/// saved, those of the interrupted code, as a return from the handler would. Signal-safe.
+void RestoreInterruptedState(const void* context);
+/// True when an exception thrown from the handler of `context` would unwind every
+/// frame from the faulting one up to the frame that holds `anchor` (an address
+/// inside a frame with a catch-all): each of them has unwind information, and
+/// each that has cleanups or handlers has them for the point where it stopped.
+/// False when the walk does not get there, or a frame would end the process
+/// instead (a trapping instruction of code built without -fnon-call-exceptions,
+/// a noexcept function). For the handler of a synchronous fault only.
+bool CanThrowToFrame(const void* context, std::uintptr_t anchor);
 /// Gives the calling thread an alternate signal stack of at least `size` bytes,
 /// with an inaccessible page below it, unless it has one; it is freed when the
 /// thread ends. False when it has none afterwards.

@@ -1,5 +1,7 @@
 #include "PrintDemos.h"
 
+#include "DemoMenus.h"
+
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/toolkit/MissingDataMap.h>
 #include <KORVAutlwin/toolkit/PrintDC.h>
@@ -29,15 +31,6 @@
 #include <vector>
 
 namespace {
-
-// The menu of the bar titled `title`, made at the end when there is none yet.
-QMenu* MenuOf(TessmaMDIFrame& frame, const QString& title)
-{
-    for (QAction* action : frame.menuBar()->actions())
-        if (action->menu() && action->text() == title)
-            return action->menu();
-    return frame.AddCommandMenu(title);
-}
 
 // Where a printout goes as a PDF file: the documents folder, named after the window.
 QString PdfFileFor(const QString& title)

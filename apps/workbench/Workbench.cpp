@@ -1,12 +1,13 @@
 // The workbench: the suite shell that shows every part of the library at work,
 // in an MDI frame with a splash at start.
-//   Workbench [--screenshot FILE [--command ID [--main-window | --frame]]]
+//   Workbench [--screenshot FILE [--command ID [--window]]]
 // With --screenshot the main window is saved as a picture once it has been
 // shown, and the program ends (run it with QT_QPA_PLATFORM=offscreen to need no
 // display). With --command as well, command ID runs first and the picture is of
-// the dialog it opens, which is then closed; with --main-window it is of the
-// main window, for commands that open a document.
-// --frame is the same as --main-window with a longer wait.
+// the dialog (or drop-down) it opens, which is then closed; with --window, of
+// the main window once the command has shown its document.
+// --main-window and --frame are older spellings of --window; --frame waits longer,
+// for documents that take a while to fill.
 
 #include "WorkbenchFrame.h"
 
@@ -66,9 +67,11 @@ public:
             const int command = arguments.indexOf(QStringLiteral("--command"));
             if (command >= 0 && command + 1 < arguments.size()) {
                 const unsigned int id = arguments[command + 1].toUInt();
-                // --main-window or --frame: the command opens a window in the frame, not a dialog.
-                if (arguments.contains(QStringLiteral("--main-window")) || arguments.contains(QStringLiteral("--frame")))
+                // --window (or --main-window, --frame): the command opens a window in the frame, not a dialog.
+                if (arguments.contains(QStringLiteral("--frame")))
                     QTimer::singleShot(1500, frame, [this, frame] { SaveScreenshot(frame); });
+                else if (arguments.contains(QStringLiteral("--window")) || arguments.contains(QStringLiteral("--main-window")))
+                    QTimer::singleShot(700, frame, [this, frame] { SaveScreenshot(frame); });
                 else
                     QTimer::singleShot(300, frame, [this, id] { ScreenshotOfDialog(id); });
                 QTimer::singleShot(200, frame, [frame, id] { frame->ExecuteCommand(id); });
@@ -112,7 +115,7 @@ private:
     {
         QWidget* dialog = QApplication::activeModalWidget();
         if (!dialog)
-            dialog = QApplication::activePopupWidget();
+            dialog = QApplication::activePopupWidget(); // a drop-down that the command opened
         if (!dialog) {
             if (++mTries > 50) {
                 std::fprintf(stderr, "Workbench: command %u opened no dialog\n", id);

@@ -3,11 +3,14 @@
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
+#include "FailureDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ListDemos.h"
 #include "ProgressDemos.h"
+#include "ToolkitDemos.h"
 #include "UserCommDemos.h"
+#include "WorkspaceDemos.h"
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
 #include <KORVAutlwin/frame/RegistrySection.h>
@@ -124,6 +127,7 @@ void WorkbenchFrame::BuildMenus()
     });
     OnCommand(eThrowUnknown, [] { throw UnknownFailure{42}; });
     OnCommand(eNullPointer, [this] { SetMessageText(std::to_string(ReadThroughNull())); });
+    AddFailureDemos(*this);
 
     AddDialogDemos(*this);
     AddProgressDemos(*this);
@@ -133,6 +137,8 @@ void WorkbenchFrame::BuildMenus()
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
     AddListDemos(*this);
+    AddWorkspaceDemos(*this);
+    AddToolkitDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));

@@ -22,6 +22,7 @@ TEST(FailureDumpTest, EveryCrashLeavesACompleteDumpAndEndsAsACrash)
         {"crash-main", SIGSEGV, false, {"\nsignal: 11 SIGSEGV\n", "\ncode: 0xc0000005\n", "\nfault address: 0x0000000000000010\n",
                                  "\nprogram counter: 0x[0-9a-f]+ \\S*korva_failure_helper\\+0x"}},
         {"crash-thread", SIGSEGV, true, {"\nfault address: 0x0000000000000020\n"}},
+        {"crash-thread-under-guard", SIGSEGV, true, {"\nfault address: 0x0000000000000020\n"}},
         {"overflow-main", SIGSEGV, false, {"\ncode: 0xc00000fd\n"}},
         {"terminate", SIGABRT, true, {"\nexception: The helper gave up.\n"}},
     };

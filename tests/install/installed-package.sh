@@ -34,11 +34,14 @@ echo "== find_package"
 cmake -S "$source_dir/examples/consumer" -B "$scratch/cmake-build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$scratch/cmake-build" >/dev/null
 run_consumer "$scratch/cmake-build/korva-consumer" 0
+# Handlers of users' programs are unwound after a fault as the library's own are.
+grep -q -- -fnon-call-exceptions "$scratch/cmake-build/build.ninja" || fail "the CMake package does not pass on -fnon-call-exceptions"
 
 echo "== pkg-config"
 pc=$(find "$prefix" -name korvautlwin.pc)
 [ -n "$pc" ] || fail "no korvautlwin.pc installed"
 flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --cflags --libs korvautlwin)
+grep -q -- -fnon-call-exceptions <<<"$flags" || fail "pkg-config does not pass on -fnon-call-exceptions"
 libdir=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --variable=libdir korvautlwin)
 # shellcheck disable=SC2086
 g++ -std=c++20 -fPIC "$source_dir/examples/consumer/Consumer.cpp" -o "$scratch/consumer-pc" $flags -Wl,-rpath,"$libdir"

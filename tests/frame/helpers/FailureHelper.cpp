@@ -99,6 +99,8 @@ int RunDialog(int argc, char** argv, bool restart)
 
 } // namespace
 
+int RunUnwindMode(const std::string& mode, int argc, char** argv, const std::string& folder);
+
 int main(int argc, char** argv)
 {
     if (argc < 3) {
@@ -116,6 +118,8 @@ int main(int argc, char** argv)
         return RunDialog(argc, argv, mode == "dialog-restart");
     InitializeDumper(gFolder + (mode == "crash-unwritable" ? "/missing/crash.dmp" : "/crash.dmp"));
     InitializeDumper(gFolder + "/second.dmp", "dumped-second");   // changes nothing
+    if (const int result = RunUnwindMode(mode, argc, argv, gFolder); result >= 0)
+        return result;
     if (mode == "crash-main" || mode == "crash-unwritable") {
         LeaveGuards();
         FaultAt(0x10);
@@ -124,6 +128,9 @@ int main(int argc, char** argv)
             LeaveGuards();
             FaultAt(0x20);
         }).join();
+    } else if (mode == "crash-thread-under-guard") {
+        // The main thread's guard is no guard of the worker's.
+        korva::RunWithFaultTranslation([] { std::thread([] { FaultAt(0x20); }).join(); });
     } else if (mode == "overflow-main") {
         return Recurse(0);
     } else if (mode == "terminate") {
