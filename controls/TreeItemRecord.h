@@ -22,7 +22,9 @@ struct TreeItemRecord
     int priority = 1000;
     /// The cells, cut at each separator.
     std::string text;
-    char separator = static_cast<char>(0xB6);
+    /// The character "¶" (U+00B6) in UTF-8, so that no byte of another
+    /// character ever splits a cell.
+    std::string separator = "\xC2\xB6";
 
     /// Cell `col`; empty beyond the last cell.
     std::string GetCell(int col) const;

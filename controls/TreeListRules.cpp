@@ -17,7 +17,7 @@ std::string TreeItemRecord::GetCell(int col) const
         const size_t sep = text.find(separator, start);
         if (sep == std::string::npos)
             return {};
-        start = sep + 1;
+        start = sep + separator.size();
     }
     const size_t end = text.find(separator, start);
     return text.substr(start, end == std::string::npos ? std::string::npos : end - start);
@@ -25,9 +25,12 @@ std::string TreeItemRecord::GetCell(int col) const
 
 void TreeItemRecord::SetCell(int col, const std::string& cell)
 {
-    const int separators = static_cast<int>(std::count(text.begin(), text.end(), separator));
+    int separators = 0;
+    for (size_t at = text.find(separator); at != std::string::npos; at = text.find(separator, at + separator.size()))
+        ++separators;
     if (separators < col) {
-        text.append(static_cast<size_t>(col - separators), separator);
+        for (int i = separators; i < col; ++i)
+            text += separator;
         text += cell;
         return;
     }
@@ -36,7 +39,7 @@ void TreeItemRecord::SetCell(int col, const std::string& cell)
     size_t start = 0;
     for (int field = 0; field < col; ++field) {
         sepBefore = text.find(separator, start);
-        start = sepBefore + 1;
+        start = sepBefore + separator.size();
     }
     const size_t end = text.find(separator, start);
     std::string result;

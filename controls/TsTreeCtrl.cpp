@@ -23,19 +23,12 @@ constexpr int kSelectedImageRole = Qt::UserRole + 4;
 // The comparison of the running SortChildren call; sorting runs on the UI thread only.
 const std::function<int(HTREEITEM, HTREEITEM)>* gCompare = nullptr;
 
-/// An item that sorts by the comparison handed to SortChildren.
-class TsTreeItem : public QTreeWidgetItem
-{
-public:
-    explicit TsTreeItem(const QString& text) { setText(0, text); }
-    bool operator<(const QTreeWidgetItem& other) const override
-    {
-        return gCompare ? (*gCompare)(TsTreeCtrl::H(this), TsTreeCtrl::H(&other)) < 0
-                        : QTreeWidgetItem::operator<(other);
-    }
-};
-
 } // namespace
+
+bool TsTreeCtrl::Item::operator<(const QTreeWidgetItem& other) const
+{
+    return gCompare ? (*gCompare)(H(this), H(&other)) < 0 : QTreeWidgetItem::operator<(other);
+}
 
 TsTreeCtrl::TsTreeCtrl(QWidget* parent, unsigned long style) : QTreeWidget(parent), mStyle(style)
 {
@@ -77,9 +70,24 @@ HTREEITEM TsTreeCtrl::InsertItem(const char* text, HTREEITEM parent, HTREEITEM a
 
 HTREEITEM TsTreeCtrl::InsertItem(const char* text, int image, int selectedImage, HTREEITEM parent, HTREEITEM after)
 {
-    auto* item = new TsTreeItem(QString::fromUtf8(text ? text : ""));
-    item->setData(0, kImageRole, image);
-    item->setData(0, kSelectedImageRole, selectedImage);
+    Item* item = NewItem(text);
+    if (image || selectedImage) {
+        item->setData(0, kImageRole, image);
+        item->setData(0, kSelectedImageRole, selectedImage);
+    }
+    Place(item, parent, after);
+    return H(item);
+}
+
+TsTreeCtrl::Item* TsTreeCtrl::NewItem(const char* text)
+{
+    auto* item = new Item;
+    item->setText(0, QString::fromUtf8(text ? text : ""));
+    return item;
+}
+
+void TsTreeCtrl::Place(QTreeWidgetItem* item, HTREEITEM parent, HTREEITEM after)
+{
     QTreeWidgetItem* owner = parent ? Q(parent) : invisibleRootItem();
     if (after == TVI_FIRST)
         owner->insertChild(0, item);
@@ -87,14 +95,11 @@ HTREEITEM TsTreeCtrl::InsertItem(const char* text, int image, int selectedImage,
         owner->addChild(item);
     else
         owner->insertChild(owner->indexOfChild(Q(after)) + 1, item);
-    return H(item);
 }
 
 HTREEITEM TsTreeCtrl::InsertItem(const std::string& text, HTREEITEM parent)
 {
-    auto* item = new TsTreeItem(QString::fromStdString(text));
-    (parent ? Q(parent) : invisibleRootItem())->addChild(item);
-    return H(item);
+    return InsertItem(text.c_str(), 0, 0, parent, TVI_LAST);
 }
 
 void TsTreeCtrl::ForgetItem(QTreeWidgetItem* item)
@@ -492,7 +497,7 @@ HTREEITEM TsTreeCtrl::CopyItem(HTREEITEM item, HTREEITEM parent, HTREEITEM after
     setUpdatesEnabled(false);
     HTREEITEM copy = InsertItem(Q(item)->text(0).toUtf8().constData(), Q(item)->data(0, kImageRole).toInt(),
                                 Q(item)->data(0, kSelectedImageRole).toInt(), parent, after);
-    Q(copy)->setIcon(0, Q(item)->icon(0));
+    CopyImages(item, copy);
     SetItemData(copy, GetItemData(item));
     SetCheckIndex(copy, GetCheckIndex(item));
     if (const auto entry = mAppearance.find(item); entry != mAppearance.end())
@@ -503,6 +508,13 @@ HTREEITEM TsTreeCtrl::CopyItem(HTREEITEM item, HTREEITEM parent, HTREEITEM after
     setUpdatesEnabled(true);
     viewport()->update();
     return copy;
+}
+
+void TsTreeCtrl::CopyImages(HTREEITEM from, HTREEITEM to)
+{
+    Q(to)->setIcon(0, Q(from)->icon(0));
+    Q(to)->setData(0, kImageRole, Q(from)->data(0, kImageRole));
+    Q(to)->setData(0, kSelectedImageRole, Q(from)->data(0, kSelectedImageRole));
 }
 
 HTREEITEM TsTreeCtrl::CopyBranch(HTREEITEM item, HTREEITEM parent, HTREEITEM after)
@@ -598,7 +610,7 @@ void TsTreeCtrl::OnLButtonDown(QMouseEvent* event)
 {
     unsigned int flags = 0;
     HTREEITEM hit = HitTest(mPressPoint, &flags);
-    if (flags & TVHT_ONITEM)
+    if (flags & OnItemFlags())
         mPressItem = hit;
     const bool ctrl = event->modifiers() & Qt::ControlModifier;
     const bool shift = event->modifiers() & Qt::ShiftModifier;
@@ -620,7 +632,7 @@ void TsTreeCtrl::OnLButtonDown(QMouseEvent* event)
             mRangeAnchor = nullptr;
             mDragSource = nullptr;
             DefaultMousePress(event);
-            if (hit && (flags & TVHT_ONITEM)) {
+            if (hit && (flags & OnItemFlags())) {
                 Q(hit)->setSelected(true);
                 setCurrentItem(Q(hit));
             }
@@ -643,7 +655,7 @@ void TsTreeCtrl::OnLButtonDown(QMouseEvent* event)
         setUpdatesEnabled(true);
         viewport()->update();
     } else {
-        if (hit && (flags & TVHT_ONITEM))
+        if (hit && (flags & OnItemFlags()))
             setCurrentItem(Q(hit));
         if (hit && (flags & TVHT_ONITEMSTATEICON) && (mStyle & TVS_CHECKBOXES)) {
             SetCheck(hit, TreeRules::eToggle);
@@ -797,7 +809,8 @@ void TsTreeCtrl::Drop(bool ctrl)
     } else {
         copy = CopyBranch(mDragSource, GetParentItem(target), target);
     }
-    if (!ctrl)
+    // A source that could not be copied stays where it is.
+    if (!ctrl && copy)
         DeleteItem(mDragSource);
     mDragSource = nullptr;
     mDropTarget = nullptr;

@@ -62,6 +62,14 @@ public:
     /// Milliseconds of hovering during a drag before an item opens.
     static constexpr int kHoverDelay = 750;
 
+    /// The items of the tree: they sort by the comparison given to SortChildren.
+    class Item : public QTreeWidgetItem
+    {
+    public:
+        Item() = default;
+        bool operator<(const QTreeWidgetItem& other) const override;
+    };
+
     explicit TsTreeCtrl(QWidget* parent = nullptr, unsigned long style = TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT);
     ~TsTreeCtrl() override;
 
@@ -70,14 +78,14 @@ public:
 
     // --- the platform tree's operations ---------------------------------------
     HTREEITEM InsertItem(const char* text, HTREEITEM parent = nullptr, HTREEITEM after = TVI_LAST);
-    HTREEITEM InsertItem(const char* text, int image, int selectedImage, HTREEITEM parent = nullptr,
-                         HTREEITEM after = TVI_LAST);
+    virtual HTREEITEM InsertItem(const char* text, int image, int selectedImage, HTREEITEM parent = nullptr,
+                                 HTREEITEM after = TVI_LAST);
     virtual bool DeleteItem(HTREEITEM item);
     virtual bool DeleteAllItems();
     std::string GetItemText(HTREEITEM item) const override;
-    bool SetItemText(HTREEITEM item, const char* text);
-    uintptr_t GetItemData(HTREEITEM item) const;
-    bool SetItemData(HTREEITEM item, uintptr_t data);
+    virtual bool SetItemText(HTREEITEM item, const char* text);
+    virtual uintptr_t GetItemData(HTREEITEM item) const;
+    virtual bool SetItemData(HTREEITEM item, uintptr_t data);
     unsigned int GetItemState(HTREEITEM item, unsigned int mask) const;
     bool SetItemState(HTREEITEM item, unsigned int state, unsigned int mask);
     bool ItemHasChildren(HTREEITEM item) const { return GetChildItem(item) != nullptr; }
@@ -201,6 +209,14 @@ protected:
     void RefreshDragCursor(bool ctrl);
     virtual QPixmap CreateDragImageEx(HTREEITEM item);
     void ApplyAppearance(HTREEITEM item);
+    /// A new item with `text`, not yet in the tree.
+    virtual Item* NewItem(const char* text);
+    /// Puts a new item under `parent` (null: top level) behind `after`.
+    void Place(QTreeWidgetItem* item, HTREEITEM parent, HTREEITEM after);
+    /// Gives `to` the images of `from`.
+    void CopyImages(HTREEITEM from, HTREEITEM to);
+    /// What counts as a hit on the item for a press (TVHT_ONITEM here).
+    virtual unsigned int OnItemFlags() const { return TVHT_ONITEM; }
 
     std::function<void()> mCopiedDataCallback;
     struct Appearance

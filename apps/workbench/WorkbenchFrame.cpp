@@ -9,6 +9,7 @@
 #include "ListDemos.h"
 #include "ProgressDemos.h"
 #include "ToolkitDemos.h"
+#include "TreeDemos.h"
 #include "UserCommDemos.h"
 #include "WorkspaceDemos.h"
 
@@ -139,6 +140,7 @@ void WorkbenchFrame::BuildMenus()
     AddListDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
+    AddTreeDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));

@@ -11,7 +11,7 @@
 
 namespace {
 
-const std::string S(1, static_cast<char>(0xB6));
+const std::string S = "\xC2\xB6"; // U+00B6 in UTF-8
 
 TEST(TreeItemRecord, CellsReadAndWrite)
 {
@@ -24,6 +24,7 @@ TEST(TreeItemRecord, CellsReadAndWrite)
         {"a" + S + "b" + S + "c", 2, "X", "a" + S + "b" + S + "X"},
         {"a" + S + "b", 2, "c", "a" + S + "b" + S + "c"},
         {S + "b", 1, "X", "X"}, // an empty cell 0 drops out when cell 1 is written
+        {"Gr\xC3\xB6\xC3\x9F" "e" + S + "b", 1, "X", "Gr\xC3\xB6\xC3\x9F" "e" + S + "X"}, // "ö" ends in byte B6
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.before + " / " + std::to_string(row.col));
