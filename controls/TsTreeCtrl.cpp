@@ -220,6 +220,9 @@ bool TsTreeCtrl::SelectItem(HTREEITEM item)
 HTREEITEM TsTreeCtrl::HitTest(QPoint point, unsigned int* flags) const
 {
     QTreeWidgetItem* item = itemAt(point);
+    // Right of the last column the row goes on to the client edge.
+    if (!item && point.x() >= 0 && point.x() < viewport()->width())
+        item = itemAt(QPoint(columnViewportPosition(0) + columnWidth(0) - 1, point.y()));
     unsigned int where = TVHT_NOWHERE;
     if (item) {
         const QRect row = visualItemRect(item);
