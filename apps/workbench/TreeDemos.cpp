@@ -140,7 +140,7 @@ public:
         setWindowTitle(QStringLiteral("Samples by material (tree list)"));
         auto* layout = new QVBoxLayout(this);
         auto* bar = new QHBoxLayout;
-        auto* sortType = new QComboBox(this);
+        auto* sortType = mSortType = new QComboBox(this);
         sortType->addItems({QStringLiteral("Header clicks sort the materials"),
                             QStringLiteral("Header clicks sort the samples of each material"),
                             QStringLiteral("Header clicks don't sort")});
@@ -189,6 +189,14 @@ public:
     }
 
     TsTreeListCtrl* GetList() const { return mList; }
+    QComboBox* GetSortTypeChooser() const { return mSortType; }
+    void Summary()
+    {
+        mSummary->setText(QStringLiteral("%1 of %2 rows selected. Click a header to sort (references stay on top); "
+                                         "Ctrl and Shift select; Ctrl+C copies the selection.")
+                              .arg(mList->GetSelectedItemCount())
+                              .arg(mList->GetItemCount()));
+    }
 
 private:
     void Fill()
@@ -221,16 +229,10 @@ private:
         }
         mList->SetRedraw(true);
     }
-    void Summary()
-    {
-        mSummary->setText(QStringLiteral("%1 of %2 rows selected. Click a header to sort (references stay on top); "
-                                         "Ctrl and Shift select; Ctrl+C copies the selection.")
-                              .arg(mList->GetSelectedItemCount())
-                              .arg(mList->GetItemCount()));
-    }
 
     TessmaMDIFrame& mFrame;
     TsTreeListCtrl* mList;
+    QComboBox* mSortType;
     QLabel* mSummary;
 };
 
@@ -255,9 +257,10 @@ void AddTreeDemos(TessmaMDIFrame& frame)
     frame.OnCommand(eDemoTree, [target] { Show(*target, new TreeDocument(*target)); });
     frame.OnCommand(eDemoTreeList, [target] { OpenTreeList(*target); });
     frame.OnCommand(eDemoTreeListSorted, [target] {
-        TsTreeListCtrl* list = OpenTreeList(*target)->GetList();
+        TreeListDocument* document = OpenTreeList(*target);
+        TsTreeListCtrl* list = document->GetList();
         // The samples of each material, by two clicks on the protein header: highest first.
-        list->SetSortType(TsTreeListCtrl::eSortEachTopLevelChildren);
+        document->GetSortTypeChooser()->setCurrentIndex(1);
         list->OnHeaderClick(2);
         list->OnHeaderClick(2);
         HTREEITEM wheat = list->GetItem(0);
@@ -267,6 +270,7 @@ void AddTreeDemos(TessmaMDIFrame& frame)
                 list->SetItemState(list->GetNextSiblingItem(item), TVIS_SELECTED, TVIS_SELECTED);
                 break;
             }
+        document->Summary();
     });
     frame.OnCommand(eDemoTreeListNarrow, [target] {
         TreeListDocument* document = OpenTreeList(*target);
