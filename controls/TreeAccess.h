@@ -9,6 +9,7 @@
 /// An item of a tree; null is the root (or "no item").
 using HTREEITEM = void*;
 
+/// The links, texts and check indexes of a tree, as the tree rules read and write them.
 class TreeAccess
 {
 public:

@@ -7,6 +7,7 @@
 
 using COLORREF = unsigned long;
 
+/// One row of a tree list: its cells in one string, its colour, group, bold and priority.
 struct TreeItemRecord
 {
     /// The colour that stands for the system's window text colour, looked up

@@ -22,6 +22,8 @@ public:
     virtual std::string GetItemText(HTREEITEM item, int col) const = 0;
 };
 
+/// The window-free rules of the tree list: comparison and sort, clipboard
+/// forms, scroll steps, column auto-size.
 class TreeListRules
 {
 public:

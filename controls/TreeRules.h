@@ -6,6 +6,7 @@
 
 #include <string>
 
+/// The window-free rules of the tree control: walks, check boxes, search, text form.
 class TreeRules
 {
 public:

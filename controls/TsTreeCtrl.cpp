@@ -681,6 +681,7 @@ void TsTreeCtrl::OnRButtonDown(QMouseEvent* event)
         setCurrentItem(Q(hit));
     }
     QTreeWidget::mousePressEvent(event);
+    emit RButtonDown();
 }
 
 void TsTreeCtrl::mouseMoveEvent(QMouseEvent* event)

@@ -48,6 +48,8 @@ constexpr unsigned int TVE_TOGGLE = 0x0003;
 inline const HTREEITEM TVI_LAST = reinterpret_cast<HTREEITEM>(static_cast<uintptr_t>(-0xFFFE));
 inline const HTREEITEM TVI_FIRST = reinterpret_cast<HTREEITEM>(static_cast<uintptr_t>(-0xFFFF));
 
+/// The suite's tree control on QTreeWidget: selection states, check boxes
+/// that propagate, appearance, drag and drop, search, text form, Ctrl+C.
 class TsTreeCtrl : public QTreeWidget, public TreeAccess
 {
     Q_OBJECT
@@ -187,6 +189,10 @@ public:
     virtual void UpdateDropTarget(QPoint point);
 
     bool IsDragging() const { return mDragging; }
+
+signals:
+    /// After a right press has been handled, for the owner's context menu.
+    void RButtonDown();
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
