@@ -7,7 +7,9 @@
 
 #include <QClipboard>
 #include <QMimeData>
+#include <QPointer>
 #include <QScrollBar>
+#include <QVBoxLayout>
 
 using namespace korva::test;
 
@@ -172,6 +174,20 @@ TEST_F(TreeListInput, CopyMoveAndDeleteKeepRecordsAndChildFlags)
     // With its child gone, g2 no longer sorts among the groups.
     tree.SortItems(0, true, nullptr);
     EXPECT_EQ(Children(list, nullptr), "g1 z g2 x2");
+}
+
+TEST_F(TreeListInput, SubclassDlgItemTakesThePlaceAndSortsWithASortType)
+{
+    auto* layout = new QVBoxLayout(mWindow.get());
+    QPointer<QWidget> placeholder = new QWidget;
+    layout->addWidget(placeholder);
+    TsTreeListCtrl* list = MakeList();
+    list->SetSortType(TsTreeListCtrl::eSortTopLevel);
+    ASSERT_TRUE(list->SubclassDlgItem(placeholder));
+    EXPECT_TRUE(placeholder.isNull());
+    EXPECT_EQ(layout->indexOf(list), 0);
+    EXPECT_EQ(Children(list, nullptr), "g1 g2 x2 z");
+    EXPECT_EQ(list->GetHeader()->GetSortColumn(), 0);
 }
 
 } // namespace
