@@ -68,8 +68,11 @@ public:
     uintptr_t GetItemData(HTREEITEM item) const override;
     bool SetItemData(HTREEITEM item, uintptr_t data) override;
     void SetItemColor(HTREEITEM item, COLORREF colour, bool invalidate);
+    void SetItemColor(HTREEITEM item, COLORREF colour) override { SetItemColor(item, colour, true); }
     void SetItemBold(HTREEITEM item, bool bold, bool invalidate);
+    void SetItemBold(HTREEITEM item, bool bold) override { SetItemBold(item, bold, true); }
     bool IsBold(HTREEITEM item) const;
+    bool GetItemBold(HTREEITEM item) const override { return IsBold(item); }
     /// Also expands the item and recomputes the scroller.
     void SetItemGroup(HTREEITEM item, bool group, bool invalidate);
     bool IsGroup(HTREEITEM item) const;
