@@ -8,6 +8,7 @@
 #include "PrintDemos.h"
 #include "ListDemos.h"
 #include "ProgressDemos.h"
+#include "PropertyDemos.h"
 #include "ToolkitDemos.h"
 #include "TreeDemos.h"
 #include "UserCommDemos.h"
@@ -135,6 +136,7 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddPropertyDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
     AddListDemos(*this);
