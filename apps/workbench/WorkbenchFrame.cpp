@@ -10,6 +10,7 @@
 #include "ProgressDemos.h"
 #include "PropertyDemos.h"
 #include "ToolkitDemos.h"
+#include "TreeDemos.h"
 #include "UserCommDemos.h"
 #include "WorkspaceDemos.h"
 
@@ -138,9 +139,10 @@ void WorkbenchFrame::BuildMenus()
     AddPropertyDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
+    AddListDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
-    AddListDemos(*this);
+    AddTreeDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
