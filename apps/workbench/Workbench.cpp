@@ -134,7 +134,10 @@ private:
     // closing it under a running command would delete the dialogs it owns.
     void CloseWhenIdle()
     {
-        if (QWidget* dialog = QApplication::activeModalWidget()) {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            dialog = QApplication::activePopupWidget();
+        if (dialog) {
             dialog->close();
             QTimer::singleShot(100, GetMainWnd(), [this] { CloseWhenIdle(); });
             return;

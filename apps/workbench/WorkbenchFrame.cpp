@@ -7,8 +7,11 @@
 #include "FavouritesDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
+#include "ListDemos.h"
 #include "ProgressDemos.h"
+#include "PropertyDemos.h"
 #include "ToolkitDemos.h"
+#include "TreeDemos.h"
 #include "UserCommDemos.h"
 #include "WorkspaceDemos.h"
 
@@ -134,10 +137,13 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddPropertyDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
+    AddListDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
+    AddTreeDemos(*this);
     AddFavouritesDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));

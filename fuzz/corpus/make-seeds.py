@@ -97,3 +97,9 @@ if "--art" in options:
 if "--registry" in options:
     with open(options["--registry"], "rb") as store:
         seed("registry_store", "workbench.sqlite", store.read())
+
+# The tab-indented tree text: plain, irregular, indented first line, empty lines.
+seed("tree_text", "plain", "Fruit\r\n\tApple\r\n\t\tCox\r\n\tPear\r\nVegetables\r\n")
+seed("tree_text", "deep-jump", "a\r\n\t\t\tb\r\n\t\tc\r\n\td\r\ne\r\n")
+seed("tree_text", "indented-first", "\t\ta\n\t\t\tb\n\tc\n\t\td\n")
+seed("tree_text", "empty-lines", "a\n\n\tb\r\n\r\n\t\n\t\tc")
