@@ -75,6 +75,9 @@ void FavouritesTreeRows::AddToFavourites(FavouriteItem* item)
 
 void FavouritesTreeRows::SetFavouritesManager(FavouritesManager* newManager)
 {
+    // The manager left behind must not keep a tree that may go before it.
+    if (manager && manager != newManager && manager->GetFavouritesTree() == this)
+        manager->SetFavouritesTree(nullptr);
     manager = newManager;
     if (manager)
         manager->SetFavouritesTree(this);
