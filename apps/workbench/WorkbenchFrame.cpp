@@ -4,6 +4,7 @@
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
 #include "FailureDemos.h"
+#include "FavouritesDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ListDemos.h"
@@ -143,6 +144,7 @@ void WorkbenchFrame::BuildMenus()
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
     AddTreeDemos(*this);
+    AddFavouritesDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));

@@ -68,6 +68,21 @@ seed("xml_section", "options.xml", '<Tessmark><!-- options --><Page Name="Genera
      'Key="ShowGrid">1</Option><Option Type="Float" Key="Tolerance" Min="0" Max="1">0.5</Option></Page>'
      '<![CDATA[ raw ]]></Tessmark>')
 
+# Favourites files: as the writer leaves them, and the older forms the reader still takes.
+seed("favourites_file", "favourites.xml", '<?xml version="1.0"?>\n<Tessmark><Favourites AppName="Workbench" Version="1.0">'
+     '<FavouriteItem Name="Spectra" Type="FavouritesFolder" TreatAsItem="0" EmptyFolderText="Drop files here" '
+     'DefaultItemType="FileItem" _IndentLevel="0" _Style="3"/>'
+     '<FavouriteItem Name="Wheat" Type="FileItem" File="/srv/data/wheat.tsx" _IndentLevel="1" _Style="0"/>'
+     '<FavouriteItem Name="Fit" Type="CommandItem" CommandID="32771" _IndentLevel="1" _Style="1"/>'
+     '<FavouriteItem Name="Rye" Type="FileItem" File="/srv/data/rye.tsx" _IndentLevel="0" _Style="0"/>'
+     '</Favourites></Tessmark>\n')
+seed("favourites_file", "older-forms.xml", '<Tessmark><Favourites>'
+     '<FavouriteItem Type="FileItem" Label="Gone" IndentLevel="0"><ItemData Name="Gone" File="/g"/></FavouriteItem>'
+     '<FavouriteItem Name="A" Type="FavouritesFolder" _IndentLevel="0" Bold="1" Expanded="1"/>'
+     '<FavouriteItem Name="B" Type="Unknown" _IndentLevel="3"/>'
+     '<FavouriteItem Name=" C " Type="CommandItem" _IndentLevel="2"/>'
+     '</Favourites><GlobalFavourites/></Tessmark>')
+
 # An art description of release 1.42: odd first byte = the description alone.
 description = ("22 serialization::archive 7 0 0 0 0 2 0 0 0 400 300 64 80 0 0 10 Lena Marsh 9 1882-1961 "
                "6 p-lena 0 0 2 0 0 0 9 Salt Flat 5 pic01 8 Low Tide 5 pic02 300 400 0 0 10 Otto Brenn 0  0  "
