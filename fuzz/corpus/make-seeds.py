@@ -82,3 +82,22 @@ if "--art" in options:
 if "--registry" in options:
     with open(options["--registry"], "rb") as store:
         seed("registry_store", "workbench.sqlite", store.read())
+
+# Option descriptions: the workbench's own, and small ones with every type, broken entries and defaults.
+with open(os.path.join(here, "..", "..", "resources", "xml", "WorkbenchOptions.xml")) as shipped:
+    seed("option_description", "workbench.xml", shipped.read())
+seed("option_description", "types.xml", "<Tessmark><PropertyCategory ShortDescription='C'>"
+     + "".join("<PropertyItem Section='S' Key='%s' Type='%s' Default='1'/>" % (t, t) for t in
+               ["Number", "Float", "ColorPopup", "YesNo", "TrueFalse", "EnabledDisbled", "EnabledDisabled",
+                "String", "FolderPath", "FilePath"])
+     + "<PropertyItem Section='S' Key='L' Type='CustomList' Default='b'><CustomList><Item Value='a' Name='A'/>"
+       "<Item Value='b' Name='B'/><Item Value='c'/></CustomList></PropertyItem></PropertyCategory></Tessmark>")
+seed("option_description", "broken.xml", "<Tessmark><PropertyCategory><PropertyItem Section='S' Key='K' Type='Number'/>"
+     "</PropertyCategory><PropertyCategory ShortDescription=''><PropertyItem Key='K' Type='Number'/>"
+     "<PropertyItem Section='S' Key='K' Type='Number'><Validator Type='Number' Min='x'/></PropertyItem>"
+     "<PropertyItem Section='S' Key='K' Type='Float' Default='abc'><Validator Type='Float' Max='-1e40'/>"
+     "</PropertyItem></PropertyCategory></Tessmark>")
+seed("option_description", "shared-keys.xml", "<Tessmark><PropertyCategory ShortDescription='C'>"
+     "<PropertyItem Section='S' Key='K' Type='Number' Default='5'/><PropertyItem Section='S' Key='K' Type='String' Default='12'/>"
+     "<PropertyItem Section='T' Key='K' Type='CustomList'><CustomList><Item Value='12' Name='x'/></CustomList></PropertyItem>"
+     "</PropertyCategory><S K='7'/></Tessmark>")
