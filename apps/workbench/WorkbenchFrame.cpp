@@ -5,6 +5,7 @@
 #include "ExecuteDemos.h"
 #include "FailureDemos.h"
 #include "OperationsDemos.h"
+#include "OptionsDemos.h"
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
 #include "PropertyDemos.h"
@@ -135,6 +136,7 @@ void WorkbenchFrame::BuildMenus()
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
     AddPropertyDemos(*this);
+    AddOptionsDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
     AddWorkspaceDemos(*this);
