@@ -30,8 +30,10 @@ XMLOptionsPage::XMLOptionsPage(unsigned int captionId, ConfigurationSection* set
 
 XMLOptionsPage::~XMLOptionsPage()
 {
-    // The grid goes with the page's children; it must not reach the manager then.
-    mList->ResetContent();
+    // The grid would otherwise go with the page's children, after the manager
+    // that a pending edit still reaches.
+    delete mList;
+    mList = nullptr;
 }
 
 void XMLOptionsPage::Construct(ConfigurationSection* settings, const ConfigurationSection* description,
