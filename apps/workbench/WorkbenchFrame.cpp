@@ -6,6 +6,7 @@
 #include "FailureDemos.h"
 #include "FavouritesDemos.h"
 #include "OperationsDemos.h"
+#include "OptionsDemos.h"
 #include "PrintDemos.h"
 #include "ListDemos.h"
 #include "ProgressDemos.h"
@@ -138,6 +139,7 @@ void WorkbenchFrame::BuildMenus()
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
     AddPropertyDemos(*this);
+    AddOptionsDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
     AddListDemos(*this);

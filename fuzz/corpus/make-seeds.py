@@ -103,3 +103,21 @@ seed("tree_text", "plain", "Fruit\r\n\tApple\r\n\t\tCox\r\n\tPear\r\nVegetables\
 seed("tree_text", "deep-jump", "a\r\n\t\t\tb\r\n\t\tc\r\n\td\r\ne\r\n")
 seed("tree_text", "indented-first", "\t\ta\n\t\t\tb\n\tc\n\t\td\n")
 seed("tree_text", "empty-lines", "a\n\n\tb\r\n\r\n\t\n\t\tc")
+# Option descriptions: the workbench's own, and small ones with every type, broken entries and defaults.
+with open(os.path.join(here, "..", "..", "resources", "xml", "WorkbenchOptions.xml")) as shipped:
+    seed("option_description", "workbench.xml", shipped.read())
+seed("option_description", "types.xml", "<Tessmark><PropertyCategory ShortDescription='C'>"
+     + "".join("<PropertyItem Section='S' Key='%s' Type='%s' Default='1'/>" % (t, t) for t in
+               ["Number", "Float", "ColorPopup", "YesNo", "TrueFalse", "EnabledDisbled", "EnabledDisabled",
+                "String", "FolderPath", "FilePath"])
+     + "<PropertyItem Section='S' Key='L' Type='CustomList' Default='b'><CustomList><Item Value='a' Name='A'/>"
+       "<Item Value='b' Name='B'/><Item Value='c'/></CustomList></PropertyItem></PropertyCategory></Tessmark>")
+seed("option_description", "broken.xml", "<Tessmark><PropertyCategory><PropertyItem Section='S' Key='K' Type='Number'/>"
+     "</PropertyCategory><PropertyCategory ShortDescription=''><PropertyItem Key='K' Type='Number'/>"
+     "<PropertyItem Section='S' Key='K' Type='Number'><Validator Type='Number' Min='x'/></PropertyItem>"
+     "<PropertyItem Section='S' Key='K' Type='Float' Default='abc'><Validator Type='Float' Max='-1e40'/>"
+     "</PropertyItem></PropertyCategory></Tessmark>")
+seed("option_description", "shared-keys.xml", "<Tessmark><PropertyCategory ShortDescription='C'>"
+     "<PropertyItem Section='S' Key='K' Type='Number' Default='5'/><PropertyItem Section='S' Key='K' Type='String' Default='12'/>"
+     "<PropertyItem Section='T' Key='K' Type='CustomList'><CustomList><Item Value='12' Name='x'/></CustomList></PropertyItem>"
+     "</PropertyCategory><S K='7'/></Tessmark>")
