@@ -1,6 +1,7 @@
 #include <KORVAutlwin/favourites/FavouritesTree.h>
 
 #include <KORVAutlwin/favourites/AddCommandToFavouritesDlg.h>
+#include <KORVAutlwin/favourites/CommandsListBox.h>
 #include <KORVAutlwin/favourites/FavouriteApplication.h>
 #include <KORVAutlwin/favourites/FavouriteCommandItem.h>
 #include <KORVAutlwin/favourites/FavouriteFileItem.h>
@@ -36,7 +37,7 @@
 #include <functional>
 #include <set>
 
-const char* const FavouritesTree::kMimeType = "application/x-tsfavourite";
+const char* const FavouritesTree::kMimeType = CommandsListBox::kMimeType;
 
 namespace {
 
@@ -221,6 +222,12 @@ void FavouritesTree::DeleteTree()
 }
 
 void FavouritesTree::DeleteFavouriteNode(int collection) { mRows->DeleteFavouriteNode(collection); }
+
+void FavouritesTree::DragAcceptFiles(bool accept)
+{
+    setAcceptDrops(accept);
+    viewport()->setAcceptDrops(accept);
+}
 
 // --- the base's hooks ---------------------------------------------------------------------
 

@@ -77,6 +77,8 @@ public:
     void DeleteTree();
     /// Removes the rows of `collection`.
     void DeleteFavouriteNode(int collection);
+    /// Whether files, folders and commands can be dropped on the tree from outside.
+    void DragAcceptFiles(bool accept);
 
     static FavouriteRow* Row(HTREEITEM item) { return static_cast<FavouriteRow*>(item); }
     static HTREEITEM Item(FavouriteRow* row) { return row; }

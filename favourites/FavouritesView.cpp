@@ -15,7 +15,7 @@ void PrepareTree(FavouritesTree* tree, FavouritesManager* manager)
     tree->ModifyStyle(0, TVS_HASBUTTONS | TVS_EDITLABELS | TVS_SHOWSELALWAYS | TVS_NOTOOLTIPS);
     tree->EnableMultiSelect(true);
     tree->EnableDelete(true);
-    tree->setAcceptDrops(true);
+    tree->DragAcceptFiles(true);
     tree->SetFavouritesManager(manager);
 }
 
