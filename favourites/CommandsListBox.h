@@ -39,8 +39,9 @@ public:
     /// Removes every row with its record.
     void ResetContent();
 
-    /// The MIME type of a dragged command: "CommandItem\n<command id>\n<text>".
-    static constexpr char kMimeType[] = "application/x-tsfavourite";
+    /// The MIME type of a dragged command, the favourites' clipboard format
+    /// "TsFavourite": "CommandItem\n<command id>\n<text>".
+    static constexpr char kMimeType[] = "application/x-qt-windows-mime;value=\"TsFavourite\"";
 
 protected:
     /// Commands can be dragged into a favourites tree; sub-menus cannot.

@@ -54,8 +54,9 @@ public:
     /// The context menus: the usual one and the one shown while Ctrl is held.
     static constexpr unsigned int kMenu = 16093;
     static constexpr unsigned int kCtrlMenu = 16094;
-    /// The MIME type of a favourite dragged from outside the tree, such as a
-    /// command of the add-command dialog: "<type>\n<command id>\n<name>".
+    /// The MIME type of the clipboard format "TsFavourite" that the tree
+    /// registers: a favourite dragged from outside the tree, such as a command
+    /// of the add-command dialog, "<type>\n<command id>\n<name>".
     static const char* const kMimeType;
 
     explicit FavouritesTree(QWidget* parent = nullptr,

@@ -60,7 +60,7 @@ protected:
         Add(new FavouriteFileItem("a1", file.c_str()), a);
         Add(new FavouriteFileItem("a21", "/x/a21"), Add(new FavouriteFolderItem("A2", nullptr), a));
         Add(new FavouriteFileItem("b1", "/x/b1"), Add(new FavouriteFolderItem("B", nullptr)));
-        Add(new FavouriteFolderItem("E", nullptr));
+        Add(new FavouriteFolderItem("E", "Drop here"));
         Add(new FavouriteCommandItem("top", 34950));
         tree->SetItemStyle(a, FavouritesTreeRows::kStyleExpanded);
         tree->SetItemStyle(tree->GetChildItem(tree->GetNextSiblingItem(tree->GetChildItem(a))), 0);
@@ -218,10 +218,15 @@ TEST_F(FavouritesTreeInput, KeysRenameAndDelete)
         tree->SetItemText(tree->GetFirstSelectedItem(), "B");
         tree->GetFavouriteItem(tree->GetFirstSelectedItem())->SetName("B");
     }
+    // A text row cannot go: the delete stops there with its message, and B goes.
+    // The idle update has removed the files that do not exist, b1 among them.
+    tree->UpdateAllItems();
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item("Drop here")));
     manager.changed.clear();
     korva::test::WhenModal([](QWidget* box) { korva::test::Press(box, Qt::Key_Return); });
     QTest::keyClick(tree, Qt::Key_Delete);
-    EXPECT_EQ(Text(), "A .a1 .A2 ..a21 E top ");
+    EXPECT_EQ(Text(), "A .A2 E .Drop here top ");
+    EXPECT_EQ(messages, std::vector<std::string>{TsString::Format(16170, "Drop here")});
     EXPECT_EQ(manager.changed, std::vector<int>{1});
 }
 
@@ -287,4 +292,75 @@ TEST_F(FavouritesTreeInput, SeparatorsAreEtchedAndTipsCut)
     const int x = row.center().x(), middle = row.center().y();
     EXPECT_EQ(shot.pixelColor(x, middle - 1), korva::ToQColor(korva::GetSysColor(COLOR_BTNSHADOW)));
     EXPECT_EQ(shot.pixelColor(x, middle + 1), korva::ToQColor(korva::GetSysColor(COLOR_BTNHIGHLIGHT)));
+}
+
+TEST_F(FavouritesTreeInput, MoveCommandsKeepTheBranchTogether)
+{
+    const struct
+    {
+        const char* row;
+        unsigned int command;
+        std::string after;
+    } cases[] = {
+        {"a1", FavouritesTree::eMoveUp, "A .a1 .A2 ..a21 B .b1 E top "},
+        {"A2", FavouritesTree::eMoveUp, "A .A2 ..a21 .a1 B .b1 E top "},
+        {"top", FavouritesTree::eMoveUp, "A .a1 .A2 ..a21 B .b1 top E "},
+        {"a1", FavouritesTree::eMoveDown, "A .A2 ..a21 .a1 B .b1 E top "},
+        {"A2", FavouritesTree::eMoveDown, "A .a1 A2 .a21 B .b1 E top "},
+        {"a21", FavouritesTree::eMoveLeft, "A .a1 .A2 .a21 B .b1 E top "},
+        {"top", FavouritesTree::eMoveRight, "A .a1 .A2 ..a21 B .b1 E .top "},
+        {"B", FavouritesTree::eMoveRight, "A .a1 .A2 ..a21 .B ..b1 E top "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.row) + " " + std::to_string(c.command));
+        tree->DeleteTree();
+        MakeTree();
+        tree->SelectItem(nullptr);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item(c.row)));
+        tree->ExecuteCommand(c.command);
+        EXPECT_EQ(Text(), c.after);
+        EXPECT_EQ(tree->GetItemText(tree->GetFirstSelectedItem()), c.row);
+        EXPECT_EQ(tree->GetItemStyle(Item("A2")) & FavouritesTreeRows::kStyleExpanded, FavouritesTreeRows::kStyleExpanded)
+            << "a moved branch keeps its expansion";
+    }
+}
+
+TEST_F(FavouritesTreeInput, ContextMenuFollowsTheSelection)
+{
+    const struct
+    {
+        std::vector<const char*> rows;
+        unsigned int openText; // 0: the menu's own
+        bool folderAsItem;
+    } cases[] = {{{"top"}, 0, false}, {{"a1", "top"}, 16119, false}, {{"A2"}, 16118, true}, {{"A2", "B"}, 16118, false}};
+    MakeTree();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.rows.size());
+        tree->SelectItem(nullptr);
+        tree->ClearSelection();
+        for (const char* row : c.rows)
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item(row)));
+        QString open;
+        bool asItem = false;
+        korva::test::WhenModal([&](QWidget* popup) {
+            for (QAction* action : popup->actions()) {
+                if (action->property("commandId").toUInt() == FavouritesTree::eOpen)
+                    open = action->text();
+                asItem |= action->property("commandId").toUInt() == FavouritesTree::eFolderAsItem;
+            }
+            popup->close();
+        });
+        // The right press as the window system reports it; the offscreen platform makes no menu event of it.
+        const QPoint at = Label(Item(c.rows[0]));
+        QTest::mousePress(tree->viewport(), Qt::RightButton, {}, at);
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, at, tree->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(tree->viewport(), &menu);
+        QTest::mouseRelease(tree->viewport(), Qt::RightButton, {}, at);
+        if (c.openText) {
+            EXPECT_EQ(open.toStdString(), LanguageString::Get(c.openText));
+        } else {
+            EXPECT_TRUE(open.startsWith("&Open")) << open.toStdString();
+        }
+        EXPECT_EQ(asItem, c.folderAsItem);
+    }
 }
