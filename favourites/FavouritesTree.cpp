@@ -295,8 +295,13 @@ FavouriteItem* FavouritesTree::GetFavouriteItem(HTREEITEM item) const { return m
 
 int FavouritesTree::GetItemStyle(HTREEITEM item) const
 {
+    // A folder opened only to show its empty-folder text counts as closed: it
+    // could not be opened again when read back, and the idle update opens it anyway.
+    bool favourites = false;
+    for (HTREEITEM child = GetChildItem(item); child && !favourites; child = GetNextSiblingItem(child))
+        favourites = Node(*this, child) != nullptr;
     return (GetItemBold(item) ? FavouritesTreeRows::kStyleBold : 0) |
-           (GetItemState(item, TVIS_EXPANDED) ? FavouritesTreeRows::kStyleExpanded : 0);
+           (favourites && GetItemState(item, TVIS_EXPANDED) ? FavouritesTreeRows::kStyleExpanded : 0);
 }
 
 void FavouritesTree::SetItemStyle(HTREEITEM item, int style)

@@ -254,7 +254,7 @@ TEST_F(FavouritesTreeInput, FileWrittenByTheTreeReadsBackTheSame)
       <FavouriteItem><Name>F</Name><Type>FavouritesFolder</Type><_IndentLevel>0</_IndentLevel><_Style>2</_Style></FavouriteItem>
       <FavouriteItem><Name>G</Name><Type>FavouritesFolder</Type><_IndentLevel>1</_IndentLevel><Bold>1</Bold><Expanded>1</Expanded></FavouriteItem>
       <FavouriteItem><Name>c</Name><Type>CommandItem</Type><CommandID>34950</CommandID><_IndentLevel>2</_IndentLevel></FavouriteItem>
-      <FavouriteItem><Name>H</Name><Type>FavouritesFolder</Type><_IndentLevel>0</_IndentLevel><_Style>2</_Style></FavouriteItem>
+      <FavouriteItem><Name>H</Name><Type>FavouritesFolder</Type><EmptyFolderText>none</EmptyFolderText><_IndentLevel>0</_IndentLevel><_Style>2</_Style></FavouriteItem>
       </Favourites></root>)";
     Add(new FavouriteCommandItem("other", 34950), nullptr, 2);
     Show(tree);
@@ -272,6 +272,7 @@ TEST_F(FavouritesTreeInput, FileWrittenByTheTreeReadsBackTheSame)
     Show(tree);
     manager.LoadFavourites(first, 1);
     EXPECT_EQ(Text(), "F .G ..c H ") << "the separator is never saved";
+    tree->UpdateAllItems(); // the idle update opens H on its text row: no change to the file
     ASSERT_TRUE(manager.SaveFavourites(second, 1));
     auto read = [](const std::string& path) { return std::string(std::istreambuf_iterator<char>(std::ifstream(path).rdbuf()), {}); };
     EXPECT_EQ(read(first), read(second));
@@ -320,8 +321,9 @@ TEST_F(FavouritesTreeInput, MoveCommandsKeepTheBranchTogether)
         tree->ExecuteCommand(c.command);
         EXPECT_EQ(Text(), c.after);
         EXPECT_EQ(tree->GetItemText(tree->GetFirstSelectedItem()), c.row);
-        EXPECT_EQ(tree->GetItemStyle(Item("A2")) & FavouritesTreeRows::kStyleExpanded, FavouritesTreeRows::kStyleExpanded)
-            << "a moved branch keeps its expansion";
+        if (tree->ItemHasChildren(Item("A2"))) {
+            EXPECT_EQ(tree->GetItemStyle(Item("A2")), FavouritesTreeRows::kStyleExpanded) << "a moved branch stays open";
+        }
     }
 }
 
