@@ -188,7 +188,7 @@ FavouritesTree::FavouritesTree(QWidget* parent, unsigned long style)
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setUniformRowHeights(true);
     setIconSize(QSize(16, 16));
-    setAttribute(Qt::WA_Hover);
+    viewport()->setAttribute(Qt::WA_Hover); // hot rows are drawn in their own colour
     connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) { OnItemExpanding(item, true); });
     connect(this, &QTreeWidget::itemCollapsed, this, [this](QTreeWidgetItem* item) { OnItemExpanding(item, false); });
     RegisterCommands();

@@ -185,6 +185,10 @@ TEST_F(FavouritesTreeInput, DropsFromOutsideAddFilesAndCommandsOnce)
     for (HTREEITEM item = tree->GetRootItem(); item; item = tree->GetNextItem(item))
         count += tree->GetItemText(item) == "dropped.txt";
     EXPECT_EQ(count, 1);
+    // A single click on the label of a row that can open opens it.
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, Label(first));
+    QApplication::processEvents();
+    EXPECT_EQ(manager.opened, std::vector<std::string>{"dropped.txt"});
 
     auto* command = new QMimeData;
     command->setData(FavouritesTree::kMimeType, "CommandItem\n34951\nNew pane");
