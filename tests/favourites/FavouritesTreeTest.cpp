@@ -370,3 +370,44 @@ TEST_F(FavouritesTreeInput, ContextMenuFollowsTheSelection)
         EXPECT_EQ(asItem, c.folderAsItem);
     }
 }
+
+namespace {
+
+// An application's kind of favourite that belongs to its collection.
+class LocalItem : public FavouriteItem
+{
+public:
+    explicit LocalItem(const char* name) { SetName(name); }
+    FavouriteItem* Copy() const override { return new LocalItem(*this); }
+    std::string GetType() const override { return "LocalItem"; }
+};
+
+} // namespace
+
+TEST_F(FavouritesTreeInput, RowsThatAreNotGlobalStayInTheirCollection)
+{
+    const struct
+    {
+        const char* from;
+        const char* to;
+        std::string after;
+    } cases[] = {
+        {"local", "Other", "A .local .file Mine Other "},  // into another collection
+        {"A", "Other", "A .local .file Mine Other "},      // a folder holding one
+        {"local", "Mine", "A .file Mine local Other "},    // within its own
+        {"file", "Other", "A .local Mine Other .file "},   // a global row goes anywhere
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.from) + " onto " + c.to);
+        tree->DeleteTree();
+        HTREEITEM a = Add(new FavouriteFolderItem("A", nullptr));
+        Add(new LocalItem("local"), a);
+        Add(new FavouriteFileItem("file", "/x/file"), a);
+        Add(new LocalItem("Mine"));
+        Add(new FavouriteFolderItem("Other", nullptr), nullptr, 2);
+        tree->Expand(a, TVE_EXPAND);
+        Show(tree);
+        Drag(Item(c.from), Item(c.to), {});
+        EXPECT_EQ(Text(), c.after);
+    }
+}
