@@ -26,11 +26,14 @@ TEST_F(MdiFrameFixture, FavouritesViewRunsTheFramesCommandsWithOneClick)
     EXPECT_EQ(tree->GetSelectionState(), TsTreeCtrl::eMultiSelection);
     EXPECT_TRUE(tree->viewport()->acceptDrops());
 
-    FavouritesTreeRows& rows = tree->GetRows();
-    FavouriteRow* command = rows.InsertItem("Run", nullptr, nullptr);
-    rows.SetItemData(command, new FavouriteTreeNode{new FavouriteCommandItem("Run", 34960), -1});
-    FavouriteRow* folder = rows.InsertItem("Empty", nullptr, nullptr);
-    rows.SetItemData(folder, new FavouriteTreeNode{new FavouriteFolderItem("Empty", "Nothing here"), -1});
+    tree->AddToFavourites(new FavouriteCommandItem("Run", 34960));
+    HTREEITEM command = tree->GetRootItem();
+    tree->ClearSelection();
+    tree->SelectItem(nullptr);
+    tree->AddToFavourites(new FavouriteFolderItem("Empty", "Nothing here"));
+    HTREEITEM folder = tree->GetNextSiblingItem(command);
+    QTest::keyClick(tree->findChild<QLineEdit*>(), Qt::Key_Return); // the new folder keeps its name
+    QApplication::processEvents();
     view->OnIdleUpdateCmdUI();
     ASSERT_TRUE(tree->GetChildItem(folder));
     EXPECT_EQ(tree->GetItemText(tree->GetChildItem(folder)), "Nothing here");
