@@ -101,6 +101,14 @@ protected:
         }
         QTest::mouseRelease(port, Qt::LeftButton, mods, end);
     }
+    /// Selects exactly `rows`, with Ctrl clicks.
+    void Pick(const std::vector<const char*>& rows)
+    {
+        tree->SelectItem(nullptr);
+        tree->ClearSelection();
+        for (const char* row : rows)
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item(row)));
+    }
     void DropFromOutside(QMimeData* data)
     {
         // What a file manager's drag delivers: enter, move, drop.
@@ -198,9 +206,7 @@ TEST_F(FavouritesTreeInput, KeysRenameAndDelete)
     } cases[] = {{"  Reports  ", "Reports"}, {"   ", "B"}, {QString(200, 'x'), std::string(127, 'x')}};
     MakeTree();
     for (const Case& c : cases) {
-        tree->SelectItem(nullptr);
-        tree->ClearSelection();
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item("B")));
+        Pick({"B"});
         QTest::keyClick(tree, Qt::Key_F2);
         auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
         ASSERT_TRUE(edit);
@@ -230,8 +236,7 @@ TEST_F(FavouritesTreeInput, NewFoldersAreNumberedAndNamedAtOnce)
     MakeTree();
     std::vector<std::string> names;
     for (int i = 0; i < 3; ++i) {
-        tree->SelectItem(nullptr);
-        tree->ClearSelection();
+        Pick({});
         tree->ExecuteCommand(FavouritesTree::eNewFolder);
         ASSERT_TRUE(tree->IsLabelEditing()) << "the name is edited at once";
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
@@ -311,8 +316,7 @@ TEST_F(FavouritesTreeInput, MoveCommandsKeepTheBranchTogether)
         SCOPED_TRACE(std::string(c.row) + " " + std::to_string(c.command));
         tree->DeleteTree();
         MakeTree();
-        tree->SelectItem(nullptr);
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item(c.row)));
+        Pick({c.row});
         tree->ExecuteCommand(c.command);
         EXPECT_EQ(Text(), c.after);
         EXPECT_EQ(tree->GetItemText(tree->GetFirstSelectedItem()), c.row);
@@ -333,10 +337,7 @@ TEST_F(FavouritesTreeInput, ContextMenuFollowsTheSelection)
     MakeTree();
     for (const auto& c : cases) {
         SCOPED_TRACE(c.rows.size());
-        tree->SelectItem(nullptr);
-        tree->ClearSelection();
-        for (const char* row : c.rows)
-            QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ControlModifier, Label(Item(row)));
+        Pick(c.rows);
         QString open;
         bool asItem = false;
         korva::test::WhenModal([&](QWidget* popup) {
