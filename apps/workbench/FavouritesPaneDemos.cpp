@@ -150,6 +150,7 @@ void AddFavouritesPaneDemos(TessmaMDIFrame& frame)
         QDockWidget* dock = Pane(*target);
         dock->show();
         FavouritesTree* tree = static_cast<FavouritesView*>(dock->widget())->GetTree();
+        tree->UpdateAllItems(); // what the first idle moment does, at once
         tree->ClearSelection();
         HTREEITEM folder = tree->GetRootItem();
         for (HTREEITEM item = tree->GetChildItem(folder); item; item = tree->GetNextSiblingItem(item))
