@@ -1,5 +1,7 @@
 #include <KORVAutlwin/favourites/CommandsListBox.h>
 
+#include <QMimeData>
+
 #include <QPainter>
 #include <QStyledItemDelegate>
 
@@ -50,6 +52,8 @@ CommandsListBox::CommandsListBox(QWidget* parent)
     setItemDelegate(new Painter(this));
     setUniformItemSizes(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
+    setDragEnabled(true);
+    setDragDropMode(QAbstractItemView::DragOnly);
 }
 
 CommandsListBox::~CommandsListBox() = default;
@@ -72,4 +76,19 @@ void CommandsListBox::ResetContent()
 {
     clear();
     items.clear();
+}
+
+QStringList CommandsListBox::mimeTypes() const { return {QString::fromLatin1(kMimeType)}; }
+
+QMimeData* CommandsListBox::mimeData(const QList<QListWidgetItem*>& rows) const
+{
+    const Item* item = rows.isEmpty() ? nullptr : GetItem(row(rows.first()));
+    if (!item || item->commandId == 0)
+        return nullptr;
+    auto* data = new QMimeData;
+    data->setData(kMimeType, QStringLiteral("CommandItem\n%1\n%2")
+                                 .arg(item->commandId)
+                                 .arg(QString::fromStdString(item->text))
+                                 .toUtf8());
+    return data;
 }

@@ -39,6 +39,15 @@ public:
     /// Removes every row with its record.
     void ResetContent();
 
+    /// The MIME type of a dragged command, the favourites' clipboard format
+    /// "TsFavourite": "CommandItem\n<command id>\n<text>".
+    static constexpr char kMimeType[] = "application/x-qt-windows-mime;value=\"TsFavourite\"";
+
+protected:
+    /// Commands can be dragged into a favourites tree; sub-menus cannot.
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QList<QListWidgetItem*>& rows) const override;
+
 private:
     class Painter;
     std::vector<std::unique_ptr<Item>> items;

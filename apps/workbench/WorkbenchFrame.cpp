@@ -5,6 +5,7 @@
 #include "ExecuteDemos.h"
 #include "FailureDemos.h"
 #include "FavouritesDemos.h"
+#include "FavouritesPaneDemos.h"
 #include "OperationsDemos.h"
 #include "OptionsDemos.h"
 #include "PrintDemos.h"
@@ -147,6 +148,7 @@ void WorkbenchFrame::BuildMenus()
     AddToolkitDemos(*this);
     AddTreeDemos(*this);
     AddFavouritesDemos(*this);
+    AddFavouritesPaneDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
