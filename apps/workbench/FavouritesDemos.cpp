@@ -1,4 +1,5 @@
 #include "FavouritesDemos.h"
+#include "DemoMenus.h"
 
 #include "WorkspaceDemos.h"
 
@@ -162,7 +163,7 @@ private:
 
 void AddFavouritesDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("Fa&vourites"));
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("Fa&vourites"));
     frame.AddCommand(menu, eDemoFavouritesFile, QObject::tr("&Save and read back a favourites file"));
     frame.AddCommand(menu, eDemoOpenFavourites, QObject::tr("&Open several favourites"));
     frame.AddCommand(menu, eDemoAddCommands, QObject::tr("&Add commands to favourites..."));

@@ -1,4 +1,5 @@
 #include "FavouritesPaneDemos.h"
+#include "DemoMenus.h"
 
 #include "FavouritesDemos.h"
 #include "WorkspaceDemos.h"
@@ -122,19 +123,12 @@ QDockWidget* Pane(TessmaMDIFrame& frame)
     return dock;
 }
 
-QMenu* FavouritesMenu(TessmaMDIFrame& frame)
-{
-    for (QAction* action : frame.menuBar()->actions())
-        if (action->menu() && action->text() == QObject::tr("Fa&vourites"))
-            return action->menu();
-    return frame.AddCommandMenu(QObject::tr("Fa&vourites"));
-}
 
 } // namespace
 
 void AddFavouritesPaneDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = FavouritesMenu(frame);
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("Fa&vourites"));
     menu->addSeparator();
     frame.AddCommand(menu, eDemoFavouritesPane, QObject::tr("Favourites &pane"));
     frame.AddCommand(menu, eDemoFavouritesPaneShown, QObject::tr("Favourites pane with a &selection"));

@@ -1,4 +1,5 @@
 #include "ListDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/controls/CFlatHeaderCtrl.h>
 #include <KORVAutlwin/controls/FilterListCtrlPopupBar.h>
@@ -191,7 +192,7 @@ const std::vector<std::string>& Materials()
 
 void AddListDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("&Lists"));
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("&Lists"));
     frame.AddCommand(menu, eDemoLargeList, QObject::tr("&Sample list (100,000 rows)"));
     frame.AddCommand(menu, eDemoSortedList, QObject::tr("Sample list, sorted by &protein"));
     frame.AddCommand(menu, eDemoFilterPopup, QObject::tr("&Filter popup"));

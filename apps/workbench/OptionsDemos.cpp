@@ -1,4 +1,5 @@
 #include "OptionsDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/TsApp.h>
@@ -67,7 +68,7 @@ void ShowOptions(QWidget* parent)
 
 void AddOptionsDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("&Options"));
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("&Options"));
     frame.AddCommand(menu, eDemoOptions, QObject::tr("&Options..."));
     QWidget* parent = &frame;
     frame.OnCommand(eDemoOptions, [parent] { ShowOptions(parent); });

@@ -1,4 +1,5 @@
 #include "PropertyDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/options/PropertyInPlaceComboBox.h>
@@ -194,7 +195,7 @@ void ShowDialog(QWidget* parent, bool dropDown)
 
 void AddPropertyDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("P&roperties"));
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("P&roperties"));
     frame.AddCommand(menu, eDemoPropertiesDock, QObject::tr("&Properties pane"));
     frame.AddCommand(menu, eDemoPropertiesPane, QObject::tr("Property &grid"));
     frame.AddCommand(menu, eDemoPropertiesDialog, QObject::tr("Property grid in a &dialog"));

@@ -1,4 +1,5 @@
 #include "TreeDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/controls/TsTreeListCtrl.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
@@ -247,7 +248,7 @@ TreeListDocument* OpenTreeList(TessmaMDIFrame& frame)
 
 void AddTreeDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("&Trees"));
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("&Trees"));
     frame.AddCommand(menu, eDemoTree, QObject::tr("&Catalogue tree"));
     frame.AddCommand(menu, eDemoTreeList, QObject::tr("Samples by &material (tree list)"));
     frame.AddCommand(menu, eDemoTreeListSorted, QObject::tr("Samples by material, sorted by &protein"));
