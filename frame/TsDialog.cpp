@@ -60,6 +60,12 @@ int TsDialog::GetDefaultExceptionsHandled()
     return gDefaultExceptionsHandled.load();
 }
 
+void TsDialog::ShowHelpTopic(unsigned int topic)
+{
+    if (gHelpTopicHandler && topic != 0 && topic != static_cast<unsigned int>(-1))
+        gHelpTopicHandler(topic);
+}
+
 void TsDialog::SetHelpTopicHandler(std::function<void(unsigned int)> handler)
 {
     gHelpTopicHandler = std::move(handler);

@@ -93,6 +93,8 @@ public:
     /// The help system shows topics through this handler (installed by the help
     /// pane); without one, OnHelp shows nothing.
     static void SetHelpTopicHandler(std::function<void(unsigned int)> handler);
+    /// Shows `topic` through that handler; nothing without one, or for topic 0 or -1.
+    static void ShowHelpTopic(unsigned int topic);
 
 protected:
     /// The help command (id 9): shows the dialog's help topic.

@@ -114,7 +114,17 @@ COLORREF GetSysColor(int index)
     // Without an application there is no theme: a palette made from the
     // classic face colour stands in.
     const QPalette palette = qGuiApp ? QGuiApplication::palette() : QPalette(QColor(240, 240, 240));
-    return FromQColor(palette.color(QPalette::Active, SysColorRole(index)));
+    QColor colour = palette.color(QPalette::Active, SysColorRole(index));
+    if (colour.alpha() < 255) {
+        // A translucent role (Qt's placeholder text is the text at half alpha)
+        // becomes the colour it shows on the window's base.
+        const QColor base = palette.color(QPalette::Active, QPalette::Base);
+        const double a = colour.alphaF();
+        colour = QColor::fromRgbF(static_cast<float>(colour.redF() * a + base.redF() * (1 - a)),
+                                  static_cast<float>(colour.greenF() * a + base.greenF() * (1 - a)),
+                                  static_cast<float>(colour.blueF() * a + base.blueF() * (1 - a)));
+    }
+    return FromQColor(colour);
 }
 
 } // namespace korva

@@ -433,6 +433,12 @@ struct XMLDocumentData
     bool indexed = false;
     // Stored names that the encoder would not write, so lookups must decode.
     bool looseNames = false;
+    // The last indexed section found or made: going through sections 1, 2,
+    // 3 ... of one name costs one step each, not a search from the first.
+    pugi::xml_node_struct* sectionParent = nullptr;
+    std::string sectionName;
+    int sectionIndex = 0;
+    pugi::xml_node_struct* section = nullptr;
 
     XMLDocumentData() = default;
     XMLDocumentData(const XMLDocumentData&) = delete;
@@ -532,8 +538,50 @@ struct XMLDocumentData
             }
         }
         ForgetHint();
+        section = nullptr;
         parent.remove_child(node);
         dirty = true;
+    }
+
+    // The `index`-th section element called `name` of `node` (from 1), or a
+    // null node; with `create`, the missing ones up to it are appended.
+    pugi::xml_node IndexedSection(pugi::xml_node node, const Name& name, int index, bool create)
+    {
+        pugi::xml_node found;
+        int count = 0;
+        if (section && !name.loose && sectionParent == node.internal_object() && sectionIndex < index &&
+            sectionName == name.stored) {
+            // Sections are only ever appended, so those before the remembered one stand.
+            found = pugi::xml_node(section);
+            count = sectionIndex;
+            for (pugi::xml_node c = found.next_sibling(name.stored.c_str()); c && count < index;
+                 c = c.next_sibling(name.stored.c_str()))
+                if (IsSectionElement(c)) {
+                    found = c;
+                    ++count;
+                }
+        } else {
+            ForEachNamed(node, name, [&](pugi::xml_node c) {
+                if (IsSectionElement(c)) {
+                    found = c;
+                    ++count;
+                }
+                return count < index;
+            });
+        }
+        for (; create && count < index; ++count) {
+            found = node.append_child(name.stored.c_str());
+            if (!found)
+                return found;
+            dirty = true;
+        }
+        if (count < index)
+            return pugi::xml_node();
+        sectionParent = node.internal_object();
+        sectionName = name.stored;
+        sectionIndex = index;
+        section = found.internal_object();
+        return found;
     }
 };
 
@@ -791,7 +839,8 @@ bool XMLSection::ChangeSubSection(const char* name, int index)
 {
     if (!name || !mNode)
         return false;
-    const pugi::xml_node child = FindSection(Node(mNode), mDocument->MakeName(name), index == -1 ? 1 : index);
+    const pugi::xml_node child =
+        mDocument->IndexedSection(Node(mNode), mDocument->MakeName(name), index == -1 ? 1 : index, false);
     if (!child)
         return false;
     mNode = child.internal_object();
@@ -809,23 +858,9 @@ ConfigurationSection* XMLSection::CreateSubSection(const char* name, int index) 
         index = 1;
     if (!name || !mNode || index < 1)
         return nullptr;
-    const Name child = mDocument->MakeName(name);
-    pugi::xml_node node = Node(mNode);
-    pugi::xml_node found;
-    int count = 0;
-    ForEachNamed(node, child, [&](pugi::xml_node c) {
-        if (IsSectionElement(c)) {
-            found = c;
-            ++count;
-        }
-        return count < index;
-    });
-    for (; count < index; ++count) {
-        found = node.append_child(child.stored.c_str());
-        if (!found)
-            return nullptr;
-        mDocument->dirty = true;
-    }
+    const pugi::xml_node found = mDocument->IndexedSection(Node(mNode), mDocument->MakeName(name), index, true);
+    if (!found)
+        return nullptr;
     return new XMLSection(mDocument, found.internal_object());
 }
 

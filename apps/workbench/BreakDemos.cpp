@@ -1,4 +1,5 @@
 #include "BreakDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/progress/Progress.h>
@@ -40,7 +41,7 @@ std::string Seconds(Clock::duration elapsed)
 
 void AddBreakDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("&Computations"));
+    QMenu* menu = SubmenuOf(frame, QObject::tr("&Progress"), QObject::tr("&Computations"));
     frame.AddCommand(menu, eDemoLongComputation, QObject::tr("&Long computation with a stop button"));
 
     TessmaMDIFrame* target = &frame;

@@ -1,4 +1,5 @@
 #include "ExecuteDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/progress/ExecuteWithProgress.h>
@@ -79,7 +80,7 @@ private:
 
 void AddExecuteDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("&Background"));
+    QMenu* menu = SubmenuOf(frame, QObject::tr("&Progress"), QObject::tr("&Background"));
     frame.AddCommand(menu, eDemoExportWithCancel, QObject::tr("Export with a cancel button"));
     frame.AddCommand(menu, eDemoComputeInThread, QObject::tr("&Compute in the background"));
 

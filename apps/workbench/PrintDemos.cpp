@@ -175,7 +175,7 @@ void AddPrintDemos(TessmaMDIFrame& frame)
         file->insertSeparator(exit);
     }
 
-    QMenu* toolkit = MenuOf(frame, QObject::tr("&Toolkit"));
+    QMenu* toolkit = SubmenuOf(frame, ControlsMenu(), QObject::tr("&Toolkit"));
     frame.AddCommand(toolkit, eDemoMissingDataMap, QObject::tr("&Missing data map"));
 
     TessmaMDIFrame* target = &frame;

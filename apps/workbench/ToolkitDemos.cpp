@@ -266,7 +266,7 @@ ToolkitDocument* OpenDocument(TessmaMDIFrame* frame)
 
 void AddToolkitDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = MenuOf(frame, QObject::tr("&Toolkit"));
+    QMenu* menu = SubmenuOf(frame, ControlsMenu(), QObject::tr("&Toolkit"));
     frame.AddCommand(menu, eDemoToolkitDocument, QObject::tr("Toolkit &document"));
     frame.AddCommand(menu, eDemoColourPopup, QObject::tr("Toolkit document with the &colour popup"));
     frame.AddCommand(menu, eDemoZoomedPlot, QObject::tr("Toolkit document, &zoomed"));

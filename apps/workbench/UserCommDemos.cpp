@@ -1,4 +1,5 @@
 #include "UserCommDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/frame/MemoryUserComm.h>
 #include <KORVAutlwin/frame/StandardUserComm.h>
@@ -82,7 +83,7 @@ std::string CopyFiles()
 
 void AddUserCommDemos(TessmaMDIFrame& frame)
 {
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("&Ask and inform"));
+    QMenu* menu = SubmenuOf(frame, QObject::tr("&Dialogs"), QObject::tr("&Ask and inform"));
     frame.AddCommand(menu, eDemoAskYesNo, QObject::tr("&Yes/No question"));
     frame.AddCommand(menu, eDemoAskLongQuestion, QObject::tr("&Long question"));
     menu->addSeparator();

@@ -20,6 +20,7 @@
 #include <KORVAutl/TsSystemInfo.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QDateTime>
 #include <QPixmap>
 #include <QTimer>
@@ -114,6 +115,8 @@ private:
         QWidget* dialog = QApplication::activeModalWidget();
         if (!dialog)
             dialog = QApplication::activePopupWidget(); // a drop-down that the command opened
+        if (!dialog)
+            dialog = qobject_cast<QDialog*>(QApplication::activeWindow()); // a modeless dialog
         if (!dialog) {
             if (++mTries > 50) {
                 std::fprintf(stderr, "Workbench: command %u opened no dialog\n", id);
@@ -134,7 +137,10 @@ private:
     // closing it under a running command would delete the dialogs it owns.
     void CloseWhenIdle()
     {
-        if (QWidget* dialog = QApplication::activeModalWidget()) {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            dialog = QApplication::activePopupWidget();
+        if (dialog) {
             dialog->close();
             QTimer::singleShot(100, GetMainWnd(), [this] { CloseWhenIdle(); });
             return;

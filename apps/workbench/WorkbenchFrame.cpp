@@ -5,10 +5,16 @@
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
 #include "FailureDemos.h"
+#include "FavouritesDemos.h"
+#include "FavouritesPaneDemos.h"
 #include "OperationsDemos.h"
+#include "OptionsDemos.h"
 #include "PrintDemos.h"
+#include "ListDemos.h"
 #include "ProgressDemos.h"
+#include "PropertyDemos.h"
 #include "ToolkitDemos.h"
+#include "TreeDemos.h"
 #include "UserCommDemos.h"
 #include "WorkspaceDemos.h"
 
@@ -134,10 +140,16 @@ void WorkbenchFrame::BuildMenus()
     AddUserCommDemos(*this);
     AddBreakDemos(*this);
     AddExecuteDemos(*this);
+    AddPropertyDemos(*this);
+    AddOptionsDemos(*this);
     AddOperationsDemos(*this);
     AddPrintDemos(*this);
+    AddListDemos(*this);
     AddWorkspaceDemos(*this);
     AddToolkitDemos(*this);
+    AddTreeDemos(*this);
+    AddFavouritesDemos(*this);
+    AddFavouritesPaneDemos(*this);
     AddAuditDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
@@ -165,14 +177,12 @@ QMdiSubWindow* WorkbenchFrame::BuildSettingsPage(TsApp& app)
     headingFont.setBold(true);
     heading->setFont(headingFont);
     layout->addWidget(heading);
-    auto* intro = new QLabel(tr("The suite shell that shows the parts of the library at work. "
-                                "The Dialogs menu opens each kind of message dialog; the Progress menu runs "
-                                "long computations that report in the status bar below; Computations runs one with "
-                                "a stop button that works while the main thread computes, and Background runs "
-                                "work on another thread; Ask and inform lets "
-                                "code without a window of its own talk to the user; the Failures menu "
-                                "ends each of its commands in the internal error dialog; the Window menu "
-                                "opens and arranges windows; Help shows the About box."),
+    auto* intro = new QLabel(tr("The suite shell that shows the parts of the library at work: message dialogs and "
+                                "code that asks the user (Dialogs), long computations with a stop button that "
+                                "works while the main thread computes (Progress), grids, option pages, lists, "
+                                "trees, favourites and pickers (Controls), events and the processor's load "
+                                "(Operations), faults ending in the internal error dialog (Failures), and "
+                                "windows with their tabs (Window)."),
                              page);
     intro->setWordWrap(true);
     layout->addWidget(intro);

@@ -1,4 +1,5 @@
 #include "WorkspaceDemos.h"
+#include "DemoMenus.h"
 
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/WinApp.h>
@@ -186,7 +187,7 @@ void AddWorkspaceDemos(TessmaMDIFrame& frame)
         demo->mClient.GetTabCtrl()->SetTabOrder(SplitOrder(app->GetProfileString(kSection, "TabOrder", "")));
     });
 
-    QMenu* menu = frame.AddCommandMenu(QObject::tr("W&orkspace"));
+    QMenu* menu = SubmenuOf(frame, QObject::tr("&Window"), QObject::tr("W&orkspace"));
     frame.AddCommand(menu, eDemoNewListWindow, QObject::tr("New &list window"));
     frame.AddCommand(menu, eDemoNewTreeWindow, QObject::tr("New &tree window"));
     frame.AddCommand(menu, eDemoDesktopTab, QObject::tr("Show the &desktop tab"));

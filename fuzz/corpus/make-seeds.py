@@ -68,6 +68,21 @@ seed("xml_section", "options.xml", '<Tessmark><!-- options --><Page Name="Genera
      'Key="ShowGrid">1</Option><Option Type="Float" Key="Tolerance" Min="0" Max="1">0.5</Option></Page>'
      '<![CDATA[ raw ]]></Tessmark>')
 
+# Favourites files: as the writer leaves them, and the older forms the reader still takes.
+seed("favourites_file", "favourites.xml", '<?xml version="1.0"?>\n<Tessmark><Favourites AppName="Workbench" Version="1.0">'
+     '<FavouriteItem Name="Spectra" Type="FavouritesFolder" TreatAsItem="0" EmptyFolderText="Drop files here" '
+     'DefaultItemType="FileItem" _IndentLevel="0" _Style="3"/>'
+     '<FavouriteItem Name="Wheat" Type="FileItem" File="/srv/data/wheat.tsx" _IndentLevel="1" _Style="0"/>'
+     '<FavouriteItem Name="Fit" Type="CommandItem" CommandID="32771" _IndentLevel="1" _Style="1"/>'
+     '<FavouriteItem Name="Rye" Type="FileItem" File="/srv/data/rye.tsx" _IndentLevel="0" _Style="0"/>'
+     '</Favourites></Tessmark>\n')
+seed("favourites_file", "older-forms.xml", '<Tessmark><Favourites>'
+     '<FavouriteItem Type="FileItem" Label="Gone" IndentLevel="0"><ItemData Name="Gone" File="/g"/></FavouriteItem>'
+     '<FavouriteItem Name="A" Type="FavouritesFolder" _IndentLevel="0" Bold="1" Expanded="1"/>'
+     '<FavouriteItem Name="B" Type="Unknown" _IndentLevel="3"/>'
+     '<FavouriteItem Name=" C " Type="CommandItem" _IndentLevel="2"/>'
+     '</Favourites><GlobalFavourites/></Tessmark>')
+
 # An art description of release 1.42: odd first byte = the description alone.
 description = ("22 serialization::archive 7 0 0 0 0 2 0 0 0 400 300 64 80 0 0 10 Lena Marsh 9 1882-1961 "
                "6 p-lena 0 0 2 0 0 0 9 Salt Flat 5 pic01 8 Low Tide 5 pic02 300 400 0 0 10 Otto Brenn 0  0  "
@@ -83,6 +98,29 @@ if "--registry" in options:
     with open(options["--registry"], "rb") as store:
         seed("registry_store", "workbench.sqlite", store.read())
 
+# The tab-indented tree text: plain, irregular, indented first line, empty lines.
+seed("tree_text", "plain", "Fruit\r\n\tApple\r\n\t\tCox\r\n\tPear\r\nVegetables\r\n")
+seed("tree_text", "deep-jump", "a\r\n\t\t\tb\r\n\t\tc\r\n\td\r\ne\r\n")
+seed("tree_text", "indented-first", "\t\ta\n\t\t\tb\n\tc\n\t\td\n")
+seed("tree_text", "empty-lines", "a\n\n\tb\r\n\r\n\t\n\t\tc")
+# Option descriptions: the workbench's own, and small ones with every type, broken entries and defaults.
+with open(os.path.join(here, "..", "..", "resources", "xml", "WorkbenchOptions.xml")) as shipped:
+    seed("option_description", "workbench.xml", shipped.read())
+seed("option_description", "types.xml", "<Tessmark><PropertyCategory ShortDescription='C'>"
+     + "".join("<PropertyItem Section='S' Key='%s' Type='%s' Default='1'/>" % (t, t) for t in
+               ["Number", "Float", "ColorPopup", "YesNo", "TrueFalse", "EnabledDisbled", "EnabledDisabled",
+                "String", "FolderPath", "FilePath"])
+     + "<PropertyItem Section='S' Key='L' Type='CustomList' Default='b'><CustomList><Item Value='a' Name='A'/>"
+       "<Item Value='b' Name='B'/><Item Value='c'/></CustomList></PropertyItem></PropertyCategory></Tessmark>")
+seed("option_description", "broken.xml", "<Tessmark><PropertyCategory><PropertyItem Section='S' Key='K' Type='Number'/>"
+     "</PropertyCategory><PropertyCategory ShortDescription=''><PropertyItem Key='K' Type='Number'/>"
+     "<PropertyItem Section='S' Key='K' Type='Number'><Validator Type='Number' Min='x'/></PropertyItem>"
+     "<PropertyItem Section='S' Key='K' Type='Float' Default='abc'><Validator Type='Float' Max='-1e40'/>"
+     "</PropertyItem></PropertyCategory></Tessmark>")
+seed("option_description", "shared-keys.xml", "<Tessmark><PropertyCategory ShortDescription='C'>"
+     "<PropertyItem Section='S' Key='K' Type='Number' Default='5'/><PropertyItem Section='S' Key='K' Type='String' Default='12'/>"
+     "<PropertyItem Section='T' Key='K' Type='CustomList'><CustomList><Item Value='12' Name='x'/></CustomList></PropertyItem>"
+     "</PropertyCategory><S K='7'/></Tessmark>")
 # Audit trails: empty, with a session and its events, and a hand-edited one.
 seed("audit_trail", "empty", '<?xml version="1.0" encoding="UTF-8"?><AuditTrail Project="Study"/>')
 seed("audit_trail", "session",

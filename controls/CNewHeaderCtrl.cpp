@@ -1,0 +1,111 @@
+#include <KORVAutlwin/controls/CNewHeaderCtrl.h>
+
+#include <KORVAutlwin/toolkit/DisplayColor.h>
+
+#include <QApplication>
+#include <QPainter>
+
+namespace {
+QColor Sys(int index) { return korva::ToQColor(korva::GetSysColor(index)); }
+} // namespace
+
+CNewHeaderCtrl::CNewHeaderCtrl(QWidget* parent) : QHeaderView(Qt::Horizontal, parent)
+{
+    setSectionsClickable(true);
+    setHighlightSections(false);
+    setStretchLastSection(false);
+    setSectionsMovable(false);
+}
+
+void CNewHeaderCtrl::EnableSort(bool enable)
+{
+    mSortEnabled = enable;
+    viewport()->update();
+}
+
+void CNewHeaderCtrl::SetSortArrow(int col, bool ascending)
+{
+    mSortColumn = col;
+    mAscending = ascending;
+    viewport()->update();
+}
+
+void CNewHeaderCtrl::paintEvent(QPaintEvent* event)
+{
+    {
+        QPainter face(viewport());
+        face.fillRect(viewport()->rect(), Sys(COLOR_BTNFACE));
+    }
+    QHeaderView::paintEvent(event);
+    QPainter painter(viewport());
+    DrawFlatBorder(painter);
+}
+
+void CNewHeaderCtrl::DrawFlatBorder(QPainter& painter) const
+{
+    const QRect client = viewport()->rect();
+    const QColor face = Sys(COLOR_BTNFACE), shadow = Sys(COLOR_BTNSHADOW), light = Sys(COLOR_BTNHIGHLIGHT);
+    painter.setPen(face);
+    painter.drawRect(client.adjusted(0, 0, -1, -1));
+    painter.setPen(shadow);
+    painter.drawLine(client.topLeft(), client.topRight());
+    painter.drawLine(client.topLeft(), client.bottomLeft());
+    painter.setPen(light);
+    painter.drawLine(client.bottomLeft(), client.bottomRight());
+    painter.drawLine(client.topRight(), client.bottomRight());
+    const int h = client.height();
+    for (int col = 0; col < count(); ++col) {
+        const int x = sectionViewportPosition(col) + sectionSize(col) - 1;
+        painter.setPen(light);
+        painter.drawLine(x, 2, x, h - 2);
+        painter.setPen(shadow);
+        painter.drawLine(x + 1, 2, x + 1, h - 2);
+    }
+}
+
+void CNewHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
+{
+    painter->save();
+    painter->fillRect(rect, Sys(COLOR_BTNFACE));
+    painter->setClipRect(rect);
+    painter->setFont(font());
+    painter->setPen(Sys(COLOR_BTNTEXT));
+    QRect item = rect;
+    const bool sorted = mSortEnabled && logicalIndex == mSortColumn;
+    const bool pressed = mSortEnabled && (QApplication::mouseButtons() & Qt::LeftButton) && underMouse() &&
+                         logicalIndexAt(mapFromGlobal(QCursor::pos())) == logicalIndex;
+    if (pressed)
+        item.translate(1, 2);
+    const int o = mOffset;
+    QRect text = item;
+    if (sorted)
+        text.setRight(text.right() - 3 * o);
+    text.adjust(o, 0, -o, 0);
+    const Qt::Alignment align =
+        Qt::Alignment(model()->headerData(logicalIndex, Qt::Horizontal, Qt::TextAlignmentRole).toInt()) |
+        Qt::AlignVCenter;
+    if (!text.isEmpty()) {
+        const QString title = model()->headerData(logicalIndex, Qt::Horizontal).toString();
+        painter->drawText(text, static_cast<int>(align) | Qt::TextSingleLine,
+                          painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
+    }
+    if (sorted) {
+        const int r = item.right(), b = item.bottom();
+        const QPen shadow(Sys(COLOR_BTNSHADOW)), light(Sys(COLOR_BTNHIGHLIGHT));
+        // Exchanged against the list's header: ascending points down here.
+        if (!mAscending) {
+            painter->setPen(shadow);
+            painter->drawLine(r - 2 * o, o - 1, r - 3 * o / 2, b - o);
+            painter->drawLine(r - 3 * o / 2, b - o, r - 5 * o / 2 - 2, b - o);
+            painter->setPen(light);
+            painter->drawLine(r - 5 * o / 2 - 1, b - o - 1, r - 2 * o, o - 2);
+        } else {
+            painter->setPen(shadow);
+            painter->drawLine(r - 3 * o / 2, o - 1, r - 2 * o - 1, b - o + 1);
+            painter->setPen(light);
+            painter->drawLine(r - 2 * o - 1, b - o, r - 5 * o / 2 - 1, o - 1);
+            painter->drawLine(r - 5 * o / 2 - 1, o - 1, r - 3 * o / 2, o - 1);
+        }
+    }
+    painter->restore();
+}

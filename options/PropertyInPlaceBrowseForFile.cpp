@@ -1,0 +1,25 @@
+#include <KORVAutlwin/options/PropertyInPlaceBrowseForFile.h>
+
+#include <QFileDialog>
+
+PropertyInPlaceBrowseForFile* PropertyInPlaceBrowseForFile::CreateInPlaceControl(QWidget* parent, QRect cell)
+{
+    auto* control = new PropertyInPlaceBrowseForFile(parent);
+    Place(control, cell);
+    return control;
+}
+
+bool PropertyInPlaceBrowseForFile::OnBrowse()
+{
+    QFileDialog dialog(this, QStringLiteral("Select File"));
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setLabelText(QFileDialog::Accept, QStringLiteral("Select"));
+    if (!mData.empty())
+        dialog.selectFile(QString::fromStdString(mData));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return false;
+    mData = dialog.selectedFiles().front().toStdString();
+    return true;
+}

@@ -1,0 +1,24 @@
+#include <KORVAutlwin/options/PropertyInPlaceBrowseForFolder.h>
+
+#include <QFileDialog>
+
+PropertyInPlaceBrowseForFolder* PropertyInPlaceBrowseForFolder::CreateInPlaceControl(QWidget* parent, QRect cell)
+{
+    auto* control = new PropertyInPlaceBrowseForFolder(parent);
+    Place(control, cell);
+    return control;
+}
+
+bool PropertyInPlaceBrowseForFolder::OnBrowse()
+{
+    QFileDialog dialog(this, QStringLiteral("Select Folder"), QString::fromStdString(mData));
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    if (!mData.empty())
+        dialog.selectFile(QString::fromStdString(mData));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return false;
+    mData = dialog.selectedFiles().front().toStdString();
+    return true;
+}
