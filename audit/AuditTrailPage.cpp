@@ -27,12 +27,12 @@ Control* Make(QWidget* parent, int id)
 
 } // namespace
 
-AuditTrailPage::AuditTrailPage(AuditTrail* trail, QWidget* parent)
-    : QWidget(parent), mTrail(trail), mLogEvents(Make<QCheckBox>(this, IDC_CB_LOGEVENTS)),
+AuditTrailPage::AuditTrailPage(AuditTrail* trail)
+    : TsPropertyPage(IDD, 0, nullptr, kHelpTopic), mTrail(trail), mLogEvents(Make<QCheckBox>(this, IDC_CB_LOGEVENTS)),
       mExtendedUserInfo(Make<QCheckBox>(this, IDC_CB_EXTENDEDUSERINFO)),
       mClearLog(Make<QPushButton>(this, IDC_B_CLEARLOG)), mSave(Make<QPushButton>(this, IDC_SAVE_BUTTON))
 {
-    setWindowTitle(QString::fromUtf8(LanguageString::Get(IDD)));
+    SetPageTitle(LanguageString::Get(IDD));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(mLogEvents);
     layout->addWidget(mExtendedUserInfo);
@@ -50,14 +50,9 @@ AuditTrailPage::AuditTrailPage(AuditTrail* trail, QWidget* parent)
 
 AuditTrailPage::~AuditTrailPage() = default;
 
-void AuditTrailPage::Changed()
+bool AuditTrailPage::OnInitDialog()
 {
-    mChanged = true;
-    emit Modified();
-}
-
-int AuditTrailPage::OnInitDialog()
-{
+    TsPropertyPage::OnInitDialog();
     std::unique_ptr<AuditTrailSettings> temporary;
     const AuditTrailSettings* settings = nullptr;
     if (mTrail) {
@@ -79,7 +74,7 @@ int AuditTrailPage::OnInitDialog()
     mExtendedUserInfo->setChecked(settings->mPromptForExtendedUserInfo);
     if (temporary)
         delete temporary->GetSection();
-    return 1;
+    return true;
 }
 
 bool AuditTrailPage::OnApply()
@@ -109,8 +104,7 @@ bool AuditTrailPage::OnApply()
         }
         mTrail->BroadCastChange();
     }
-    mChanged = false;
-    return true;
+    return TsPropertyPage::OnApply();
 }
 
 void AuditTrailPage::OnBClearlog()

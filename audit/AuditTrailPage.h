@@ -9,46 +9,42 @@
 /// every user, with every control disabled. A page locked by LockPage, or whose
 /// trail's settings are locked, keeps only its save button.
 ///
-/// The page stands alone as a widget: a host (a dialog or a sheet) calls
-/// OnInitDialog once before showing it and OnApply when the user applies, and
-/// listens to Modified to enable its Apply button.
+/// A TsPropertySheet shows it with its other pages; a change of a box arms
+/// the sheet's Apply button.
 
-#include <QWidget>
+#include <KORVAutlwin/options/TsPropertyPage.h>
 
 class AuditTrail;
 class QCheckBox;
 class QPushButton;
 
-class AuditTrailPage : public QWidget
+class AuditTrailPage : public TsPropertyPage
 {
     Q_OBJECT
 public:
     static constexpr unsigned int IDD = 16257;
+    /// The page's help topic.
+    static constexpr unsigned int kHelpTopic = 18;
     static constexpr int IDC_CB_LOGEVENTS = 16255;
     static constexpr int IDC_CB_EXTENDEDUSERINFO = 16254;
     static constexpr int IDC_B_CLEARLOG = 16252;
     static constexpr int IDC_SAVE_BUTTON = 16256;
 
     /// `trail` may be null; it is not owned.
-    explicit AuditTrailPage(AuditTrail* trail, QWidget* parent = nullptr);
+    explicit AuditTrailPage(AuditTrail* trail);
     ~AuditTrailPage() override;
 
     void LockPage(bool locked) { mLocked = locked; }
     /// An OnApply has done its work.
     bool IsDirty() const { return mDirty; }
-    /// A control was changed since the last apply.
-    bool IsChanged() const { return mChanged; }
-    /// Marks the page changed and tells the host.
-    void Changed();
-
     /// Fills the controls from the trail's settings, or from the administrator's
-    /// without a trail, and disables what may not be changed. Returns 1.
-    int OnInitDialog();
+    /// without a trail, and disables what may not be changed. Returns true.
+    bool OnInitDialog() override;
     /// Applies a change: logs "Audit Trail turned off." before turning the trail
     /// off, saves and reloads the settings, begins a session with its two events
     /// when the trail is on, ends it when off, and tells all listeners. Exceptions
-    /// of the trail pass on. Returns true.
-    bool OnApply();
+    /// of the trail pass on to the sheet. Returns the base class's result.
+    bool OnApply() override;
 
     void OnCbLogevents() { Changed(); }
     void OnCbExtendeduserinfo() { Changed(); }
@@ -57,15 +53,10 @@ public:
     /// The trail's save dialog.
     void OnSaveButton();
 
-signals:
-    /// A control was changed; the host enables its Apply button.
-    void Modified();
-
 private:
     AuditTrail* mTrail;
     bool mLocked = false;
     bool mDirty = false;
-    bool mChanged = false;
     QCheckBox* mLogEvents;
     QCheckBox* mExtendedUserInfo;
     QPushButton* mClearLog;

@@ -8,6 +8,7 @@
 #include <KORVAutlwin/frame/CommandAction.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/options/TsPropertySheet.h>
 #include <KORVAutlwin/workspace/TsHtmlView.h>
 
 #include <KORVAutl/AuditTrail.h>
@@ -15,13 +16,9 @@
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/Log.h>
 
-#include <QDialog>
-#include <QDialogButtonBox>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QTimer>
-#include <QVBoxLayout>
 
 #include <memory>
 
@@ -80,28 +77,11 @@ void OpenView(TessmaMDIFrame& frame, AuditTrail* trail)
 
 void OpenSettings(TessmaMDIFrame& frame, AuditTrail* trail)
 {
-    QDialog dialog(&frame);
-    dialog.setWindowTitle(QObject::tr("Options"));
-    auto* page = new AuditTrailPage(trail, &dialog);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Apply);
-    auto* layout = new QVBoxLayout(&dialog);
-    layout->addWidget(page);
-    layout->addWidget(buttons);
-    QPushButton* apply = buttons->button(QDialogButtonBox::Apply);
-    apply->setEnabled(false);
-    QObject::connect(page, &AuditTrailPage::Modified, apply, [apply] { apply->setEnabled(true); });
-    QObject::connect(apply, &QPushButton::clicked, page, [page, apply] {
-        page->OnApply();
-        apply->setEnabled(false);
-    });
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&dialog, page] {
-        page->OnApply();
-        dialog.accept();
-    });
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    page->OnInitDialog();
-    dialog.resize(460, 200);
-    dialog.exec();
+    AuditTrailPage page(trail);
+    TsPropertySheet sheet(QObject::tr("Options").toUtf8().constData(), &frame);
+    sheet.AddPage(&page);
+    sheet.resize(460, 240);
+    sheet.exec();
 }
 
 void OpenHtmlCommands(TessmaMDIFrame& frame)

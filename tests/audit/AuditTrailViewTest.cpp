@@ -181,7 +181,7 @@ TEST_F(AuditTest, PageWithoutATrailShowsTheAdministratorsSettingsDisabled)
         SCOPED_TRACE(row.locked);
         AuditTrailPage page(row.trail);
         page.LockPage(row.locked);
-        EXPECT_EQ(page.OnInitDialog(), 1);
+        EXPECT_TRUE(page.OnInitDialog());
         std::vector<bool> enabled;
         for (int id : {16255, 16254, 16252, 16256})
             enabled.push_back(Control(&page, id)->isEnabled());
