@@ -8,6 +8,9 @@
 #include <QTimer>
 #include <QWebEnginePage>
 
+#include <iterator>
+#include <vector>
+
 namespace {
 
 constexpr int kScriptTimeoutMs = 10000;
@@ -22,34 +25,40 @@ QString JsString(const std::string& text)
 
 } // namespace
 
-QVariant IHTMLDocument2::Evaluate(const QString& script) const
+QVariant IHTMLDocument2::Evaluate(const QString& script, bool repeatable) const
 {
-    QPointer<QWebEnginePage> page = mPage;
-    if (!page)
-        return {};
-    // The answer may come after this call gave up waiting: it then lands in a state kept alive by the callback.
-    struct Answer
-    {
-        QVariant value;
-        bool done = false;
-        QPointer<QEventLoop> loop;
-    };
-    auto answer = std::make_shared<Answer>();
-    QEventLoop loop;
-    answer->loop = &loop;
-    page->runJavaScript(script, [answer](const QVariant& value) {
-        answer->value = value;
-        answer->done = true;
-        if (answer->loop)
-            answer->loop->quit();
-    });
-    QObject::connect(page, &QObject::destroyed, &loop, &QEventLoop::quit);
-    // A renderer that goes away never answers: the call then fails as a dead document does.
-    QTimer::singleShot(kScriptTimeoutMs, &loop, &QEventLoop::quit);
-    if (!answer->done)
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
-    answer->loop = nullptr;
-    return answer->value;
+    // Now and then the browser drops a script's answer: a script that may run
+    // twice is asked again after a short wait, any other waits for the longest.
+    static const int waits[] = {1000, 2000, kScriptTimeoutMs - 3000};
+    for (int wait : repeatable ? std::vector<int>(std::begin(waits), std::end(waits)) : std::vector<int>{kScriptTimeoutMs}) {
+        QPointer<QWebEnginePage> page = mPage;
+        if (!page)
+            return {};
+        // A late answer lands in a state kept alive by the callback, after this call gave up on it.
+        struct Answer
+        {
+            QVariant value;
+            bool done = false;
+            QPointer<QEventLoop> loop;
+        };
+        auto answer = std::make_shared<Answer>();
+        QEventLoop loop;
+        answer->loop = &loop;
+        page->runJavaScript(script, [answer](const QVariant& value) {
+            answer->value = value;
+            answer->done = true;
+            if (answer->loop)
+                answer->loop->quit();
+        });
+        QObject::connect(page, &QObject::destroyed, &loop, &QEventLoop::quit);
+        QTimer::singleShot(wait, &loop, &QEventLoop::quit);
+        if (!answer->done)
+            loop.exec(QEventLoop::ExcludeUserInputEvents);
+        answer->loop = nullptr;
+        if (answer->done)
+            return answer->value;
+    }
+    return {};
 }
 
 std::string IHTMLRuleStyle::GetCSSText() const
@@ -133,7 +142,8 @@ void AddMissingHTMLRuleStyles(const std::string& cssText, IHTMLStyleSheet* sheet
             continue;
         sheet->GetDocument()->Evaluate(QStringLiteral("(function(sh,sel,st){try{sh.insertRule(sel+'{'+st+'}',"
                                                       "sh.cssRules.length);}catch(e){}})(%1,%2,%3)")
-                                           .arg(sheet->Expression(), JsString(selector), JsString(style)));
+                                           .arg(sheet->Expression(), JsString(selector), JsString(style)),
+                                       false);
     }
 }
 

@@ -25,8 +25,10 @@ class IHTMLDocument2
 public:
     explicit IHTMLDocument2(QWebEnginePage* page) : mPage(page) {}
     QWebEnginePage* GetPage() const { return mPage; }
-    /// The value of the script `script` in the page; invalid when the page is gone.
-    QVariant Evaluate(const QString& script) const;
+    /// The value of the script `script` in the page; invalid when the page is
+    /// gone or does not answer. A `repeatable` script (one that may run twice
+    /// without harm) is run again when its answer is slow in coming.
+    QVariant Evaluate(const QString& script, bool repeatable = true) const;
 
 private:
     QWebEnginePage* mPage;
