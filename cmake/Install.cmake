@@ -10,7 +10,7 @@ set(KORVA_DATA_DIR ${CMAKE_INSTALL_DATADIR}/KORVAutlwin)
 # Headers of users include these: Qt, Boost's archives and libgsf (art files),
 # SQLite (the registry store's statements).
 target_link_libraries(KORVAutl INTERFACE SQLite::SQLite3)
-target_link_libraries(KORVAutlwin INTERFACE Qt6::Core Qt6::Gui Qt6::PrintSupport Boost::headers PkgConfig::GSF)
+target_link_libraries(KORVAutlwin INTERFACE Qt6::Core Qt6::Gui Qt6::PrintSupport Qt6::WebEngineWidgets Boost::headers PkgConfig::GSF)
 
 set_target_properties(KORVAutlwin PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS KORVAutl KORVAutlwin EXPORT KORVAutlwinTargets

@@ -1,6 +1,6 @@
 // The workbench: the suite shell that shows every part of the library at work,
 // in an MDI frame with a splash at start.
-//   Workbench [--screenshot FILE [--command ID [--window]]]
+//   Workbench [--screenshot FILE [--command ID [--window [--wait MS]]]]
 // With --screenshot the main window is saved as a picture once it has been
 // shown, and the program ends (run it with QT_QPA_PLATFORM=offscreen to need no
 // display). With --command as well, command ID runs first and the picture is of
@@ -66,8 +66,11 @@ public:
             const int command = arguments.indexOf(QStringLiteral("--command"));
             if (command >= 0 && command + 1 < arguments.size()) {
                 const unsigned int id = arguments[command + 1].toUInt();
+                // A window that renders a web page needs longer than 700 ms: --wait gives the time.
+                const int wait = arguments.indexOf(QStringLiteral("--wait"));
+                const int delay = wait >= 0 && wait + 1 < arguments.size() ? arguments[wait + 1].toInt() : 700;
                 if (arguments.contains(QStringLiteral("--window")))
-                    QTimer::singleShot(700, frame, [this, frame] { SaveScreenshot(frame); });
+                    QTimer::singleShot(delay, frame, [this, frame] { SaveScreenshot(frame); });
                 else
                     QTimer::singleShot(300, frame, [this, id] { ScreenshotOfDialog(id); });
                 QTimer::singleShot(200, frame, [frame, id] { frame->ExecuteCommand(id); });

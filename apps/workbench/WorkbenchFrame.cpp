@@ -1,5 +1,6 @@
 #include "WorkbenchFrame.h"
 
+#include "AuditDemos.h"
 #include "BreakDemos.h"
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
@@ -149,6 +150,7 @@ void WorkbenchFrame::BuildMenus()
     AddTreeDemos(*this);
     AddFavouritesDemos(*this);
     AddFavouritesPaneDemos(*this);
+    AddAuditDemos(*this);
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));

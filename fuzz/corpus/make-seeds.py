@@ -121,3 +121,11 @@ seed("option_description", "shared-keys.xml", "<Tessmark><PropertyCategory Short
      "<PropertyItem Section='S' Key='K' Type='Number' Default='5'/><PropertyItem Section='S' Key='K' Type='String' Default='12'/>"
      "<PropertyItem Section='T' Key='K' Type='CustomList'><CustomList><Item Value='12' Name='x'/></CustomList></PropertyItem>"
      "</PropertyCategory><S K='7'/></Tessmark>")
+# Audit trails: empty, with a session and its events, and a hand-edited one.
+seed("audit_trail", "empty", '<?xml version="1.0" encoding="UTF-8"?><AuditTrail Project="Study"/>')
+seed("audit_trail", "session",
+     '<?xml version="1.0" encoding="UTF-8"?>\n<?xml-stylesheet type="text/xsl" href="audit_trail.xsl"?>\n'
+     '<AuditTrail Project="Wine">\n  <Session Start="2026-11-24T20:40:00Z" User="ann" ExtendedUserInfo="QA">\n'
+     '    <Event Time="2026-11-24T20:41:00Z" User="ann" ExtendedUserInfo="QA"><Title>Model fitted</Title>'
+     '<Detail>3 components</Detail></Event>\n  </Session>\n</AuditTrail>\n')
+seed("audit_trail", "no-trail", "<Other><Session/></Other>")
