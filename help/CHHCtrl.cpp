@@ -1,0 +1,353 @@
+#include <KORVAutlwin/help/CHHCtrl.h>
+
+#include <KORVAutlwin/frame/CmdTarget.h>
+#include <KORVAutlwin/frame/MessageBoxTypes.h>
+#include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/frame/WinApp.h>
+#include <KORVAutlwin/help/ChmFileFinder.h>
+#include <KORVAutlwin/help/ChmSchemeHandler.h>
+#include <KORVAutlwin/help/HelpLinks.h>
+#include <KORVAutlwin/workspace/HtmlBrowserView.h>
+
+#include <KORVAutl/LanguageString.h>
+#include <KORVAutl/TsString.h>
+
+#include <QAction>
+#include <QIcon>
+#include <QResizeEvent>
+#include <QStyle>
+#include <QToolBar>
+#include <QWebEngineHistory>
+#include <QWebEnginePage>
+#include <QWebEngineProfile>
+#include <QWebEngineView>
+
+#include <cstdint>
+
+// The browser of the pane: hands its navigations and loads to the pane.
+class HelpBrowser : public HtmlBrowserView
+{
+public:
+    HelpBrowser(CHHCtrl* pane) : HtmlBrowserView(pane), mPane(pane) {}
+    void OnBeforeNavigate2(const QString& url, bool& cancel) override
+    {
+        const std::string text = url.toStdString();
+        mPane->OnBeforeNavigate2(text.c_str(), 0, nullptr, nullptr, nullptr, cancel);
+    }
+    void OnDocumentComplete(const QString& url) override { mPane->BrowserLoaded(url); }
+
+private:
+    CHHCtrl* mPane;
+};
+
+namespace {
+constexpr int kToolBarHeight = 28;
+constexpr int kToolBarHeightWithText = 43;
+constexpr unsigned int kButtonLabels = 16121;
+constexpr unsigned int kFileNotFound = 16116;
+
+QStyle::StandardPixmap ButtonIcon(int bit)
+{
+    static const QStyle::StandardPixmap icons[] = {QStyle::SP_DirHomeIcon, QStyle::SP_ArrowBack,
+                                                   QStyle::SP_ArrowForward, QStyle::SP_FileDialogDetailedView,
+                                                   QStyle::SP_DialogCloseButton};
+    return icons[bit];
+}
+} // namespace
+
+CHHCtrl::CHHCtrl() = default;
+
+CHHCtrl::~CHHCtrl() = default;
+
+bool CHHCtrl::Create(QWidget* parent, const QRect& rect, unsigned long buttons, const char* home, bool showText)
+{
+    // A home below 65536 can't be a readable pointer: it is a map id.
+    if (reinterpret_cast<std::uintptr_t>(home) < 0x10000) {
+        m_homeId = static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(home));
+        m_homeFile.clear();
+    } else {
+        m_homeFile = home;
+        m_homeId = 0;
+    }
+    setParent(parent);
+    setGeometry(rect);
+    m_toolBarHeight = 0;
+    if (buttons != 0) {
+        delete m_toolBar;
+        m_toolBar = nullptr;
+        std::vector<std::string> labels;
+        if (showText) {
+            const char* text = LanguageString::Get(kButtonLabels);
+            if (!text || !*text)
+                return false;
+            TsString::SplitString(text, '|', labels);
+        }
+        m_toolBar = new QToolBar(this);
+        m_toolBar->setObjectName("1");
+        m_toolBar->setIconSize(QSize(20, 20));
+        m_toolBar->setToolButtonStyle(showText ? Qt::ToolButtonTextUnderIcon : Qt::ToolButtonIconOnly);
+        m_toolBarHeight = showText ? kToolBarHeightWithText : kToolBarHeight;
+        for (int bit = 0; bit <= static_cast<int>(m_lastToolCommand - ID_HH_HOME); ++bit) {
+            if (!(buttons & (1ul << bit)))
+                continue;
+            if (bit == 0 && m_homeFile.empty() && m_homeId == 0)
+                continue;   // no home to go to
+            const unsigned int id = ID_HH_HOME + bit;
+            const QString label = bit < static_cast<int>(labels.size()) ? QString::fromStdString(labels[bit]) : QString();
+            QAction* action = m_toolBar->addAction(style()->standardIcon(ButtonIcon(bit)), label);
+            action->setData(id);
+            action->setToolTip(label);
+            connect(action, &QAction::triggered, this, [this, id] { OnCommand(id); });
+        }
+        m_toolBar->setGeometry(0, 0, rect.width(), m_toolBarHeight);
+        m_toolBar->show();
+    }
+    if (!m_browser) {
+        m_browser = new HelpBrowser(this);
+        ChmSchemeHandler::Install(m_browser->GetPage()->profile());
+        QWebEngineView* view = m_browser->GetBrowser();
+        connect(view, &QWebEngineView::urlChanged, this, [this, view](const QUrl& url) {
+            OnNavigateComplete2(url.toString().toUtf8().constData());
+            OnCommandStateChange(CSC_NAVIGATEBACK, view->history()->canGoBack());
+            OnCommandStateChange(CSC_NAVIGATEFORWARD, view->history()->canGoForward());
+        });
+        connect(view, &QWebEngineView::titleChanged, this,
+                [this](const QString& title) { OnTitleChange(title.toUtf8().constData()); });
+    }
+    LayOut();
+    show();
+    return true;
+}
+
+bool CHHCtrl::ReplaceControl(QWidget* parent, unsigned int id, unsigned long buttons, const char* home, bool showText)
+{
+    if (!parent)
+        return false;
+    for (QWidget* child : parent->findChildren<QWidget*>()) {
+        if (child->property("ctrlId").toUInt() == id) {
+            const QRect rect = child->geometry();
+            QWidget* holder = child->parentWidget();
+            delete child;
+            return Create(holder, rect, buttons, home, showText);
+        }
+    }
+    return false;
+}
+
+void CHHCtrl::MoveWindow(QRect* rect, int)
+{
+    if (m_toolBar) {
+        m_toolBar->move(rect->topLeft());
+        rect->setTop(rect->top() + m_toolBar->height() + 2);
+    }
+    if (m_browser)
+        m_browser->setGeometry(*rect);
+}
+
+void CHHCtrl::LayOut()
+{
+    if (m_toolBar)
+        m_toolBar->setGeometry(0, 0, width(), m_toolBarHeight);
+    const int top = m_toolBar ? m_toolBarHeight + 2 : 0;
+    if (m_browser)
+        m_browser->setGeometry(0, top, width(), std::max(0, height() - top));
+}
+
+void CHHCtrl::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    LayOut();
+}
+
+bool CHHCtrl::FindChmFile(const char* name, char* out)
+{
+    return ChmFileFinder::FindChmFile(name, out, [](const std::string& prompt) {
+        return TsAfxMessageBox(prompt.c_str(), MB_OKCANCEL | MB_ICONERROR) == IDOK;
+    });
+}
+
+bool CHHCtrl::SetChmFile(const char* name)
+{
+    char path[ChmFileFinder::kMaxPath] = {};
+    if (FindChmFile(name, path)) {
+        m_helpFile = path;
+        return true;
+    }
+    TsAfxMessageBox(TsString::Format(kFileNotFound, name ? name : "").c_str(), MB_ICONWARNING);
+    return false;
+}
+
+HRESULT CHHCtrl::NavigateChm(const char* topic, const char* frame)
+{
+    if (m_helpFile.empty())
+        return STG_E_FILENOTFOUND;
+    const std::string url = HelpLinks::TopicUrl(m_helpFile, topic ? topic : "");
+    return Navigate(url.c_str(), 0, frame, nullptr, nullptr, 0);
+}
+
+HRESULT CHHCtrl::NavigateChm(unsigned int id, const char* frame)
+{
+    std::string url;
+    if (const HRESULT result = m_ids.UrlOf(m_helpFile, id, url); result != HELP_S_OK)
+        return result;
+    return Navigate(url.c_str(), 0, frame, nullptr, nullptr, 0);
+}
+
+HRESULT CHHCtrl::Navigate(const char* url, unsigned long flags, const char*, const char*, const void*, unsigned long)
+{
+    if (!m_browser)
+        return HELP_E_FAIL;
+    m_refreshedUrl.clear();
+    m_browser->Navigate2(url ? url : "", static_cast<int>(flags));
+    return HELP_S_OK;
+}
+
+void CHHCtrl::GoBack()
+{
+    if (m_browser)
+        m_browser->GetBrowser()->back();
+}
+
+void CHHCtrl::GoForward()
+{
+    if (m_browser)
+        m_browser->GetBrowser()->forward();
+}
+
+void CHHCtrl::GoHome()
+{
+    OnCommand(ID_HH_HOME);
+}
+
+void CHHCtrl::Refresh()
+{
+    if (m_browser)
+        m_browser->Refresh2();
+}
+
+void CHHCtrl::Stop()
+{
+    if (m_browser)
+        m_browser->GetBrowser()->stop();
+}
+
+std::string CHHCtrl::GetLocationURL() const
+{
+    return m_browser ? m_browser->GetLocationURL() : std::string();
+}
+
+std::string CHHCtrl::GetLocationName() const
+{
+    return m_browser ? m_browser->GetBrowser()->title().toStdString() : std::string();
+}
+
+bool CHHCtrl::GetBusy() const
+{
+    return m_browser && m_browser->GetBusy();
+}
+
+int CHHCtrl::GetReadyState() const
+{
+    return m_browser ? m_browser->GetReadyState() : READYSTATE_UNINITIALIZED;
+}
+
+void CHHCtrl::OnCommand(unsigned int id)
+{
+    switch (id) {
+    case ID_HH_HOME:
+        if (!m_helpFile.empty() && !HelpLinks::IsUrlHome(m_homeFile)) {
+            if (m_homeFile.empty())
+                NavigateChm(m_homeId, nullptr);
+            else
+                NavigateChm(m_homeFile.c_str(), nullptr);
+        } else {
+            Navigate(m_homeFile.c_str());
+        }
+        break;
+    case ID_HH_BACK:
+        GoBack();
+        break;
+    case ID_HH_FORWARD:
+        GoForward();
+        break;
+    case ID_HH_PRINT:
+        OnFilePrint();
+        break;
+    case ID_HH_CLOSE:
+        if (QWidget* parent = parentWidget())
+            QMetaObject::invokeMethod(parent, "close", Qt::QueuedConnection);
+        break;
+    default:
+        break;
+    }
+}
+
+void CHHCtrl::OnFilePrint()
+{
+    if (m_browser)
+        m_browser->ExecWB(OLECMDID_PRINT, 0);
+}
+
+void CHHCtrl::OnEditSelectAll()
+{
+    if (m_browser)
+        m_browser->ExecWB(OLECMDID_SELECTALL, OLECMDEXECOPT_DONTPROMPTUSER);
+}
+
+void CHHCtrl::OnBeforeNavigate2(const char* url, unsigned long, const char*, const void*, const char*, bool& cancel)
+{
+    cancel = false;
+    std::string name;
+    if (HelpLinks::IsAppLink(url ? url : "", name)) {
+        OnAppCmd(name.c_str());
+        cancel = true;
+    }
+}
+
+void CHHCtrl::OnAppCmd(const char* name)
+{
+    unsigned int id = 0;
+    if (!HelpLinks::FindCommand(m_cmdMap, name ? name : "", id))
+        return;
+    // Posted: a navigation is under way when the link fires.
+    QMetaObject::invokeMethod(
+        this,
+        [id] {
+            if (auto* target = dynamic_cast<CmdTarget*>(TsGetMainWnd()))
+                target->ExecuteCommand(id);
+        },
+        Qt::QueuedConnection);
+}
+
+void CHHCtrl::BrowserLoaded(const QString& url)
+{
+    OnDocumentComplete(url.toUtf8().constData());
+    emit DocumentComplete(url);
+}
+
+void CHHCtrl::OnDocumentComplete(const char* url)
+{
+    // Once per page: the refreshed page completes, too, and must not refresh again.
+    if (m_refreshedUrl == url)
+        return;
+    m_refreshedUrl = url;
+    Refresh();
+}
+
+void CHHCtrl::OnCommandStateChange(long command, bool enable)
+{
+    if (!m_toolBar)
+        return;
+    unsigned int id = 0;
+    if (command == CSC_NAVIGATEFORWARD)
+        id = ID_HH_FORWARD;
+    else if (command == CSC_NAVIGATEBACK)
+        id = ID_HH_BACK;
+    for (QAction* action : m_toolBar->actions())
+        if (id && action->data().toUInt() == id)
+            action->setEnabled(enable);
+}
+
+void CHHCtrl::OnNavigateComplete2(const char*) {}
+
+void CHHCtrl::OnTitleChange(const char*) {}

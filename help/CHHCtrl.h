@@ -1,0 +1,122 @@
+#pragma once
+/// \class CHHCtrl
+/// The help pane: a browser with a small tool bar of its own (home, back,
+/// forward, print, close: bits 0 to 4 of Create's `buttons`, commands 65280 to
+/// 65284) that shows pages straight out of a compiled help file. It finds the
+/// file where help files are kept, navigates by topic path or by map id (the
+/// table read once), and turns links "app:<name>" (scheme in any case) into the
+/// command that SetCmdMap maps the name to, posted to the main window.
+
+#include <KORVAutlwin/help/ChmMapIds.h>
+#include <KORVAutlwin/help/HelpResult.h>
+
+#include <QWidget>
+
+#include <map>
+#include <string>
+
+class QToolBar;
+class QAction;
+class QWebEngineView;
+class HtmlBrowserView;
+
+/// Browser command states of OnCommandStateChange.
+inline constexpr long CSC_NAVIGATEFORWARD = 1;
+inline constexpr long CSC_NAVIGATEBACK = 2;
+
+class CHHCtrl : public QWidget
+{
+    Q_OBJECT
+public:
+    /// Command ids of the tool bar: 65280 + bit.
+    enum EToolCommand : unsigned int
+    {
+        ID_HH_HOME = 65280,
+        ID_HH_BACK = 65281,
+        ID_HH_FORWARD = 65282,
+        ID_HH_PRINT = 65283,
+        ID_HH_CLOSE = 65284,
+    };
+
+    CHHCtrl();
+    ~CHHCtrl() override;
+
+    /// Creates the pane in `parent` at `rect`. `home` is a topic path, a URL (with
+    /// ":"), or a map id cast to a pointer (values below 65536). False on failure.
+    virtual bool Create(QWidget* parent, const QRect& rect, unsigned long buttons, const char* home, bool showText);
+    /// Takes the place and size of the child of `parent` whose "ctrlId" is `id`, destroys it, and creates there.
+    virtual bool ReplaceControl(QWidget* parent, unsigned int id, unsigned long buttons, const char* home,
+                                bool showText);
+    /// Tool bar at the rectangle's top left, its size kept; the browser in the rest below it.
+    void MoveWindow(QRect* rect, int repaint = 1);
+
+    /// Finds `name` and makes it the help file; false, with a warning, when it can't be found.
+    bool SetChmFile(const char* name);
+    const std::string& GetChmFile() const { return m_helpFile; }
+    /// The search of ChmFileFinder, with the prompt of "hh.ini" shown to the user.
+    bool FindChmFile(const char* name, char* out);
+    void SetHomeFile(const char* name) { m_homeFile = name ? name : ""; }
+
+    /// Shows `topic` of the help file: STG_E_FILENOTFOUND without a help file.
+    HRESULT NavigateChm(const char* topic, const char* frame = nullptr);
+    /// Shows the topic of map id `id`: the results of ChmMapIds::UrlOf, else Navigate's.
+    HRESULT NavigateChm(unsigned int id, const char* frame = nullptr);
+
+    /// Loads `url` (a path is a local file); HELP_S_OK once asked.
+    HRESULT Navigate(const char* url, unsigned long flags = 0, const char* frame = nullptr,
+                     const char* headers = nullptr, const void* postData = nullptr, unsigned long size = 0);
+    void GoBack();
+    void GoForward();
+    void GoHome();
+    void Refresh();
+    void Stop();
+    std::string GetLocationURL() const;
+    std::string GetLocationName() const;
+    bool GetBusy() const;
+    int GetReadyState() const;
+    HtmlBrowserView* GetBrowser() const { return m_browser; }
+    QToolBar* GetToolBarCtrl() const { return m_toolBar; }
+    /// Replaces the map from "app:" names to command ids.
+    void SetCmdMap(const std::map<std::string, unsigned int>& map) { m_cmdMap = map; }
+    /// The map-id table, once read.
+    const ChmMapIds& GetIdTable() const { return m_ids; }
+
+    /// Runs the command of an "app:" link: posts the mapped id to the main window; nothing for an unknown name.
+    virtual void OnAppCmd(const char* name);
+    /// Every navigation passes here; "app:" links are taken as commands and cancelled.
+    virtual void OnBeforeNavigate2(const char* url, unsigned long flags, const char* frame, const void* postData,
+                                   const char* headers, bool& cancel);
+    /// Loads the finished page once more, so that a page served before never shows stale.
+    virtual void OnDocumentComplete(const char* url);
+    /// Enables the forward or back button.
+    virtual void OnCommandStateChange(long command, bool enable);
+    virtual void OnNavigateComplete2(const char* url);
+    virtual void OnTitleChange(const char* title);
+    /// Tool bar commands.
+    virtual void OnCommand(unsigned int id);
+    void OnFilePrint();
+    void OnEditSelectAll();
+
+signals:
+    /// A page of the pane has finished loading.
+    void DocumentComplete(const QString& url);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    friend class HelpBrowser;
+    void LayOut();
+    void BrowserLoaded(const QString& url);
+
+    HtmlBrowserView* m_browser = nullptr;
+    std::string m_helpFile;
+    ChmMapIds m_ids;
+    unsigned int m_lastToolCommand = ID_HH_CLOSE;
+    std::string m_homeFile;
+    unsigned int m_homeId = 0;
+    QToolBar* m_toolBar = nullptr;
+    std::map<std::string, unsigned int> m_cmdMap;
+    int m_toolBarHeight = 0;
+    std::string m_refreshedUrl;
+};
