@@ -5,6 +5,7 @@
 #include "DialogDemos.h"
 #include "ExecuteDemos.h"
 #include "FailureDemos.h"
+#include "HelpDemos.h"
 #include "OperationsDemos.h"
 #include "PrintDemos.h"
 #include "ProgressDemos.h"
@@ -142,6 +143,7 @@ void WorkbenchFrame::BuildMenus()
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
+    AddHelpDemos(*this);
 }
 
 void WorkbenchFrame::BuildMessageBar()
