@@ -1,6 +1,8 @@
 #include <KORVAutlwin/help/CHHCtrl.h>
 
 #include <KORVAutlwin/frame/CmdTarget.h>
+#include <KORVAutlwin/frame/MenuResource.h>
+#include <KORVAutlwin/frame/TsMenu.h>
 #include <KORVAutlwin/frame/MessageBoxTypes.h>
 #include <KORVAutlwin/frame/TsApp.h>
 #include <KORVAutlwin/frame/WinApp.h>
@@ -14,6 +16,8 @@
 
 #include <QAction>
 #include <QIcon>
+#include <QMenu>
+#include <QMouseEvent>
 #include <QResizeEvent>
 #include <QStyle>
 #include <QToolBar>
@@ -35,6 +39,16 @@ public:
         mPane->OnBeforeNavigate2(text.c_str(), 0, nullptr, nullptr, nullptr, cancel);
     }
     void OnDocumentComplete(const QString& url) override { mPane->BrowserLoaded(url); }
+    // The right button's release in the page shows the pane's menu, and the browser never shows its own.
+    bool PreTranslateMessage(QObject* window, QEvent* event) override
+    {
+        if (event->type() == QEvent::MouseButtonRelease && IsIEWindow(window) &&
+            static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
+            mPane->OnContextMenu(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+            return true;
+        }
+        return HtmlBrowserView::PreTranslateMessage(window, event);
+    }
 
 private:
     CHHCtrl* mPane;
@@ -45,6 +59,8 @@ constexpr int kToolBarHeight = 28;
 constexpr int kToolBarHeightWithText = 43;
 constexpr unsigned int kButtonLabels = 16121;
 constexpr unsigned int kFileNotFound = 16116;
+constexpr unsigned int kContextMenu = 16240;
+constexpr unsigned int kMenuBack = 16269;
 
 QStyle::StandardPixmap ButtonIcon(int bit)
 {
@@ -276,6 +292,44 @@ void CHHCtrl::OnCommand(unsigned int id)
     case ID_HH_CLOSE:
         if (QWidget* parent = parentWidget())
             QMetaObject::invokeMethod(parent, "close", Qt::QueuedConnection);
+        break;
+    default:
+        break;
+    }
+}
+
+void CHHCtrl::OnContextMenu(const QPoint& point)
+{
+    if (!m_browser || !MenuResource::Exists(kContextMenu))
+        return;
+    std::unique_ptr<QMenu> menu(MenuResource::Load(kContextMenu));
+    const auto actions = menu->actions();
+    QMenu* popup = actions.isEmpty() ? nullptr : actions.first()->menu();
+    if (!popup)
+        return;
+    const unsigned int chosen =
+        TsMenu::TrackPopupMenu(popup, TPM_NONOTIFY | TPM_RETURNCMD | TPM_RIGHTBUTTON, point, m_browser);
+    switch (chosen) {
+    case kMenuBack:
+        GoBack();
+        break;
+    case ID_EDIT_COPY:
+        m_browser->ExecWB(OLECMDID_COPY, OLECMDEXECOPT_DONTPROMPTUSER);
+        break;
+    case ID_FILE_SAVE_AS:
+        m_browser->ExecWB(OLECMDID_SAVEAS, OLECMDEXECOPT_DONTPROMPTUSER);
+        break;
+    case ID_FILE_PRINT:
+        OnFilePrint();
+        break;
+    case ID_EDIT_FIND:
+        // The browser's own find, once it has the focus.
+        m_browser->GetBrowser()->setFocus();
+        QMetaObject::invokeMethod(
+            m_browser, [browser = m_browser] { browser->ExecWB(OLECMDID_FIND, 0); }, Qt::QueuedConnection);
+        break;
+    case ID_EDIT_SELECT_ALL:
+        OnEditSelectAll();
         break;
     default:
         break;

@@ -94,6 +94,8 @@ public:
     virtual void OnTitleChange(const char* title);
     /// Tool bar commands.
     virtual void OnCommand(unsigned int id);
+    /// The pane's own menu (16240) at `point` (global), in place of the browser's; runs the chosen command.
+    virtual void OnContextMenu(const QPoint& point);
     void OnFilePrint();
     void OnEditSelectAll();
 

@@ -149,3 +149,24 @@ TEST(HelpPaneTest, ViewerShowsContentsAndTopicsByMapId)
     EXPECT_EQ(help.DisplayTopic(7), nullptr);
     EXPECT_EQ(window->RunSearch("START HERE"), 1);
 }
+
+TEST(HelpPaneTest, RightButtonShowsThePanesMenuWhoseBackGoesBack)
+{
+    Pane p(0, "");
+    ASSERT_TRUE(p.pane.SetChmFile(kMapped.c_str()));
+    p.pane.NavigateChm(1001);
+    ASSERT_TRUE(p.Shows("Introduction"));
+    p.pane.NavigateChm(4000000000u);
+    ASSERT_TRUE(p.Shows("Details"));
+    QWidget* input = p.pane.GetBrowser()->GetBrowser()->focusProxy();
+    ASSERT_NE(input, nullptr);
+    QStringList items;
+    korva::test::WhenModal([&](QWidget* popup) {
+        for (QAction* action : popup->actions())
+            items << action->text();
+        QTest::keyClick(popup, Qt::Key_B);
+    });
+    QTest::mouseClick(input, Qt::RightButton, {}, QPoint(200, 200));
+    EXPECT_TRUE(p.Shows("Introduction"));
+    EXPECT_EQ(items.value(0), "&Back");
+}
