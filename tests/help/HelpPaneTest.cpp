@@ -9,6 +9,8 @@
 #include <KORVAutlwin/help/TsHtmlHelp.h>
 #include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
+#include <QDialog>
+#include <QLineEdit>
 #include <QToolBar>
 #include <QTreeWidget>
 #include <QWebEngineView>
@@ -169,4 +171,41 @@ TEST(HelpPaneTest, RightButtonShowsThePanesMenuWhoseBackGoesBack)
     QTest::mouseClick(input, Qt::RightButton, {}, QPoint(200, 200));
     EXPECT_TRUE(p.Shows("Introduction"));
     EXPECT_EQ(items.value(0), "&Back");
+}
+
+TEST(HelpPaneTest, ContextHelpOfADialogsControl)
+{
+    korva::test::Application();
+    TsHtmlHelp& help = TsHtmlHelp::Instance();
+    help.SetHelpFile(kMapped.c_str());
+    QDialog dialog;
+    dialog.resize(300, 200);
+    QWidget* controls[2] = {new QLineEdit(&dialog), new QLineEdit(&dialog)};
+    for (int i = 0; i < 2; ++i) {
+        controls[i]->setProperty("ctrlId", 100 + i);
+        controls[i]->setProperty("contextHelpId", 5001 + i);
+    }
+    dialog.show();
+    struct Row
+    {
+        int contextType, ctrlId;
+        QWidget* control;
+        bool handled;
+        std::string text;
+    } rows[] = {
+        {HELPINFO_WINDOW, 101, controls[1], true, "The sample's weight in grams."},
+        {HELPINFO_WINDOW, 100, controls[0], true, "The name of the sample, as it appears in reports."},
+        {HELPINFO_WINDOW, 0, controls[1], false, "The name of the sample, as it appears in reports."},
+        {2, 101, controls[1], false, "The name of the sample, as it appears in reports."},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.ctrlId);
+        HELPINFO info;
+        info.iContextType = row.contextType;
+        info.iCtrlId = row.ctrlId;
+        info.hItemHandle = row.control;
+        EXPECT_EQ(help.DisplayContextHelp(&dialog, &info, "popups.txt"), row.handled);
+        EXPECT_EQ(help.GetLastPopupText(), row.text);
+    }
+    EXPECT_EQ(help.GetContextTable().GetCount(), 2);
 }

@@ -1,3 +1,4 @@
+#include <KORVAutlwin/help/ChmContents.h>
 #include <KORVAutlwin/help/ContextHelpTable.h>
 #include <KORVAutlwin/help/HelpLinks.h>
 
@@ -49,4 +50,20 @@ TEST(ContextHelpTable, NinetyNineChildrenWithoutTheButtons)
     EXPECT_EQ(table.ContextIdOf(1), 0u);
     EXPECT_EQ(table.ContextIdOf(198), 5198u);
     EXPECT_EQ(table.ContextIdOf(199), 0u);
+}
+
+TEST(ChmContents, SiteMapsAndPopupTexts)
+{
+    const auto entries = ChmContents::ParseSiteMap(
+        "<UL><LI><OBJECT type=\"text/sitemap\"><param name=\"Name\" value=\"Start\"><param name=\"Local\" "
+        "value=\"a.htm\"></OBJECT><ul><li><object><PARAM NAME=\"Local\" value=\"b.htm\"><param name=\"Name\" "
+        "value=\"Deeper\"></object></ul><LI><OBJECT><param name=\"Name\" value=\"Book\"></OBJECT></UL>");
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_EQ(entries[0].local, "a.htm");
+    EXPECT_EQ(entries[1].name + "|" + entries[1].local + "|" + std::to_string(entries[1].depth), "Deeper|b.htm|1");
+    EXPECT_EQ(entries[2].name + "|" + entries[2].local + "|" + std::to_string(entries[2].depth), "Book||0");
+    const std::string popups = ".topic 10\r\nFirst line\r\nsecond\r\n.topic 100\r\nOther\r\n";
+    EXPECT_EQ(ChmContents::PopupText(popups, 10), "First line\nsecond");
+    EXPECT_EQ(ChmContents::PopupText(popups, 100), "Other");
+    EXPECT_EQ(ChmContents::PopupText(popups, 1), "");
 }
