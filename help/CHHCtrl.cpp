@@ -15,6 +15,7 @@
 #include <KORVAutl/TsString.h>
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QIcon>
 #include <QMenu>
 #include <QMouseEvent>
@@ -33,12 +34,8 @@ class HelpBrowser : public HtmlBrowserView
 {
 public:
     HelpBrowser(CHHCtrl* pane) : HtmlBrowserView(pane), mPane(pane) {}
-    void OnBeforeNavigate2(const QString& url, bool& cancel) override
-    {
-        const std::string text = url.toStdString();
-        mPane->OnBeforeNavigate2(text.c_str(), 0, nullptr, nullptr, nullptr, cancel);
-    }
-    void OnDocumentComplete(const QString& url) override { mPane->BrowserLoaded(url); }
+    void OnBeforeNavigate2(const QString& url, bool& cancel) override { mPane->BeforeNavigate2(QUrl(url), cancel); }
+    void OnDocumentComplete(const QString& url) override { mPane->DocumentComplete(QUrl(url)); }
     // The right button's release in the page shows the pane's menu, and the browser never shows its own.
     bool PreTranslateMessage(QObject* window, QEvent* event) override
     {
@@ -123,12 +120,17 @@ bool CHHCtrl::Create(QWidget* parent, const QRect& rect, unsigned long buttons, 
         ChmSchemeHandler::Install(m_browser->GetPage()->profile());
         QWebEngineView* view = m_browser->GetBrowser();
         connect(view, &QWebEngineView::urlChanged, this, [this, view](const QUrl& url) {
-            OnNavigateComplete2(url.toString().toUtf8().constData());
+            NavigateComplete2(url);
             OnCommandStateChange(CSC_NAVIGATEBACK, view->history()->canGoBack());
             OnCommandStateChange(CSC_NAVIGATEFORWARD, view->history()->canGoForward());
         });
         connect(view, &QWebEngineView::titleChanged, this,
                 [this](const QString& title) { OnTitleChange(title.toUtf8().constData()); });
+        connect(view, &QWebEngineView::loadStarted, this, [this] { OnDownloadBegin(); });
+        connect(view, &QWebEngineView::loadFinished, this, [this] { OnDownloadComplete(); });
+        connect(view, &QWebEngineView::loadProgress, this, [this](int progress) { OnProgressChange(progress, 100); });
+        connect(m_browser->GetPage(), &QWebEnginePage::linkHovered, this,
+                [this](const QString& link) { OnStatusTextChange(link.toUtf8().constData()); });
     }
     LayOut();
     show();
@@ -373,10 +375,21 @@ void CHHCtrl::OnAppCmd(const char* name)
         Qt::QueuedConnection);
 }
 
-void CHHCtrl::BrowserLoaded(const QString& url)
+void CHHCtrl::NavigateComplete2(const QUrl& url)
 {
-    OnDocumentComplete(url.toUtf8().constData());
-    emit DocumentComplete(url);
+    OnNavigateComplete2(url.toString().toUtf8().constData());
+}
+
+void CHHCtrl::BeforeNavigate2(const QUrl& url, bool& cancel)
+{
+    const std::string text = url.toString().toStdString();
+    OnBeforeNavigate2(text.c_str(), 0, nullptr, nullptr, nullptr, cancel);
+}
+
+void CHHCtrl::DocumentComplete(const QUrl& url)
+{
+    OnDocumentComplete(url.toString().toUtf8().constData());
+    emit PageComplete(url.toString());
 }
 
 void CHHCtrl::OnDocumentComplete(const char* url)
@@ -405,3 +418,112 @@ void CHHCtrl::OnCommandStateChange(long command, bool enable)
 void CHHCtrl::OnNavigateComplete2(const char*) {}
 
 void CHHCtrl::OnTitleChange(const char*) {}
+
+void CHHCtrl::OnDraw(QPainter*) {}
+
+void CHHCtrl::OnDownloadBegin() {}
+
+void CHHCtrl::OnDownloadComplete() {}
+
+void CHHCtrl::OnProgressChange(long, long) {}
+
+void CHHCtrl::OnStatusTextChange(const char*) {}
+
+void CHHCtrl::OnPropertyChange(const char*) {}
+
+void CHHCtrl::OnNewWindow2(void**, bool& cancel)
+{
+    cancel = false;
+}
+
+void CHHCtrl::OnQuit() {}
+
+void CHHCtrl::OnVisible(bool) {}
+
+void CHHCtrl::GoSearch() {}
+
+void CHHCtrl::Refresh2(int level)
+{
+    if (m_browser)
+        m_browser->Refresh2(level);
+}
+
+void CHHCtrl::ExecWB(int command, int option)
+{
+    if (m_browser)
+        m_browser->ExecWB(command, option);
+}
+
+unsigned long CHHCtrl::QueryStatusWB(int command) const
+{
+    if (!m_browser)
+        return 0;
+    bool enabled = m_browser->HasDocument();
+    if (command == OLECMDID_PRINT || command == OLECMDID_PRINT2 || command == OLECMDID_SAVEAS)
+        enabled = enabled && !m_browser->GetBusy();
+    return OLECMDF_SUPPORTED | (enabled ? OLECMDF_ENABLED : 0);
+}
+
+void CHHCtrl::PutProperty(const char* name, const QVariant& value)
+{
+    m_properties[name ? name : ""] = value;
+    OnPropertyChange(name);
+}
+
+QVariant CHHCtrl::GetProperty(const char* name) const
+{
+    const auto found = m_properties.find(name ? name : "");
+    return found == m_properties.end() ? QVariant() : found->second;
+}
+
+std::string CHHCtrl::GetType() const
+{
+    return "HTML Document";
+}
+
+void CHHCtrl::SetLeft(long left)
+{
+    if (m_browser)
+        m_browser->move(static_cast<int>(left), m_browser->y());
+}
+
+void CHHCtrl::SetTop(long top)
+{
+    if (m_browser)
+        m_browser->move(m_browser->x(), static_cast<int>(top));
+}
+
+void CHHCtrl::SetHeight(long height)
+{
+    if (m_browser)
+        m_browser->resize(m_browser->width(), static_cast<int>(height));
+}
+
+void CHHCtrl::SetVisible(bool visible)
+{
+    if (m_browser) {
+        m_browser->setVisible(visible);
+        OnVisible(visible);
+    }
+}
+
+QWebEnginePage* CHHCtrl::GetHtmlDocument() const
+{
+    return m_browser ? m_browser->GetPage() : nullptr;
+}
+
+QWidget* CHHCtrl::GetApplication() const
+{
+    return TsGetMainWnd();
+}
+
+std::string CHHCtrl::GetFullName() const
+{
+    return QCoreApplication::applicationFilePath().toStdString();
+}
+
+void CHHCtrl::SetRegisterAsDropTarget(bool enable)
+{
+    if (m_browser)
+        m_browser->setAcceptDrops(enable);
+}

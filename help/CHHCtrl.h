@@ -9,7 +9,9 @@
 
 #include <KORVAutlwin/help/ChmMapIds.h>
 #include <KORVAutlwin/help/HelpResult.h>
+#include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
+#include <QVariant>
 #include <QWidget>
 
 #include <map>
@@ -18,7 +20,13 @@
 class QToolBar;
 class QAction;
 class QWebEngineView;
-class HtmlBrowserView;
+class QPainter;
+class QUrl;
+class QWebEnginePage;
+
+/// Answers of QueryStatusWB.
+inline constexpr unsigned long OLECMDF_SUPPORTED = 1;
+inline constexpr unsigned long OLECMDF_ENABLED = 2;
 
 /// Browser command states of OnCommandStateChange.
 inline constexpr long CSC_NAVIGATEFORWARD = 1;
@@ -68,8 +76,42 @@ public:
     void GoBack();
     void GoForward();
     void GoHome();
+    /// Searching the web is not for help pages: it does nothing.
+    void GoSearch();
     void Refresh();
+    void Refresh2(int level);
     void Stop();
+    /// Runs browser command `command` (EBrowserCommand) with `option`.
+    void ExecWB(int command, int option);
+    /// Whether browser command `command` can run now: OLECMDF_SUPPORTED | OLECMDF_ENABLED, or OLECMDF_SUPPORTED.
+    unsigned long QueryStatusWB(int command) const;
+    /// A value the application keeps with the browser, by name.
+    void PutProperty(const char* name, const QVariant& value);
+    QVariant GetProperty(const char* name) const;
+    std::string GetType() const;
+    long GetLeft() const { return m_browser ? m_browser->x() : 0; }
+    void SetLeft(long left);
+    long GetTop() const { return m_browser ? m_browser->y() : 0; }
+    void SetTop(long top);
+    long GetHeight() const { return m_browser ? m_browser->height() : 0; }
+    void SetHeight(long height);
+    bool GetVisible() const { return m_browser && m_browser->isVisible(); }
+    void SetVisible(bool visible);
+    bool GetOffline() const { return m_offline; }
+    void SetOffline(bool offline) { m_offline = offline; }
+    bool GetSilent() const { return m_silent; }
+    void SetSilent(bool silent) { m_silent = silent; }
+    /// The page of the browser, which holds its document.
+    QWebEnginePage* GetHtmlDocument() const;
+    /// The window that holds the pane.
+    QWidget* GetContainer() const { return parentWidget(); }
+    QWidget* GetApplication() const;
+    QWidget* GetParentBrowser() const { return nullptr; }
+    bool GetTopLevelContainer() const { return false; }
+    /// The full path of the running program.
+    std::string GetFullName() const;
+    bool GetRegisterAsDropTarget() const { return m_browser && m_browser->acceptDrops(); }
+    void SetRegisterAsDropTarget(bool enable);
     std::string GetLocationURL() const;
     std::string GetLocationName() const;
     bool GetBusy() const;
@@ -92,6 +134,22 @@ public:
     virtual void OnCommandStateChange(long command, bool enable);
     virtual void OnNavigateComplete2(const char* url);
     virtual void OnTitleChange(const char* title);
+    /// Hooks of the browser's events; they do nothing here.
+    virtual void OnDraw(QPainter* painter);
+    virtual void OnDownloadBegin();
+    virtual void OnDownloadComplete();
+    virtual void OnProgressChange(long progress, long progressMax);
+    virtual void OnStatusTextChange(const char* text);
+    virtual void OnPropertyChange(const char* property);
+    /// A page asks for a new window: `cancel` is set to false, so that it opens.
+    virtual void OnNewWindow2(void** dispatch, bool& cancel);
+    virtual void OnQuit();
+    virtual void OnVisible(bool visible);
+
+    /// The browser's event entries: they turn the events' values into text and call the hooks above.
+    void NavigateComplete2(const QUrl& url);
+    void BeforeNavigate2(const QUrl& url, bool& cancel);
+    void DocumentComplete(const QUrl& url);
     /// Tool bar commands.
     virtual void OnCommand(unsigned int id);
     /// The pane's own menu (16240) at `point` (global), in place of the browser's; runs the chosen command.
@@ -101,7 +159,7 @@ public:
 
 signals:
     /// A page of the pane has finished loading.
-    void DocumentComplete(const QString& url);
+    void PageComplete(const QString& url);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -109,7 +167,6 @@ protected:
 private:
     friend class HelpBrowser;
     void LayOut();
-    void BrowserLoaded(const QString& url);
 
     HtmlBrowserView* m_browser = nullptr;
     std::string m_helpFile;
@@ -121,4 +178,7 @@ private:
     std::map<std::string, unsigned int> m_cmdMap;
     int m_toolBarHeight = 0;
     std::string m_refreshedUrl;
+    std::map<std::string, QVariant> m_properties;
+    bool m_offline = false;
+    bool m_silent = false;
 };
