@@ -80,17 +80,22 @@ bool HelpWindow::Open(const std::string& file)
     const ChmStorage storage(file);
     if (!storage.IsOpen())
         return false;
+    mEntries = ChmContents::Read(storage);
     if (file != mFile) {
         mFile = file;
-        // A new pane: its map-id table belongs to the file it was first read from.
+        // A new pane: its map-id table belongs to the file it was first read from,
+        // and its home is the file's first topic.
+        std::string home;
+        for (const ChmContents::Entry& entry : mEntries)
+            if (home.empty() && !entry.local.empty())
+                home = "/" + entry.local;
         QWidget* holder = mPane->parentWidget();
         delete mPane;
         mPane = new CHHCtrl();
-        mPane->Create(holder, holder->rect(), 0xF, "", false);
+        mPane->Create(holder, holder->rect(), 0xF, home.c_str(), false);
         holder->layout()->addWidget(mPane);
         mPane->SetChmFile(file.c_str());
     }
-    mEntries = ChmContents::Read(storage);
     FillLists();
     return true;
 }

@@ -54,11 +54,18 @@ struct Pane : WithApplication
     {
         host.resize(600, 400);
         EXPECT_TRUE(pane.Create(&host, QRect(0, 0, 600, 400), buttons, home, false));
+        QObject::connect(&pane, &CHHCtrl::PageComplete, [this] { ++completes; });
         host.show();
     }
+    int completes = 0;
+    // Each page completes twice: once loaded, once refreshed by the pane.
     bool Shows(const QString& heading)
     {
-        return Until([&] { return !pane.GetBusy() && Eval(pane, "document.querySelector('h1').innerText") == heading; });
+        const bool shown = Until([&] {
+            return completes >= 2 && !pane.GetBusy() && Eval(pane, "document.querySelector('h1').innerText") == heading;
+        });
+        completes = 0;
+        return shown;
     }
 };
 } // namespace
