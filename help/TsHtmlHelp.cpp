@@ -3,6 +3,7 @@
 #include <KORVAutlwin/help/ChmContents.h>
 #include <KORVAutlwin/help/ChmStorage.h>
 #include <KORVAutlwin/help/HelpWindow.h>
+#include <KORVAutlwin/frame/TsApp.h>
 
 #include <QDialog>
 #include <QToolTip>
@@ -44,8 +45,9 @@ QWidget* TsHtmlHelp::HtmlHelp(QWidget* caller, const std::string& file, unsigned
                            caller);
         return caller;
     }
+    // Owned by the main window, so that it goes with it; a window of its own all the same.
     if (!m_window)
-        m_window = new HelpWindow();
+        m_window = new HelpWindow(TsGetMainWnd());
     if (!m_window->Open(path))
         return nullptr;
     m_window->setWindowTitle(QString::fromStdString(window.empty() ? path : window));
@@ -71,6 +73,11 @@ QWidget* TsHtmlHelp::HtmlHelp(QWidget* caller, const std::string& file, unsigned
         break;
     }
     return m_window;
+}
+
+HelpWindow* TsHtmlHelp::GetWindow() const
+{
+    return m_window.data();
 }
 
 QWidget* TsHtmlHelp::DisplayDefaultTopic()

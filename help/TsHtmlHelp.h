@@ -9,6 +9,7 @@
 #include <KORVAutlwin/help/ContextHelpTable.h>
 
 #include <QPoint>
+#include <QPointer>
 
 #include <string>
 
@@ -73,7 +74,7 @@ public:
     void FillContextHelpLookUpTable(QDialog* dialog);
     const ContextHelpTable& GetContextTable() const { return m_table; }
     /// The viewer, once a call has made it.
-    HelpWindow* GetWindow() const { return m_window; }
+    HelpWindow* GetWindow() const;
     /// The text of the last context help shown.
     const std::string& GetLastPopupText() const { return m_lastPopup; }
 
@@ -85,6 +86,6 @@ protected:
 private:
     std::string m_helpFile;
     ContextHelpTable m_table;
-    HelpWindow* m_window = nullptr;
+    QPointer<HelpWindow> m_window;
     std::string m_lastPopup;
 };
