@@ -42,15 +42,32 @@ std::uint64_t ChmStream::Length() const
     return mLength;
 }
 
+namespace {
+// Names reach the storage as wide text in a buffer of 520 bytes: 259 UTF-16
+// units and the terminator. A longer name can't be handed over at all.
+bool FitsWideBuffer(const std::string& name)
+{
+    std::size_t units = 0;
+    for (const char c : name) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte & 0xC0) != 0x80)
+            units += byte >= 0xF0 ? 2 : 1;
+    }
+    return units < ChmStorage::kWideBufferBytes / 2;
+}
+} // namespace
+
 ChmStorage::ChmStorage(const std::string& path)
 {
+    if (!FitsWideBuffer(path))
+        return;
     if (chmFile* file = chm_open(path.c_str()))
         mFile.reset(file, chm_close);
 }
 
 std::unique_ptr<ChmStream> ChmStorage::OpenStream(const std::string& name) const
 {
-    if (!mFile)
+    if (!mFile || !FitsWideBuffer(name))
         return nullptr;
     const std::string path = name.starts_with('/') ? name : "/" + name;
     chmUnitInfo unit{};

@@ -43,6 +43,10 @@ private:
 class ChmStorage
 {
 public:
+    /// Size of the wide buffer that names are handed over in: a name of 260
+    /// UTF-16 units or more can't be opened.
+    static constexpr std::size_t kWideBufferBytes = 520;
+
     /// Opens `path`; IsOpen() tells whether that worked.
     explicit ChmStorage(const std::string& path);
     bool IsOpen() const { return mFile != nullptr; }

@@ -5,7 +5,8 @@
 
 std::string HelpLinks::TopicUrl(const std::string& helpFile, const std::string& topic)
 {
-    return "its:" + helpFile + "::" + topic;
+    // A topic is a path from the root of the file, so that relative links of its page resolve inside the file.
+    return "its:" + helpFile + "::" + (topic.starts_with('/') ? "" : "/") + topic;
 }
 
 bool HelpLinks::SplitTopicUrl(const std::string& url, std::string& helpFile, std::string& topic)

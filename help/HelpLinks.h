@@ -10,7 +10,7 @@
 class HelpLinks
 {
 public:
-    /// "its:<helpFile>::<topic>".
+    /// "its:<helpFile>::<topic>", with "/" put before a topic that has none.
     static std::string TopicUrl(const std::string& helpFile, const std::string& topic);
     /// Splits an "its:" URL into the help file and the topic path (with its leading
     /// "/" added when missing, and without a "#..." or "?..." part); false when

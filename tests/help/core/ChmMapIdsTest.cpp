@@ -65,23 +65,24 @@ TEST(ChmMapIds, TableIsReadOnceAndKeptForALaterFile)
     EXPECT_EQ(url, "its:" KORVA_HELP_CHM_DIR "/unmapped.chm::");
 }
 
-TEST(ChmMapIds, LongHelpFilePathLeavesNoRoomForTheTopic)
+TEST(ChmMapIds, HelpFilePathsUpTo259Characters)
 {
-    // 520 bytes of room: a prefix that leaves 64 or less ends the URL at "::".
+    // The storage takes names as wide text in 520 bytes: 259 characters and the terminator.
     const fs::path folder = fs::temp_directory_path() / ("korva-help-long-" + std::to_string(getpid())) /
-                            std::string(200, 'a') / std::string(200, 'b');
+                            std::string(200, 'a');
     fs::create_directories(folder);
-    for (const std::size_t tail : {40u, 20u}) {
-        const fs::path file = folder / (std::string(tail, 'c') + ".chm");
+    for (const std::size_t length : {259u, 260u}) {
+        const std::size_t name = length - folder.string().size() - 1;
+        const fs::path file = folder / (std::string(name - 4, 'c') + ".chm");
+        ASSERT_EQ(file.string().size(), length);
         fs::copy_file(kMapped, file, fs::copy_options::overwrite_existing);
+        SCOPED_TRACE(length);
         ChmMapIds ids;
         std::string url;
-        ASSERT_EQ(ids.UrlOf(file.string(), 1001, url), HELP_S_OK);
-        const std::string prefix = "its:" + file.string() + "::";
-        SCOPED_TRACE(prefix.size());
-        EXPECT_EQ(url, 520 - prefix.size() > 64 ? prefix + "/intro.htm" : prefix);
+        EXPECT_EQ(ids.UrlOf(file.string(), 1001, url), length < 260 ? HELP_S_OK : STG_E_PATHNOTFOUND);
+        EXPECT_EQ(url, length < 260 ? "its:" + file.string() + "::/intro.htm" : "");
     }
-    fs::remove_all(folder.parent_path().parent_path());
+    fs::remove_all(folder.parent_path());
 }
 
 TEST(ChmMapIds, TablesOfEveryLength)
