@@ -37,6 +37,8 @@ korva_install_program(syslogsend ${CMAKE_INSTALL_BINDIR})
 korva_install_program(eventsource ${CMAKE_INSTALL_BINDIR})
 korva_install_program(sampleservice ${CMAKE_INSTALL_BINDIR})
 install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/Abstracts.tart DESTINATION ${KORVA_DATA_DIR} COMPONENT runtime)
+# The workbench's help file, in the system help folder where the help search looks.
+install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/Workbench.chm DESTINATION ${CMAKE_INSTALL_DATADIR}/Help COMPONENT runtime)
 
 install(EXPORT KORVAutlwinTargets NAMESPACE KORVAutlwin:: DESTINATION ${KORVA_CMAKE_DIR} COMPONENT development)
 configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/KORVAutlwinConfig.cmake.in

@@ -7,6 +7,7 @@
 #include "FailureDemos.h"
 #include "FavouritesDemos.h"
 #include "FavouritesPaneDemos.h"
+#include "HelpDemos.h"
 #include "OperationsDemos.h"
 #include "OptionsDemos.h"
 #include "PrintDemos.h"
@@ -154,6 +155,7 @@ void WorkbenchFrame::BuildMenus()
 
     QMenu* help = AddCommandMenu(tr("&Help"));
     AddCommand(help, ID_APP_ABOUT, tr("&About"));
+    AddHelpDemos(*this);
 }
 
 void WorkbenchFrame::BuildMessageBar()

@@ -129,3 +129,13 @@ seed("audit_trail", "session",
      '    <Event Time="2026-11-24T20:41:00Z" User="ann" ExtendedUserInfo="QA"><Title>Model fitted</Title>'
      '<Detail>3 components</Detail></Event>\n  </Session>\n</AuditTrail>\n')
 seed("audit_trail", "no-trail", "<Other><Session/></Other>")
+# Map-id tables of help files: a byte count, then pairs of map id and string offset.
+def id_table(pairs, rest=b""):
+    body = b"".join(struct.pack("<II", i, o) for i, o in pairs) + rest
+    return struct.pack("<I", len(body)) + body
+
+
+seed("chm_id_table", "two-pairs", id_table([(1001, 1), (4000000000, 12)]))
+seed("chm_id_table", "empty", id_table([]))
+seed("chm_id_table", "rest-of-4", id_table([(7, 0)], b"\0\0\0\0"))
+seed("chm_id_table", "longer-than-stream", struct.pack("<I", 64) + struct.pack("<II", 1, 1))
