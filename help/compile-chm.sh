@@ -13,7 +13,8 @@ cp "$chmcmd" "$root/bin/chmcmd"
 # The compiler's libraries, and those its runtime loads by name.
 libs=$(ldd "$chmcmd" | grep -o '/[^ ]*' || true)
 for lib in libpthread.so.0 libdl.so.2; do
-  found=$(ldconfig -p | awk -v n="$lib" '$1 == n && /x86-64|x86_64|64bit/ {print $NF; exit}')
+  # awk reads to the end: leaving early would kill ldconfig with SIGPIPE, a failure under pipefail.
+  found=$(ldconfig -p | awk -v n="$lib" '!f && $1 == n && /x86-64|x86_64|64bit/ {print $NF; f = 1}')
   [ -n "$found" ] && libs="$libs $found"
 done
 for lib in $libs; do
