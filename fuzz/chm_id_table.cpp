@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Check(result == STG_E_READFAULT);
         return 0;
     }
-    Check(result == HELP_S_OK);
+    Check(result == S_OK);
     Check(table.size() == length / 8);
     for (std::size_t i = 0; i < table.size(); ++i) {
         const std::uint8_t* pair = data + 4 + i * 8;

@@ -206,7 +206,7 @@ HRESULT CHHCtrl::NavigateChm(const char* topic, const char* frame)
 HRESULT CHHCtrl::NavigateChm(unsigned int id, const char* frame)
 {
     std::string url;
-    if (const HRESULT result = m_ids.UrlOf(m_helpFile, id, url); result != HELP_S_OK)
+    if (const HRESULT result = m_ids.UrlOf(m_helpFile, id, url); result != S_OK)
         return result;
     return Navigate(url.c_str(), 0, frame, nullptr, nullptr, 0);
 }
@@ -214,10 +214,10 @@ HRESULT CHHCtrl::NavigateChm(unsigned int id, const char* frame)
 HRESULT CHHCtrl::Navigate(const char* url, unsigned long flags, const char*, const char*, const void*, unsigned long)
 {
     if (!m_browser)
-        return HELP_E_FAIL;
+        return E_FAIL;
     m_refreshedUrl.clear();
     m_browser->Navigate2(url ? url : "", static_cast<int>(flags));
-    return HELP_S_OK;
+    return S_OK;
 }
 
 void CHHCtrl::GoBack()

@@ -8,7 +8,7 @@
 /// command that SetCmdMap maps the name to, posted to the main window.
 
 #include <KORVAutlwin/help/ChmMapIds.h>
-#include <KORVAutlwin/help/HelpResult.h>
+#include <KORVAutl/HResult.h>
 #include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
 #include <QVariant>
@@ -70,7 +70,7 @@ public:
     /// Shows the topic of map id `id`: the results of ChmMapIds::UrlOf, else Navigate's.
     HRESULT NavigateChm(unsigned int id, const char* frame = nullptr);
 
-    /// Loads `url` (a path is a local file); HELP_S_OK once asked.
+    /// Loads `url` (a path is a local file); S_OK once asked.
     HRESULT Navigate(const char* url, unsigned long flags = 0, const char* frame = nullptr,
                      const char* headers = nullptr, const void* postData = nullptr, unsigned long size = 0);
     void GoBack();

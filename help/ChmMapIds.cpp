@@ -39,7 +39,7 @@ HRESULT ChmMapIds::ReadIdTable(ChmStream& stream, std::vector<ChmMapIdPair>& tab
     try {
         bytes.resize(length);
     } catch (const std::bad_alloc&) {
-        return HELP_E_OUTOFMEMORY;
+        return E_OUTOFMEMORY;
     }
     if (ReadFully(stream, bytes.data(), length) < length)
         return STG_E_READFAULT;
@@ -47,13 +47,13 @@ HRESULT ChmMapIds::ReadIdTable(ChmStream& stream, std::vector<ChmMapIdPair>& tab
     table.reserve(length / 8);
     for (std::uint32_t i = 0; i + 8 <= length; i += 8)
         table.push_back({LittleEndian32(&bytes[i]), LittleEndian32(&bytes[i + 4])});
-    return HELP_S_OK;
+    return S_OK;
 }
 
 HRESULT ChmMapIds::Load(const std::string& helpFile)
 {
     if (mLoaded)
-        return HELP_S_OK;
+        return S_OK;
     const ChmStorage storage(helpFile);
     if (!storage.IsOpen())
         return STG_E_PATHNOTFOUND;
@@ -62,7 +62,7 @@ HRESULT ChmMapIds::Load(const std::string& helpFile)
         return STG_E_FILENOTFOUND;
     ++mReadCount;
     const HRESULT result = ReadIdTable(*stream, mTable);
-    mLoaded = result == HELP_S_OK;
+    mLoaded = result == S_OK;
     return result;
 }
 
@@ -70,10 +70,10 @@ HRESULT ChmMapIds::UrlOf(const std::string& helpFile, unsigned int id, std::stri
 {
     if (helpFile.empty())
         return STG_E_PATHNOTFOUND;
-    if (const HRESULT loaded = Load(helpFile); loaded != HELP_S_OK)
+    if (const HRESULT loaded = Load(helpFile); loaded != S_OK)
         return loaded;
     if (mTable.empty())
-        return HELP_E_FAIL;
+        return E_FAIL;
     const ChmMapIdPair* pair = nullptr;
     for (const ChmMapIdPair& entry : mTable)
         if (entry.id == id) {
@@ -81,7 +81,7 @@ HRESULT ChmMapIds::UrlOf(const std::string& helpFile, unsigned int id, std::stri
             break;
         }
     if (!pair)
-        return HELP_E_FAIL;
+        return E_FAIL;
 
     const ChmStorage storage(helpFile);
     if (!storage.IsOpen())
@@ -90,10 +90,10 @@ HRESULT ChmMapIds::UrlOf(const std::string& helpFile, unsigned int id, std::stri
     // The room is looked at once, before reading: a long path of the help file
     // leaves no room, and the URL then ends at the prefix.
     if (kUrlRoom - std::min(kUrlRoom, url.size()) <= kPiece)
-        return HELP_S_OK;
+        return S_OK;
     const std::unique_ptr<ChmStream> strings = storage.OpenStream("#STRINGS");
     if (!strings || !strings->Seek(pair->offset))
-        return HELP_S_OK;
+        return S_OK;
     char piece[kPiece];
     for (;;) {
         const long got = strings->Read(piece, kPiece);
@@ -104,5 +104,5 @@ HRESULT ChmMapIds::UrlOf(const std::string& helpFile, unsigned int id, std::stri
         if (end)
             break;
     }
-    return HELP_S_OK;
+    return S_OK;
 }

@@ -3,9 +3,9 @@
 /// The map-id table of a compiled help file ("#IVB": a 32-bit little-endian byte
 /// count n, then n / 8 pairs of map id and offset into "#STRINGS"), read once,
 /// and the "its:" URL of a map id's topic. A later change of the help file does
-/// not refresh the table. Results are the storage's codes of HelpResult.h.
+/// not refresh the table. Results are the storage's codes of KORVAutl/HResult.h.
 
-#include <KORVAutlwin/help/HelpResult.h>
+#include <KORVAutl/HResult.h>
 
 #include <cstdint>
 #include <string>
@@ -29,7 +29,7 @@ public:
     static constexpr std::size_t kPiece = 64;
 
     /// Reads a map-id table from `stream`: STG_E_READFAULT for fewer than 4 bytes
-    /// of length or a short read of the pairs, HELP_E_OUTOFMEMORY when the length
+    /// of length or a short read of the pairs, E_OUTOFMEMORY when the length
     /// can't be had; the count of pairs is length / 8 (a remainder is read and ignored).
     static HRESULT ReadIdTable(ChmStream& stream, std::vector<ChmMapIdPair>& table);
 
@@ -37,7 +37,7 @@ public:
     /// when the file can't be opened, STG_E_FILENOTFOUND without "#IVB", else as ReadIdTable.
     HRESULT Load(const std::string& helpFile);
     /// The URL "its:<helpFile>::<topic>" of map id `id`: STG_E_PATHNOTFOUND for an
-    /// empty help file or one that can't be opened, HELP_E_FAIL for an empty table
+    /// empty help file or one that can't be opened, E_FAIL for an empty table
     /// or an unknown id. A topic path that can't be read leaves the URL shorter.
     HRESULT UrlOf(const std::string& helpFile, unsigned int id, std::string& url);
 

@@ -139,7 +139,7 @@ HRESULT HelpWindow::ShowDefaultTopic()
     for (const ChmContents::Entry& entry : mEntries)
         if (!entry.local.empty())
             return ShowTopic(entry.local);
-    return HELP_E_FAIL;
+    return E_FAIL;
 }
 
 HRESULT HelpWindow::ShowTopic(const std::string& topic)

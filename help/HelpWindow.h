@@ -5,7 +5,7 @@
 /// pane (CHHCtrl with home, back, forward and print) showing its pages.
 
 #include <KORVAutlwin/help/ChmContents.h>
-#include <KORVAutlwin/help/HelpResult.h>
+#include <KORVAutl/HResult.h>
 
 #include <QWidget>
 

@@ -64,7 +64,7 @@ QWidget* TsHtmlHelp::HtmlHelp(QWidget* caller, const std::string& file, unsigned
         break;
     case HH_HELP_CONTEXT:
         m_window->ShowTab(HelpWindow::ETabContents);
-        if (m_window->ShowMapId(static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(data))) != HELP_S_OK)
+        if (m_window->ShowMapId(static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(data))) != S_OK)
             return nullptr;
         break;
     default:

@@ -7,6 +7,8 @@
 /// the page and waits for its answer, handling events meanwhile, as a call into
 /// the browser does.
 
+#include <KORVAutl/HResult.h>
+
 #include <QString>
 #include <QVariant>
 
@@ -15,9 +17,6 @@
 
 class QWebEnginePage;
 
-using HRESULT = long;
-inline constexpr HRESULT S_OK = 0;
-inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005L);
 
 /// The document of a page.
 class IHTMLDocument2

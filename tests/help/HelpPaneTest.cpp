@@ -75,12 +75,12 @@ TEST(HelpPaneTest, PagesByMapIdAndTopicOutOfTheHelpFile)
     Pane p(0x1F, reinterpret_cast<const char*>(std::uintptr_t{1001}));
     EXPECT_EQ(p.pane.NavigateChm(1001), STG_E_PATHNOTFOUND);
     ASSERT_TRUE(p.pane.SetChmFile(kMapped.c_str()));
-    EXPECT_EQ(p.pane.NavigateChm(7), HELP_E_FAIL);
-    ASSERT_EQ(p.pane.NavigateChm(1001), HELP_S_OK);
+    EXPECT_EQ(p.pane.NavigateChm(7), E_FAIL);
+    ASSERT_EQ(p.pane.NavigateChm(1001), S_OK);
     ASSERT_TRUE(p.Shows("Introduction"));
     EXPECT_EQ(p.pane.GetLocationURL(), "its:" + kMapped + "::/intro.htm");
     // A relative link inside the help file leads to its neighbour, served the same way.
-    ASSERT_EQ(p.pane.NavigateChm(4000000000u), HELP_S_OK);
+    ASSERT_EQ(p.pane.NavigateChm(4000000000u), S_OK);
     ASSERT_TRUE(p.Shows("Details"));
     ASSERT_EQ(Eval(p.pane, "document.querySelector('a').href"), QString::fromStdString("its:" + kMapped + "::/intro.htm"));
     EXPECT_EQ(p.pane.GetIdTable().GetReadCount(), 1);
@@ -132,7 +132,7 @@ TEST(HelpPaneTest, AppLinksClickedRunMappedCommandsOnly)
     frame.OnCommand(35150, [&] { ran.push_back(35150); });
     p.pane.SetCmdMap({{"RunDemo", 35150}});
     ASSERT_TRUE(p.pane.SetChmFile(kMapped.c_str()));
-    ASSERT_EQ(p.pane.NavigateChm(1001), HELP_S_OK);
+    ASSERT_EQ(p.pane.NavigateChm(1001), S_OK);
     ASSERT_TRUE(p.Shows("Introduction"));
     // "app:Unknown" first (nothing runs), then "APP:RunDemo"; the page stays.
     for (const char* index : {"1", "0"}) {

@@ -33,9 +33,9 @@ TEST(ChmMapIds, ResultsOfRealAndDamagedFiles)
         HRESULT result;
         std::string topic;
     } rows[] = {
-        {"first id", kMapped, 1001, HELP_S_OK, "/intro.htm"},
-        {"id with the top bit", kMapped, 4000000000u, HELP_S_OK, "/sub/details.htm"},
-        {"unknown id", kMapped, 7, HELP_E_FAIL, ""},
+        {"first id", kMapped, 1001, S_OK, "/intro.htm"},
+        {"id with the top bit", kMapped, 4000000000u, S_OK, "/sub/details.htm"},
+        {"unknown id", kMapped, 7, E_FAIL, ""},
         {"no map table", KORVA_HELP_CHM_DIR "/unmapped.chm", 1001, STG_E_FILENOTFOUND, ""},
         {"missing file", KORVA_HELP_CHM_DIR "/missing.chm", 1001, STG_E_PATHNOTFOUND, ""},
         {"no help file", "", 1001, STG_E_PATHNOTFOUND, ""},
@@ -47,7 +47,7 @@ TEST(ChmMapIds, ResultsOfRealAndDamagedFiles)
         ChmMapIds ids;
         std::string url = "untouched";
         EXPECT_EQ(ids.UrlOf(row.file, row.id, url), row.result);
-        EXPECT_EQ(url, row.result == HELP_S_OK ? "its:" + row.file + "::" + row.topic : "untouched");
+        EXPECT_EQ(url, row.result == S_OK ? "its:" + row.file + "::" + row.topic : "untouched");
     }
 }
 
@@ -55,13 +55,13 @@ TEST(ChmMapIds, TableIsReadOnceAndKeptForALaterFile)
 {
     ChmMapIds ids;
     std::string url;
-    EXPECT_EQ(ids.UrlOf(kMapped, 7, url), HELP_E_FAIL);
-    EXPECT_EQ(ids.UrlOf(kMapped, 7, url), HELP_E_FAIL);
+    EXPECT_EQ(ids.UrlOf(kMapped, 7, url), E_FAIL);
+    EXPECT_EQ(ids.UrlOf(kMapped, 7, url), E_FAIL);
     EXPECT_EQ(ids.GetReadCount(), 1);
     EXPECT_EQ(ids.GetIdCount(), 2);
     // Another file without a table: the first one's ids still count, and its
     // strings, which end before their offset, leave the URL at its prefix.
-    EXPECT_EQ(ids.UrlOf(KORVA_HELP_CHM_DIR "/unmapped.chm", 1001, url), HELP_S_OK);
+    EXPECT_EQ(ids.UrlOf(KORVA_HELP_CHM_DIR "/unmapped.chm", 1001, url), S_OK);
     EXPECT_EQ(url, "its:" KORVA_HELP_CHM_DIR "/unmapped.chm::");
 }
 
@@ -79,7 +79,7 @@ TEST(ChmMapIds, HelpFilePathsUpTo259Characters)
         SCOPED_TRACE(length);
         ChmMapIds ids;
         std::string url;
-        EXPECT_EQ(ids.UrlOf(file.string(), 1001, url), length < 260 ? HELP_S_OK : STG_E_PATHNOTFOUND);
+        EXPECT_EQ(ids.UrlOf(file.string(), 1001, url), length < 260 ? S_OK : STG_E_PATHNOTFOUND);
         EXPECT_EQ(url, length < 260 ? "its:" + file.string() + "::/intro.htm" : "");
     }
     fs::remove_all(folder.parent_path());
@@ -95,9 +95,9 @@ TEST(ChmMapIds, TablesOfEveryLength)
         HRESULT result;
         int count;
     } rows[] = {
-        {"two pairs", le(16) + twoPairs, HELP_S_OK, 2},
-        {"length 20, a rest of 4", le(20) + twoPairs + "rest", HELP_S_OK, 2},
-        {"length 7, no pair", le(7) + "1234567", HELP_S_OK, 0},
+        {"two pairs", le(16) + twoPairs, S_OK, 2},
+        {"length 20, a rest of 4", le(20) + twoPairs + "rest", S_OK, 2},
+        {"length 7, no pair", le(7) + "1234567", S_OK, 0},
         {"fewer than 4 bytes of length", "\x10\x00", STG_E_READFAULT, -1},
         {"shorter than its length", le(16) + le(5) + le(0), STG_E_READFAULT, -1},
         {"length far beyond the stream", le(0xFFFFFFF0u) + twoPairs, STG_E_READFAULT, -1},
