@@ -202,7 +202,7 @@ void AddListDemos(TessmaMDIFrame& frame)
     frame.AddCommand(menu, eDemoOptionSelect, QObject::tr("Select items with an o&ption"));
     frame.AddCommand(menu, eDemoNewClass, QObject::tr("Select or enter a &class"));
     menu->addSeparator();
-    frame.AddCommand(menu, eDemoSpecialisedLists, QObject::tr("Specialised &lists"));
+    frame.AddCommand(menu, eDemoListRelatives, QObject::tr("Specialised &lists"));
 
     TessmaMDIFrame* target = &frame;
     frame.OnCommand(eDemoLargeList, [target] { OpenDocument(*target); });
@@ -215,7 +215,7 @@ void AddListDemos(TessmaMDIFrame& frame)
         document->GetFind()->setText(QStringLiteral("Spelt"));
         document->GetColumnChooser()->setCurrentIndex(2); // searches the materials at once
     });
-    frame.OnCommand(eDemoSpecialisedLists, [target] { ShowSpecialisedListsDemo(target); });
+    frame.OnCommand(eDemoListRelatives, [target] { ShowListRelativesDemo(target); });
     frame.OnCommand(eDemoFilterPopup, [target] {
         SampleListDocument* document = OpenDocument(*target);
         document->FilterSamples();

@@ -16,10 +16,10 @@ enum EListDemo : unsigned int
     eDemoOptionSelect = 34104,     // TsOptionMultiSelectItemDialog with three options
     eDemoNewClass = 34105,         // SelectNewClassDialog
     eDemoSortedList = 34106,       // the document sorted by protein, rows of one material selected
-    eDemoSpecialisedLists = 34107  // check boxes in cells, disabled rows, grey entries, a timed edit
+    eDemoListRelatives = 34107  // check boxes in cells, disabled rows, grey entries, a timed edit
 };
 
 /// Adds the "&Lists" menu with the commands above to `frame`.
 void AddListDemos(TessmaMDIFrame& frame);
 /// Shows the dialog with the list's small relatives.
-void ShowSpecialisedListsDemo(QWidget* parent);
+void ShowListRelativesDemo(QWidget* parent);

@@ -26,10 +26,10 @@ public:
     bool IsItemDisabled(int row) const override { return GetItemData(row) % 2 != 0; }
 };
 
-class SpecialisedListsDialog : public TsDialog, public TimedEditParent
+class ListRelativesDialog : public TsDialog, public TimedEditParent
 {
 public:
-    explicit SpecialisedListsDialog(QWidget* parent) : TsDialog("SpecialisedLists", parent)
+    explicit ListRelativesDialog(QWidget* parent) : TsDialog("ListRelatives", parent)
     {
         setWindowTitle(QStringLiteral("Specialised lists"));
         auto* grid = new QGridLayout(this);
@@ -81,8 +81,8 @@ private:
 
 } // namespace
 
-void ShowSpecialisedListsDemo(QWidget* parent)
+void ShowListRelativesDemo(QWidget* parent)
 {
-    SpecialisedListsDialog dialog(parent);
+    ListRelativesDialog dialog(parent);
     dialog.exec();
 }

@@ -19,7 +19,7 @@ using namespace korva::test;
 
 namespace {
 
-class Specialised : public ControlsFixture
+class ListRelatives : public ControlsFixture
 {};
 
 struct Names : FilterListItems
@@ -37,7 +37,7 @@ struct Counter : TimedEditParent
 
 } // namespace
 
-TEST_F(Specialised, CheckBoxCellsToggleOnlyInTheBox)
+TEST_F(ListRelatives, CheckBoxCellsToggleOnlyInTheBox)
 {
     auto* list = new CheckBoxListCtrl(mWindow.get());
     for (int col = 0; col < 2; ++col)
@@ -59,7 +59,7 @@ TEST_F(Specialised, CheckBoxCellsToggleOnlyInTheBox)
     EXPECT_TRUE(list->IsCheckBoxChecked(1, 1));
 }
 
-TEST_F(Specialised, GreyEntriesCountAsUnselected)
+TEST_F(ListRelatives, GreyEntriesCountAsUnselected)
 {
     auto* box = new GrayListBox(mWindow.get());
     box->setSelectionMode(QAbstractItemView::MultiSelection);
@@ -79,7 +79,7 @@ TEST_F(Specialised, GreyEntriesCountAsUnselected)
     EXPECT_EQ(box->GetSel(1), 1);
 }
 
-TEST_F(Specialised, TimedEditFiresOnlyForTyping)
+TEST_F(ListRelatives, TimedEditFiresOnlyForTyping)
 {
     Counter parent;
     auto* box = new TimedEditBox(&parent, mWindow.get());
@@ -93,7 +93,7 @@ TEST_F(Specialised, TimedEditFiresOnlyForTyping)
     QTRY_COMPARE(parent.calls, 1);
 }
 
-TEST_F(Specialised, FindAndSelectByTyping)
+TEST_F(ListRelatives, FindAndSelectByTyping)
 {
     TsListCtrl* list = MakeList(0);
     for (const char* text : {"abc", "xab", "cab", "abd", "b"})
@@ -121,7 +121,7 @@ TEST_F(Specialised, FindAndSelectByTyping)
     EXPECT_EQ(Selected(list), (std::vector<int>{3, 4}));
 }
 
-TEST_F(Specialised, FilterPopupFiltersByTypingAndRemembersFilters)
+TEST_F(ListRelatives, FilterPopupFiltersByTypingAndRemembersFilters)
 {
     Names names;
     for (int i = 0; i < 200; ++i)
@@ -167,7 +167,7 @@ TEST_F(Specialised, FilterPopupFiltersByTypingAndRemembersFilters)
     EXPECT_EQ(mApp->GetProfileString("PopupFilterListCtrl", "Filter1", ""), "119");
 }
 
-TEST_F(Specialised, TrackReturnsTheChosenItemOrMinusOne)
+TEST_F(ListRelatives, TrackReturnsTheChosenItemOrMinusOne)
 {
     Names names;
     names.texts = {"alpha", "beta", "gamma"};
@@ -191,7 +191,7 @@ TEST_F(Specialised, TrackReturnsTheChosenItemOrMinusOne)
     }
 }
 
-TEST_F(Specialised, OptionFormNeedsAMarkWhenThereIsAChoice)
+TEST_F(ListRelatives, OptionFormNeedsAMarkWhenThereIsAChoice)
 {
     for (size_t options : {1u, 2u}) {
         SCOPED_TRACE(options);
@@ -216,7 +216,7 @@ TEST_F(Specialised, OptionFormNeedsAMarkWhenThereIsAChoice)
     }
 }
 
-TEST_F(Specialised, ComplementCommandChecksExactlyTheSelection)
+TEST_F(ListRelatives, ComplementCommandChecksExactlyTheSelection)
 {
     SelectItemDialog dialog(SelectItemDialog::eMultiSelect, "Pick", "Samples:", "Name", {"a", "b", "c", "d"}, false,
                             mWindow.get());
@@ -231,7 +231,7 @@ TEST_F(Specialised, ComplementCommandChecksExactlyTheSelection)
     EXPECT_TRUE(checked.empty());
 }
 
-TEST_F(Specialised, NewClassDialogGivesNoneForEntryZero)
+TEST_F(ListRelatives, NewClassDialogGivesNoneForEntryZero)
 {
     struct Case
     {
@@ -253,7 +253,7 @@ TEST_F(Specialised, NewClassDialogGivesNoneForEntryZero)
     }
 }
 
-TEST_F(Specialised, SingleSelectDialogByMouse)
+TEST_F(ListRelatives, SingleSelectDialogByMouse)
 {
     std::vector<std::string> items;
     for (int i = 0; i < 60; ++i)
@@ -297,7 +297,7 @@ int LongestRun(const QImage& image, QRect band, QColor colour)
 
 } // namespace
 
-TEST_F(Specialised, DisabledRowsAreStruckThrough)
+TEST_F(ListRelatives, DisabledRowsAreStruckThrough)
 {
     auto* list = new OddRowsDisabled(mWindow.get());
     list->InsertColumn(0, "Sample", LVCFMT_LEFT, 200);
