@@ -1,24 +1,19 @@
 #pragma once
 // A row holding the path of a file, typed or chosen through a PropertyInPlaceBrowseForFile.
+// It keeps its text as a string row does; only the painting and the control differ.
 
-#include <KORVAutlwin/options/PropertyItem.h>
+#include <KORVAutlwin/options/PropertyItemString.h>
 
 /// A row holding a file path, chosen by typing or through a file dialog.
-class PropertyItemFilePath : public PropertyItem
+class PropertyItemFilePath : public PropertyItemString
 {
 public:
-    PropertyItemFilePath(unsigned int nameId, unsigned int propertyId, unsigned int descriptionId);
-    PropertyItemFilePath(const char* name, unsigned int propertyId, const char* description);
+    using PropertyItemString::PropertyItemString;
+    using PropertyItemString::SetData;
 
     /// Paints the path, compacted with "..." to fit the cell.
     void DrawValue(QPainter* dc, QRect cell) override;
     QWidget* CreateInPlaceControl(QWidget* parent, QRect cell) override;
     /// Takes the control's data.
     void SetData(QWidget* control) override;
-
-    void GetData(std::string& value) const { value = mValue; }
-    void SetData(const std::string& value) { mValue = value; }
-
-protected:
-    std::string mValue;
 };

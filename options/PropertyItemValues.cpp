@@ -144,14 +144,6 @@ bool PropertyItemFloat::ValidateText(std::string& text) const
 }
 
 #define KORVA_PATH_ITEM(Class)                                                                                   \
-    Class::Class(unsigned int nameId, unsigned int propertyId, unsigned int descriptionId)                       \
-        : PropertyItem(nameId, propertyId, descriptionId)                                                        \
-    {                                                                                                            \
-    }                                                                                                            \
-    Class::Class(const char* name, unsigned int propertyId, const char* description)                            \
-        : PropertyItem(name, propertyId, description)                                                            \
-    {                                                                                                            \
-    }                                                                                                            \
     void Class::DrawValue(QPainter* dc, QRect cell)                                                              \
     {                                                                                                            \
         const QRect text = korva::ValueTextRect(cell);                                                           \
