@@ -1,18 +1,15 @@
 #pragma once
 // A row holding the path of a folder, typed or chosen through a PropertyInPlaceBrowseForFolder.
-// It keeps its text as a string row does; only the painting and the control differ.
 
-#include <KORVAutlwin/options/PropertyItemString.h>
+#include <KORVAutlwin/options/PropertyItemPath.h>
 
 /// A row holding a folder path, chosen by typing or through a folder dialog.
-class PropertyItemFolderPath : public PropertyItemString
+class PropertyItemFolderPath : public PropertyItemPath
 {
 public:
-    using PropertyItemString::PropertyItemString;
-    using PropertyItemString::SetData;
+    using PropertyItemPath::PropertyItemPath;
+    using PropertyItemPath::SetData;
 
-    /// Paints the path, compacted with "..." to fit the cell.
-    void DrawValue(QPainter* dc, QRect cell) override;
     QWidget* CreateInPlaceControl(QWidget* parent, QRect cell) override;
     /// Takes the control's data.
     void SetData(QWidget* control) override;
