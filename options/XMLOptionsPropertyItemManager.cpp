@@ -290,17 +290,10 @@ void XMLOptionsPropertyItemManager::SaveValues()
             int value = 0;
             static_cast<PropertyItemList*>(item)->GetData(value);
             open->WriteInt(key, value);
-        } else if (type == "String") {
+        } else if (type == "String" || type == "FolderPath" || type == "FilePath") {
+            // The path rows keep their text as the string row does.
             std::string value;
             static_cast<PropertyItemString*>(item)->GetData(value);
-            open->WriteKey(key, value);
-        } else if (type == "FolderPath") {
-            std::string value;
-            static_cast<PropertyItemFolderPath*>(item)->GetData(value);
-            open->WriteKey(key, value);
-        } else if (type == "FilePath") {
-            std::string value;
-            static_cast<PropertyItemFilePath*>(item)->GetData(value);
             open->WriteKey(key, value);
         } else if (type == "CustomList") {
             std::string value;
@@ -332,12 +325,8 @@ void XMLOptionsPropertyItemManager::ResetItemToDefault(PropertyItem* item)
         static_cast<PropertyItemList*>(item)->SetData(info.defaultValue.boolValue ? 1 : 0);
     else if (type == "CustomList")
         static_cast<XMLOptionsPropertyItemCustomList*>(item)->SetSelectedValue(info.defaultText);
-    else if (type == "String")
+    else if (type == "String" || type == "FolderPath" || type == "FilePath")
         static_cast<PropertyItemString*>(item)->SetData(info.defaultText);
-    else if (type == "FolderPath")
-        static_cast<PropertyItemFolderPath*>(item)->SetData(info.defaultText);
-    else if (type == "FilePath")
-        static_cast<PropertyItemFilePath*>(item)->SetData(info.defaultText);
 }
 
 void XMLOptionsPropertyItemManager::ResetToDefaults()
