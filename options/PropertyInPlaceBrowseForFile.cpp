@@ -16,10 +16,5 @@ bool PropertyInPlaceBrowseForFile::OnBrowse()
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setLabelText(QFileDialog::Accept, QStringLiteral("Select"));
-    if (!mData.empty())
-        dialog.selectFile(QString::fromStdString(mData));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return false;
-    mData = dialog.selectedFiles().front().toStdString();
-    return true;
+    return BrowseWith(dialog);
 }

@@ -15,10 +15,5 @@ bool PropertyInPlaceBrowseForFolder::OnBrowse()
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    if (!mData.empty())
-        dialog.selectFile(QString::fromStdString(mData));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return false;
-    mData = dialog.selectedFiles().front().toStdString();
-    return true;
+    return BrowseWith(dialog);
 }

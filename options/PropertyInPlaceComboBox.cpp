@@ -149,7 +149,7 @@ bool PropertyInPlaceComboBoxListBox::OnMouse(QEvent::Type type, QPoint pos, Qt::
     }
 }
 
-bool PropertyInPlaceComboBoxListBox::event(QEvent* event)
+bool PropertyInPlaceComboBoxListBox::OnMouseEvent(QEvent* event, const QWidget* from)
 {
     switch (event->type()) {
     case QEvent::MouseButtonPress:
@@ -157,33 +157,21 @@ bool PropertyInPlaceComboBoxListBox::event(QEvent* event)
     case QEvent::MouseButtonRelease:
     case QEvent::MouseMove: {
         auto* mouse = static_cast<QMouseEvent*>(event);
-        if (OnMouse(event->type(), mouse->position().toPoint(), mouse->buttons()))
-            return true;
-        break;
+        return OnMouse(event->type(), from->mapTo(this, mouse->position().toPoint()), mouse->buttons());
     }
     default:
-        break;
+        return false;
     }
-    return QListWidget::event(event);
+}
+
+bool PropertyInPlaceComboBoxListBox::event(QEvent* event)
+{
+    return OnMouseEvent(event, this) || QListWidget::event(event);
 }
 
 bool PropertyInPlaceComboBoxListBox::viewportEvent(QEvent* event)
 {
-    switch (event->type()) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseMove: {
-        auto* mouse = static_cast<QMouseEvent*>(event);
-        const QPoint pos = viewport()->mapTo(this, mouse->position().toPoint());
-        if (OnMouse(event->type(), pos, mouse->buttons()))
-            return true;
-        break;
-    }
-    default:
-        break;
-    }
-    return QListWidget::viewportEvent(event);
+    return OnMouseEvent(event, viewport()) || QListWidget::viewportEvent(event);
 }
 
 void PropertyInPlaceComboBoxListBox::keyPressEvent(QKeyEvent* event)

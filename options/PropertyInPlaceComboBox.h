@@ -60,6 +60,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    // The mouse events of the list or of its viewport (`from`); true when taken.
+    bool OnMouseEvent(QEvent* event, const QWidget* from);
     // Mouse events at `pos`, in the list's own coordinates.
     bool OnMouse(QEvent::Type type, QPoint pos, Qt::MouseButtons buttons);
     // Presses on the scroll bar, and the drag after one, go to it; true when they did.

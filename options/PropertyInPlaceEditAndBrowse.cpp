@@ -1,6 +1,7 @@
 #include <KORVAutlwin/options/PropertyInPlaceEditAndBrowse.h>
 #include <KORVAutlwin/options/PropertyInPlaceEdit.h>
 
+#include <QFileDialog>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -91,4 +92,14 @@ void PropertyInPlaceEditAndBrowse::Browse()
         return;
     mEdit->setText(QString::fromStdString(mData));
     SendSetData();
+}
+
+bool PropertyInPlaceEditAndBrowse::BrowseWith(QFileDialog& dialog)
+{
+    if (!mData.empty())
+        dialog.selectFile(QString::fromStdString(mData));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return false;
+    mData = dialog.selectedFiles().front().toStdString();
+    return true;
 }

@@ -10,6 +10,7 @@
 #include <string>
 
 class PropertyInPlaceEditAndBrowse;
+class QFileDialog;
 
 /// The edit part (child id 2). Its keys behave as PropertyInPlaceEdit's, with
 /// the focus going two levels up, to the grid.
@@ -53,6 +54,8 @@ protected:
     explicit PropertyInPlaceEditAndBrowse(QWidget* parent);
     /// Creates `control` over `cell` and shows it.
     static void Place(PropertyInPlaceEditAndBrowse* control, QRect cell);
+    /// Runs `dialog` at the data's path; true when a path was chosen, which is then the data.
+    bool BrowseWith(QFileDialog& dialog);
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;

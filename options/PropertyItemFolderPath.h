@@ -1,24 +1,16 @@
 #pragma once
 // A row holding the path of a folder, typed or chosen through a PropertyInPlaceBrowseForFolder.
 
-#include <KORVAutlwin/options/PropertyItem.h>
+#include <KORVAutlwin/options/PropertyItemPath.h>
 
 /// A row holding a folder path, chosen by typing or through a folder dialog.
-class PropertyItemFolderPath : public PropertyItem
+class PropertyItemFolderPath : public PropertyItemPath
 {
 public:
-    PropertyItemFolderPath(unsigned int nameId, unsigned int propertyId, unsigned int descriptionId);
-    PropertyItemFolderPath(const char* name, unsigned int propertyId, const char* description);
+    using PropertyItemPath::PropertyItemPath;
+    using PropertyItemPath::SetData;
 
-    /// Paints the path, compacted with "..." to fit the cell.
-    void DrawValue(QPainter* dc, QRect cell) override;
     QWidget* CreateInPlaceControl(QWidget* parent, QRect cell) override;
     /// Takes the control's data.
     void SetData(QWidget* control) override;
-
-    void GetData(std::string& value) const { value = mValue; }
-    void SetData(const std::string& value) { mValue = value; }
-
-protected:
-    std::string mValue;
 };

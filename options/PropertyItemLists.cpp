@@ -1,9 +1,7 @@
-// The list rows: the base, the three two-state lists and the custom list.
+// The list rows: the base, the two-state lists and the custom list.
 #include <KORVAutlwin/options/PropertyItemControls.h>
 #include <KORVAutlwin/options/PropertyItemCustomList.h>
-#include <KORVAutlwin/options/PropertyItemListEnabledDisabled.h>
-#include <KORVAutlwin/options/PropertyItemListTrueFalse.h>
-#include <KORVAutlwin/options/PropertyItemListYesNo.h>
+#include <KORVAutlwin/options/PropertyItemListTwoState.h>
 
 #include <KORVAutl/LanguageString.h>
 
@@ -40,24 +38,24 @@ unsigned int PropertyItemList::GetNumItems() { return 0; }
 
 std::string PropertyItemList::GetItemData(unsigned int) { return std::string(); }
 
-#define KORVA_TWO_STATE_LIST(Class)                                                                  \
-    Class::Class(unsigned int nameId, unsigned int propertyId, unsigned int descriptionId)           \
-        : PropertyItemList(nameId, propertyId, descriptionId)                                        \
-    {                                                                                                \
-    }                                                                                                \
-    Class::Class(const char* name, unsigned int propertyId, const char* description)                \
-        : PropertyItemList(name, propertyId, description)                                            \
-    {                                                                                                \
-    }                                                                                                \
-    unsigned int Class::GetNumItems() { return 2; }                                                  \
-    std::string Class::GetItemData(unsigned int index)                                               \
-    {                                                                                                \
-        return index < GetNumItems() ? std::string(LanguageString::Get(msStringIds[index])) : std::string(); \
-    }
+PropertyItemListTwoState::PropertyItemListTwoState(unsigned int nameId, unsigned int propertyId,
+                                                   unsigned int descriptionId, const unsigned int (&stringIds)[2])
+    : PropertyItemList(nameId, propertyId, descriptionId), mStringIds(stringIds)
+{
+}
 
-KORVA_TWO_STATE_LIST(PropertyItemListYesNo)
-KORVA_TWO_STATE_LIST(PropertyItemListEnabledDisabled)
-KORVA_TWO_STATE_LIST(PropertyItemListTrueFalse)
+PropertyItemListTwoState::PropertyItemListTwoState(const char* name, unsigned int propertyId, const char* description,
+                                                   const unsigned int (&stringIds)[2])
+    : PropertyItemList(name, propertyId, description), mStringIds(stringIds)
+{
+}
+
+unsigned int PropertyItemListTwoState::GetNumItems() { return 2; }
+
+std::string PropertyItemListTwoState::GetItemData(unsigned int index)
+{
+    return index < GetNumItems() ? std::string(LanguageString::Get(mStringIds[index])) : std::string();
+}
 
 PropertyItemCustomList::PropertyItemCustomList(unsigned int nameId, unsigned int propertyId, unsigned int descriptionId)
     : PropertyItemList(nameId, propertyId, descriptionId)

@@ -15,21 +15,17 @@ void PropertyItemManager::OnDataChanged(PropertyItem*, PropertyListCtrl*, int) {
 PropertyItemCategory* PropertyItemManager::AddPropertyCategory(const char* name, const char* description,
                                                                bool childrenVisible)
 {
-    auto* category = new PropertyItemCategory(name, description, childrenVisible);
-    try {
-        mCategories.push_back(category);
-    } catch (...) {
-        delete category;
-        throw;
-    }
-    ++mNumCategories;
-    return category;
+    return AddCategory(new PropertyItemCategory(name, description, childrenVisible));
 }
 
 PropertyItemCategory* PropertyItemManager::AddPropertyCategory(unsigned int nameId, unsigned int descriptionId,
                                                                bool childrenVisible)
 {
-    auto* category = new PropertyItemCategory(nameId, descriptionId, childrenVisible);
+    return AddCategory(new PropertyItemCategory(nameId, descriptionId, childrenVisible));
+}
+
+PropertyItemCategory* PropertyItemManager::AddCategory(PropertyItemCategory* category)
+{
     try {
         mCategories.push_back(category);
     } catch (...) {

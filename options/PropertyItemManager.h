@@ -42,4 +42,8 @@ public:
 protected:
     std::vector<PropertyItemCategory*> mCategories;
     int mNumCategories = 0;
+
+private:
+    // Takes `category` into the list; deleted again when the list cannot grow.
+    PropertyItemCategory* AddCategory(PropertyItemCategory* category);
 };

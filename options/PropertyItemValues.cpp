@@ -143,22 +143,16 @@ bool PropertyItemFloat::ValidateText(std::string& text) const
     return false;
 }
 
-#define KORVA_PATH_ITEM(Class)                                                                                   \
-    Class::Class(unsigned int nameId, unsigned int propertyId, unsigned int descriptionId)                       \
-        : PropertyItem(nameId, propertyId, descriptionId)                                                        \
-    {                                                                                                            \
-    }                                                                                                            \
-    Class::Class(const char* name, unsigned int propertyId, const char* description)                            \
-        : PropertyItem(name, propertyId, description)                                                            \
-    {                                                                                                            \
-    }                                                                                                            \
-    void Class::DrawValue(QPainter* dc, QRect cell)                                                              \
-    {                                                                                                            \
-        const QRect text = korva::ValueTextRect(cell);                                                           \
-        korva::DrawValueText(dc, cell, PathCompactPath(dc->fontMetrics(), mValue, text.width()));                \
-    }                                                                                                            \
-    QWidget* Class::CreateInPlaceControl(QWidget* parent, QRect cell) { return KORVA_CREATE_CONTROL(parent, cell); } \
-    void Class::SetData(QWidget* control) { KORVA_TAKE_DATA(control); }
+void PropertyItemPath::DrawValue(QPainter* dc, QRect cell)
+{
+    const QRect text = korva::ValueTextRect(cell);
+    korva::DrawValueText(dc, cell, PathCompactPath(dc->fontMetrics(), mValue, text.width()));
+}
 
-KORVA_PATH_ITEM(PropertyItemFolderPath)
-KORVA_PATH_ITEM(PropertyItemFilePath)
+QWidget* PropertyItemFolderPath::CreateInPlaceControl(QWidget* parent, QRect cell) { return KORVA_CREATE_CONTROL(parent, cell); }
+
+void PropertyItemFolderPath::SetData(QWidget* control) { KORVA_TAKE_DATA(control); }
+
+QWidget* PropertyItemFilePath::CreateInPlaceControl(QWidget* parent, QRect cell) { return KORVA_CREATE_CONTROL(parent, cell); }
+
+void PropertyItemFilePath::SetData(QWidget* control) { KORVA_TAKE_DATA(control); }

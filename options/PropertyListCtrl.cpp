@@ -466,12 +466,10 @@ void PropertyListCtrl::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
-void PropertyListCtrl::mousePressEvent(QMouseEvent* event)
+bool PropertyListCtrl::SelectRowAt(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || !GetClientRect().contains(event->position().toPoint())) {
-        QWidget::mousePressEvent(event);
-        return;
-    }
+    if (event->button() != Qt::LeftButton || !GetClientRect().contains(event->position().toPoint()))
+        return false;
     // The list takes the focus first, so that a pending edit commits before the selection moves.
     setFocus(Qt::MouseFocusReason);
     // Below the last row the list takes the last row, as list boxes do.
@@ -480,22 +478,25 @@ void PropertyListCtrl::mousePressEvent(QMouseEvent* event)
         row = GetCount() - 1;
     if (row >= 0)
         MoveSelection(row);
+    return true;
+}
+
+void PropertyListCtrl::mousePressEvent(QMouseEvent* event)
+{
+    if (!SelectRowAt(event)) {
+        QWidget::mousePressEvent(event);
+        return;
+    }
     if (event->position().x() < 17)
         DoCollapseExpand(mCurSel, nullptr);
 }
 
 void PropertyListCtrl::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || !GetClientRect().contains(event->position().toPoint())) {
+    if (!SelectRowAt(event)) {
         QWidget::mouseDoubleClickEvent(event);
         return;
     }
-    setFocus(Qt::MouseFocusReason);
-    int row = ItemFromPoint(event->position().toPoint());
-    if (row < 0)
-        row = GetCount() - 1;
-    if (row >= 0)
-        MoveSelection(row);
     PropertyItem* item = GetPropertyItem(mCurSel);
     if (!item)
         return;

@@ -85,6 +85,8 @@ private:
     void EnsureVisible(int index);
     int LastTopIndex() const;
     void MoveSelection(int index);
+    // A left click in the client area: focus, then select the row under it; false for any other click.
+    bool SelectRowAt(QMouseEvent* event);
     void RemeasureAll();
     QFont CategoryFont() const;
     const QFontMetrics& Metrics(bool category) const;

@@ -81,6 +81,25 @@ template <class Visit> void XMLOptionsPropertyItemManager::ForEachItem(Visit vis
         }
 }
 
+// Items of one section follow each other, so the section is opened again only
+// where it changes; the items whose section cannot be opened are passed over.
+template <class Open, class Visit> void XMLOptionsPropertyItemManager::ForEachItemInSection(Open openSection,
+                                                                                          Visit visit)
+{
+    std::string lastSection;
+    bool first = true;
+    Section open;
+    ForEachItem([&](PropertyItem* item, const XMLOptionItemInfo& info) {
+        if (first || info.section != lastSection) {
+            open = openSection(info);
+            lastSection = info.section;
+            first = false;
+        }
+        if (open)
+            visit(item, info, open.get());
+    });
+}
+
 void XMLOptionsPropertyItemManager::Load(ConfigurationSection* target, const ConfigurationSection* description,
                                          const ConfigurationSection* defaults)
 {
@@ -208,17 +227,10 @@ XMLOptionsPropertyItemCustomList* XMLOptionsPropertyItemManager::CreateCustomLis
 
 void XMLOptionsPropertyItemManager::LoadValues()
 {
-    std::string lastSection;
-    bool first = true;
-    Section open;
-    ForEachItem([&](PropertyItem* item, const XMLOptionItemInfo& info) {
-        if (first || info.section != lastSection) {
-            open.reset(mSettings->CopyAndChangeSubSection(info.section.c_str()));
-            lastSection = info.section;
-            first = false;
-        }
-        if (!open)
-            return;
+    auto openSection = [this](const XMLOptionItemInfo& info) {
+        return Section(mSettings->CopyAndChangeSubSection(info.section.c_str()));
+    };
+    ForEachItemInSection(openSection, [](PropertyItem* item, const XMLOptionItemInfo& info, ConfigurationSection* open) {
         const char* key = info.key.c_str();
         const std::string& type = info.type;
         if (type == "Number") {
@@ -251,20 +263,15 @@ void XMLOptionsPropertyItemManager::LoadValues()
 
 void XMLOptionsPropertyItemManager::SaveValues()
 {
-    std::string lastSection;
-    bool first = true;
-    Section open;
-    ForEachItem([&](PropertyItem* item, const XMLOptionItemInfo& info) {
-        if (first || info.section != lastSection) {
-            ConfigurationSection* bound = mSections.at(static_cast<size_t>(info.sectionIndex));
-            open.reset(bound->Copy());
-            if (!open->ChangeSubSection(info.section.c_str()))
-                open.reset(bound->CreateSubSection(info.section.c_str()));
-            lastSection = info.section;
-            first = false;
-        }
-        if (!open)
-            return;
+    // Into the bound section of the item's description, made when it is missing.
+    auto openSection = [this](const XMLOptionItemInfo& info) {
+        ConfigurationSection* bound = mSections.at(static_cast<size_t>(info.sectionIndex));
+        Section open(bound->Copy());
+        if (!open->ChangeSubSection(info.section.c_str()))
+            open.reset(bound->CreateSubSection(info.section.c_str()));
+        return open;
+    };
+    ForEachItemInSection(openSection, [](PropertyItem* item, const XMLOptionItemInfo& info, ConfigurationSection* open) {
         const char* key = info.key.c_str();
         const std::string& type = info.type;
         if (type == "Number") {
@@ -283,17 +290,10 @@ void XMLOptionsPropertyItemManager::SaveValues()
             int value = 0;
             static_cast<PropertyItemList*>(item)->GetData(value);
             open->WriteInt(key, value);
-        } else if (type == "String") {
+        } else if (type == "String" || type == "FolderPath" || type == "FilePath") {
+            // The path rows keep their text as the string row does.
             std::string value;
             static_cast<PropertyItemString*>(item)->GetData(value);
-            open->WriteKey(key, value);
-        } else if (type == "FolderPath") {
-            std::string value;
-            static_cast<PropertyItemFolderPath*>(item)->GetData(value);
-            open->WriteKey(key, value);
-        } else if (type == "FilePath") {
-            std::string value;
-            static_cast<PropertyItemFilePath*>(item)->GetData(value);
             open->WriteKey(key, value);
         } else if (type == "CustomList") {
             std::string value;
@@ -325,12 +325,8 @@ void XMLOptionsPropertyItemManager::ResetItemToDefault(PropertyItem* item)
         static_cast<PropertyItemList*>(item)->SetData(info.defaultValue.boolValue ? 1 : 0);
     else if (type == "CustomList")
         static_cast<XMLOptionsPropertyItemCustomList*>(item)->SetSelectedValue(info.defaultText);
-    else if (type == "String")
+    else if (type == "String" || type == "FolderPath" || type == "FilePath")
         static_cast<PropertyItemString*>(item)->SetData(info.defaultText);
-    else if (type == "FolderPath")
-        static_cast<PropertyItemFolderPath*>(item)->SetData(info.defaultText);
-    else if (type == "FilePath")
-        static_cast<PropertyItemFilePath*>(item)->SetData(info.defaultText);
 }
 
 void XMLOptionsPropertyItemManager::ResetToDefaults()

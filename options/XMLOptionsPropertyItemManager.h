@@ -111,6 +111,8 @@ public:
 
 private:
     template <class Visit> void ForEachItem(Visit visit);
+    // visit(item, info, section) with the section that openSection(info) gives.
+    template <class Open, class Visit> void ForEachItemInSection(Open openSection, Visit visit);
 
     std::map<unsigned int, XMLOptionItemInfo> mItemInfos;
     std::vector<ConfigurationSection*> mSections;
