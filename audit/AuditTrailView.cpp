@@ -6,7 +6,6 @@
 #include <KORVAutlwin/frame/MenuResource.h>
 #include <KORVAutlwin/frame/TsApp.h>
 #include <KORVAutlwin/frame/TsMenu.h>
-#include <KORVAutlwin/workspace/HtmlText.h>
 
 #include <KORVAutl/AuditTrail.h>
 
@@ -98,13 +97,6 @@ void AuditTrailView::SetDefaultResourceID(unsigned int id, bool load)
         LoadFromResource(id);
 }
 
-void AuditTrailView::SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* target)
-{
-    if (&map != &mCmdMap)
-        mCmdMap = map;
-    mCmdTarget = target;
-}
-
 bool AuditTrailView::PrepareUpdateView()
 {
     if (!GetBrowser())
@@ -158,26 +150,10 @@ void AuditTrailView::UpdateView()
 
 void AuditTrailView::OnBeforeNavigate2(const QString& url, bool& cancel)
 {
-    const std::string text = url.toStdString();
-    if (HtmlText::IsAppCommand(text)) {
-        OnAppCmd(text.c_str() + 4);
-        cancel = true;
-    }
+    RouteAppLink(url, cancel);
     // The page about to be loaded shows every event.
     if (mTrail && mTrail->HasUnsavedEvents())
         mTrail->Save();
-}
-
-void AuditTrailView::OnAppCmd(const char* command)
-{
-    const auto found = mCmdMap.find(command ? command : "");
-    if (found == mCmdMap.end())
-        return;
-    CmdTarget* target = mCmdTarget ? mCmdTarget : dynamic_cast<CmdTarget*>(TsGetMainWnd());
-    if (!target)
-        return;
-    const unsigned int id = found->second;
-    QMetaObject::invokeMethod(this, [target, id] { target->ExecuteCommand(id); }, Qt::QueuedConnection);
 }
 
 bool AuditTrailView::PreTranslateMessage(QObject* window, QEvent* event)

@@ -19,7 +19,6 @@
 
 #include <boost/signals2/connection.hpp>
 
-#include <map>
 #include <string>
 
 class AuditTrail;
@@ -48,14 +47,10 @@ public:
     void SetDefaultResourceID(unsigned int id, bool load);
     unsigned int GetDefaultResourceID() const { return mDefaultResource; }
     void SetNotOnResourceID(unsigned int id) { mNotOnResource = id; }
-    /// Commands of "app:" links: name -> command id, posted to `target` (null: the main window).
-    void SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* target);
     static const char* GetXSLFileName();
 
     /// Loads the accelerators, and shows the default page unless something has been shown already.
     void OnInitialUpdate();
-    /// Posts the command mapped to `command`; an unknown one does nothing.
-    virtual void OnAppCmd(const char* command);
 
     void OnBeforeNavigate2(const QString& url, bool& cancel) override;
     bool PreTranslateMessage(QObject* window, QEvent* event) override;
@@ -88,12 +83,10 @@ private:
     unsigned int mNotOnResource = kNotOnResource;
     bool mShown = false;
     AcceleratorTable mAccelerators;
-    std::map<std::string, unsigned int> mCmdMap;
     AuditTrail* mTrail = nullptr;
     bool mLoggingOn = true;
     bool mNavigated = false;
     boost::signals2::scoped_connection mBeginSession, mEventAdded, mEndSession, mProjectNameChanged,
         mActiveAuditTrailChanged, mDeleting;
-    CmdTarget* mCmdTarget = nullptr;
     bool mInitialUpdateDone = false;
 };

@@ -1,5 +1,6 @@
 #include <KORVAutlwin/controls/CFlatHeaderCtrl.h>
 
+#include <KORVAutlwin/controls/FlatHeaderPainting.h>
 #include <KORVAutlwin/controls/TsListCtrl.h>
 #include <KORVAutlwin/toolkit/DisplayColor.h>
 
@@ -93,39 +94,13 @@ void CFlatHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int log
     painter->setFont(mFont);
     painter->setPen(Sys(COLOR_BTNTEXT));
     QRect item = rect;
-    const bool pressed = (QApplication::mouseButtons() & Qt::LeftButton) && underMouse() &&
-                         logicalIndexAt(mapFromGlobal(QCursor::pos())) == logicalIndex;
-    if (pressed)
+    if (korva::FlatHeader::IsPressed(*this, logicalIndex))
         item.translate(1, 2);
-    const int o = mOffset;
-    QRect text = item;
-    if (logicalIndex == mSortColumn)
-        text.setRight(text.right() - 3 * o);
-    text.adjust(o, 0, -o, 0);
-    const Qt::Alignment align =
-        Qt::Alignment(model()->headerData(logicalIndex, Qt::Horizontal, Qt::TextAlignmentRole).toInt()) |
-        Qt::AlignVCenter;
-    if (!text.isEmpty()) {
-        const QString title = model()->headerData(logicalIndex, Qt::Horizontal).toString();
-        painter->drawText(text, static_cast<int>(align) | Qt::TextSingleLine,
-                          painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
-    }
-    if (logicalIndex == mSortColumn) {
-        const int r = item.left() + item.width(), b = item.top() + item.height(); // exclusive edges
-        const QPen shadow(Sys(COLOR_BTNSHADOW)), light(Sys(COLOR_BTNHIGHLIGHT));
-        if (mSortAscending) {
-            painter->setPen(shadow);
-            painter->drawLine(r - 2 * o, o - 1, r - 3 * o / 2, b - o);
-            painter->drawLine(r - 3 * o / 2, b - o, r - 5 * o / 2 - 2, b - o);
-            painter->setPen(light);
-            painter->drawLine(r - 5 * o / 2 - 1, b - o - 1, r - 2 * o, o - 2);
-        } else {
-            painter->setPen(shadow);
-            painter->drawLine(r - 3 * o / 2, o - 1, r - 2 * o - 1, b - o + 1);
-            painter->setPen(light);
-            painter->drawLine(r - 2 * o - 1, b - o, r - 5 * o / 2 - 1, o - 1);
-            painter->drawLine(r - 5 * o / 2 - 1, o - 1, r - 3 * o / 2, o - 1);
-        }
-    }
+    const bool sorted = logicalIndex == mSortColumn;
+    korva::FlatHeader::DrawTitle(*this, painter, item, logicalIndex, mOffset, sorted);
+    // Exclusive edges, as the platform's item rectangles end.
+    if (sorted)
+        korva::FlatHeader::DrawSortTriangle(painter, item.left() + item.width(), item.top() + item.height(), mOffset,
+                                            mSortAscending);
     painter->restore();
 }

@@ -1,8 +1,9 @@
 #include <KORVAutlwin/controls/CNewHeaderCtrl.h>
 
+#include <KORVAutlwin/controls/FlatHeaderPainting.h>
+
 #include <KORVAutlwin/toolkit/DisplayColor.h>
 
-#include <QApplication>
 #include <QPainter>
 
 namespace {
@@ -71,41 +72,12 @@ void CNewHeaderCtrl::paintSection(QPainter* painter, const QRect& rect, int logi
     painter->setFont(font());
     painter->setPen(Sys(COLOR_BTNTEXT));
     QRect item = rect;
-    const bool sorted = mSortEnabled && logicalIndex == mSortColumn;
-    const bool pressed = mSortEnabled && (QApplication::mouseButtons() & Qt::LeftButton) && underMouse() &&
-                         logicalIndexAt(mapFromGlobal(QCursor::pos())) == logicalIndex;
-    if (pressed)
+    if (mSortEnabled && korva::FlatHeader::IsPressed(*this, logicalIndex))
         item.translate(1, 2);
-    const int o = mOffset;
-    QRect text = item;
+    const bool sorted = mSortEnabled && logicalIndex == mSortColumn;
+    korva::FlatHeader::DrawTitle(*this, painter, item, logicalIndex, mOffset, sorted);
+    // Exchanged against the list's header: ascending points down here.
     if (sorted)
-        text.setRight(text.right() - 3 * o);
-    text.adjust(o, 0, -o, 0);
-    const Qt::Alignment align =
-        Qt::Alignment(model()->headerData(logicalIndex, Qt::Horizontal, Qt::TextAlignmentRole).toInt()) |
-        Qt::AlignVCenter;
-    if (!text.isEmpty()) {
-        const QString title = model()->headerData(logicalIndex, Qt::Horizontal).toString();
-        painter->drawText(text, static_cast<int>(align) | Qt::TextSingleLine,
-                          painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
-    }
-    if (sorted) {
-        const int r = item.right(), b = item.bottom();
-        const QPen shadow(Sys(COLOR_BTNSHADOW)), light(Sys(COLOR_BTNHIGHLIGHT));
-        // Exchanged against the list's header: ascending points down here.
-        if (!mAscending) {
-            painter->setPen(shadow);
-            painter->drawLine(r - 2 * o, o - 1, r - 3 * o / 2, b - o);
-            painter->drawLine(r - 3 * o / 2, b - o, r - 5 * o / 2 - 2, b - o);
-            painter->setPen(light);
-            painter->drawLine(r - 5 * o / 2 - 1, b - o - 1, r - 2 * o, o - 2);
-        } else {
-            painter->setPen(shadow);
-            painter->drawLine(r - 3 * o / 2, o - 1, r - 2 * o - 1, b - o + 1);
-            painter->setPen(light);
-            painter->drawLine(r - 2 * o - 1, b - o, r - 5 * o / 2 - 1, o - 1);
-            painter->drawLine(r - 5 * o / 2 - 1, o - 1, r - 3 * o / 2, o - 1);
-        }
-    }
+        korva::FlatHeader::DrawSortTriangle(painter, item.right(), item.bottom(), mOffset, !mAscending);
     painter->restore();
 }

@@ -339,32 +339,32 @@ void TsTreeCtrl::SortChildren(HTREEITEM parent, const std::function<int(HTREEITE
 
 // --- selection --------------------------------------------------------------------
 
-HTREEITEM TsTreeCtrl::GetFirstSelectedItem() const
+// The first selected item from `item` on (itself included), walking with `step`.
+HTREEITEM TsTreeCtrl::FindSelected(HTREEITEM item, HTREEITEM (TsTreeCtrl::*step)(HTREEITEM) const) const
 {
-    for (HTREEITEM item = GetRootItem(); item; item = GetNextItem(item))
+    for (; item; item = (this->*step)(item))
         if (Q(item)->isSelected())
             return item;
     return nullptr;
+}
+
+HTREEITEM TsTreeCtrl::GetFirstSelectedItem() const
+{
+    return FindSelected(GetRootItem(), &TsTreeCtrl::GetNextItem);
 }
 
 HTREEITEM TsTreeCtrl::GetNextSelectedItem(HTREEITEM item) const
 {
-    if (mSelectionState == eSingleSelection)
+    if (mSelectionState == eSingleSelection || !item)
         return nullptr;
-    for (item = item ? GetNextItem(item) : nullptr; item; item = GetNextItem(item))
-        if (Q(item)->isSelected())
-            return item;
-    return nullptr;
+    return FindSelected(GetNextItem(item), &TsTreeCtrl::GetNextItem);
 }
 
 HTREEITEM TsTreeCtrl::GetPrevSelectedItem(HTREEITEM item) const
 {
-    if (mSelectionState == eSingleSelection)
+    if (mSelectionState == eSingleSelection || !item)
         return nullptr;
-    for (item = item ? GetPrevItem(item) : nullptr; item; item = GetPrevItem(item))
-        if (Q(item)->isSelected())
-            return item;
-    return nullptr;
+    return FindSelected(GetPrevItem(item), &TsTreeCtrl::GetPrevItem);
 }
 
 int TsTreeCtrl::GetSelectedItemCount() const

@@ -251,4 +251,5 @@ protected:
 
 private:
     void ForgetItem(QTreeWidgetItem* item);
+    HTREEITEM FindSelected(HTREEITEM item, HTREEITEM (TsTreeCtrl::*step)(HTREEITEM) const) const;
 };

@@ -1,6 +1,8 @@
 #include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
 #include <KORVAutlwin/frame/GUIUtilities.h>
+#include <KORVAutlwin/frame/TsApp.h>
+#include <KORVAutlwin/workspace/HtmlText.h>
 #include <KORVAutlwin/platform/UserIdentity.h>
 
 #include <QChildEvent>
@@ -253,6 +255,34 @@ void HtmlBrowserView::OnDocumentComplete(const QString&) {}
 bool HtmlBrowserView::PreTranslateMessage(QObject*, QEvent*)
 {
     return false;
+}
+
+void HtmlBrowserView::SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* target)
+{
+    mCmdMap = map;
+    mCmdTarget = target;
+}
+
+void HtmlBrowserView::RouteAppLink(const QString& url, bool& cancel)
+{
+    const std::string text = url.toStdString();
+    if (HtmlText::IsAppCommand(text)) {
+        OnAppCmd(text.c_str() + 4);
+        cancel = true;
+    }
+}
+
+void HtmlBrowserView::OnAppCmd(const char* name)
+{
+    const auto found = mCmdMap.find(name ? name : "");
+    if (found == mCmdMap.end())
+        return;
+    CmdTarget* target = mCmdTarget ? mCmdTarget : dynamic_cast<CmdTarget*>(TsGetMainWnd());
+    if (!target)
+        return;
+    const unsigned int id = found->second;
+    // Posted: the command runs after the navigation has been cancelled.
+    QMetaObject::invokeMethod(this, [target, id] { target->ExecuteCommand(id); }, Qt::QueuedConnection);
 }
 
 void HtmlBrowserView::WatchInputWindows()

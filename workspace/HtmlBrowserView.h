@@ -15,13 +15,15 @@
 ///
 /// The scheme "app" is registered with the browser when the library is loaded;
 /// when the process runs as root, the browser's sandbox is turned off
-/// (QtWebEngine refuses to start with it as root).
+/// (QtWebEngine refuses to start with it as root). A view that routes "app:"
+/// links (RouteAppLink) posts the command that SetCmdMap maps the link's name to.
 
 #include <KORVAutlwin/frame/CmdTarget.h>
 
 #include <QString>
 #include <QWidget>
 
+#include <map>
 #include <string>
 
 class QWebEngineView;
@@ -107,6 +109,11 @@ public:
     /// Sees every event of the browser's windows first; true eats it.
     virtual bool PreTranslateMessage(QObject* window, QEvent* event);
 
+    /// Commands of "app:" links: name -> command id, posted to `target` (null: the main window).
+    void SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* target);
+    /// Posts the command mapped to `name` (exact match); an unknown name does nothing.
+    virtual void OnAppCmd(const char* name);
+
 signals:
     /// A document has finished loading (after OnDocumentComplete).
     void DocumentComplete(const QString& url);
@@ -115,6 +122,8 @@ protected:
     /// The rows of this view's command table, ended by a row with browser command 0.
     virtual const DHtmlCommandRow* GetCommandTable() const;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    /// An "app:" link runs OnAppCmd with its name and is cancelled; other URLs are left alone.
+    void RouteAppLink(const QString& url, bool& cancel);
 
 private:
     void WatchInputWindows();
@@ -125,4 +134,6 @@ private:
     bool mHasDocument = false;
     int mReadyState = READYSTATE_UNINITIALIZED;
     int mLoadSerial = 0;
+    std::map<std::string, unsigned int> mCmdMap;
+    CmdTarget* mCmdTarget = nullptr;
 };

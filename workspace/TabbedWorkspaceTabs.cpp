@@ -133,21 +133,28 @@ int TabbedWorkspaceTabs::FindTabOf(std::size_t seen, WorkspaceWindow window, con
     return entry.tab;
 }
 
-bool TabbedWorkspaceTabs::AddTabItem(const std::string& id)
+// One more reference to the tab of `id`, or a new tab at `position` that takes
+// its image and text from `source` (the identifier or the window).
+template <typename Source>
+bool TabbedWorkspaceTabs::AddReference(const std::string& id, const Source& source, int windows, int position)
 {
-    if (id.empty())
-        return false;
     if (const int index = FindTab(id); index >= 0) {
+        mItems[index].windowCount += windows;
         ++mItems[index].presentCount;
         return false;
     }
     TabItem item;
     item.identifier = id;
-    item.image = mHost.GetTabImage(id);
-    item.text = mHost.GetTextForTabItem(id);
-    item.windowCount = 0;
+    item.image = mHost.GetTabImage(source);
+    item.text = mHost.GetTextForTabItem(source);
+    item.windowCount = windows;
     item.presentCount = 1;
-    return InsertItem(std::move(item), GetItemCount());
+    return InsertItem(std::move(item), position);
+}
+
+bool TabbedWorkspaceTabs::AddTabItem(const std::string& id)
+{
+    return AddTabItemAtPos(id, GetItemCount());
 }
 
 bool TabbedWorkspaceTabs::AddTabItem(WorkspaceWindow window)
@@ -157,36 +164,14 @@ bool TabbedWorkspaceTabs::AddTabItem(WorkspaceWindow window)
     const std::string id = mHost.GetWindowIdentifier(window);
     if (id.empty())
         return false;
-    if (const int index = FindTab(id); index >= 0) {
-        ++mItems[index].windowCount;
-        ++mItems[index].presentCount;
-        return false;
-    }
-    TabItem item;
-    item.identifier = id;
-    item.image = mHost.GetTabImage(window);
-    item.text = mHost.GetTextForTabItem(window);
-    item.windowCount = 1;
-    item.presentCount = 1;
-    return InsertItem(std::move(item), GetItemCount());
+    return AddReference(id, window, 1, GetItemCount());
 }
 
 bool TabbedWorkspaceTabs::AddTabItemAtPos(const std::string& id, int position)
 {
     if (position < 0 || id.empty())
         return false;
-    if (const int index = FindTab(id); index >= 0) {
-        ++mItems[index].presentCount;
-        return false;
-    }
-    TabItem item;
-    item.identifier = id;
-    item.image = mHost.GetTabImage(id);
-    // A window's tab shows no text until the next update gives it back.
-    item.text = mHost.GetTextForTabItem(id);
-    item.windowCount = 0;
-    item.presentCount = 1;
-    return InsertItem(std::move(item), std::min(position, GetItemCount()));
+    return AddReference(id, id, 0, std::min(position, GetItemCount()));
 }
 
 bool TabbedWorkspaceTabs::RemoveTabItem(const std::string& id, bool activateNeighbour)

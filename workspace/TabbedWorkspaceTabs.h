@@ -122,6 +122,8 @@ private:
         int tab = -1;
     };
 
+    template <typename Source>
+    bool AddReference(const std::string& id, const Source& source, int windows, int position);
     bool InsertItem(TabItem item, int position);
     void DeleteItem(int index);
     void HideNonActiveWindows(const std::string& id);

@@ -114,32 +114,9 @@ void TsHtmlView::OnDocumentComplete(const QString&)
         PrivateSetHTML();
 }
 
-void TsHtmlView::SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* window)
-{
-    mCmdMap = map;
-    mCmdWindow = window;
-}
-
 void TsHtmlView::OnBeforeNavigate2(const QString& url, bool& cancel)
 {
-    const std::string text = url.toStdString();
-    if (HtmlText::IsAppCommand(text)) {
-        OnAppCmd(text.c_str() + 4);
-        cancel = true;
-    }
-}
-
-void TsHtmlView::OnAppCmd(const char* name)
-{
-    const auto found = mCmdMap.find(name ? name : "");
-    if (found == mCmdMap.end())
-        return;
-    CmdTarget* target = mCmdWindow ? mCmdWindow : dynamic_cast<CmdTarget*>(TsGetMainWnd());
-    if (!target)
-        return;
-    const unsigned int id = found->second;
-    // Posted: the command runs after the navigation has been cancelled.
-    QMetaObject::invokeMethod(this, [target, id] { target->ExecuteCommand(id); }, Qt::QueuedConnection);
+    RouteAppLink(url, cancel);
 }
 
 bool TsHtmlView::PreTranslateMessage(QObject* window, QEvent* event)

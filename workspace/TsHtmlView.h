@@ -14,7 +14,6 @@
 #include <KORVAutlwin/workspace/AcceleratorTable.h>
 #include <KORVAutlwin/workspace/HtmlBrowserView.h>
 
-#include <map>
 #include <string>
 
 class TsHtmlView : public HtmlBrowserView
@@ -43,8 +42,6 @@ public:
     /// body resource is loaded as a page of its own.
     void SetHTML(unsigned int bodyResource, unsigned int cssResource);
 
-    /// Commands of "app:" links: name -> command id, sent to `window` (null: the main window).
-    void SetCmdMap(const std::map<std::string, unsigned int>& map, CmdTarget* window);
     void SetPopupMenuID(unsigned int id) { mPopupMenuID = id; }
     void DisablePopupMenu() { mPopupMenuID = kNoPopupMenu; }
     unsigned int GetPopupMenuID() const { return mPopupMenuID; }
@@ -53,8 +50,6 @@ public:
 
     /// Shows the first sub-menu of menu resource `id` at the screen point `point`.
     virtual void DisplayContextMenu(QWidget* window, unsigned int id, const QPoint& point);
-    /// Runs the command mapped to `name` (exact match) by posting it; unknown names do nothing.
-    virtual void OnAppCmd(const char* name);
 
     void OnBeforeNavigate2(const QString& url, bool& cancel) override;
     void OnDocumentComplete(const QString& url) override;
@@ -78,9 +73,7 @@ private:
 
     unsigned int mPopupMenuID = kDefaultPopupMenuID;
     AcceleratorTable mAccelerators;
-    std::map<std::string, unsigned int> mCmdMap;
     std::wstring mBody;
     std::wstring mStyle;
     int mPending = 0;
-    CmdTarget* mCmdWindow = nullptr;
 };
