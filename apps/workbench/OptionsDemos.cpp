@@ -1,12 +1,14 @@
 #include "OptionsDemos.h"
 #include "DemoMenus.h"
 
+#include <KORVAutlwin/audit/AuditTrailPage.h>
 #include <KORVAutlwin/frame/TessmaMDIFrame.h>
 #include <KORVAutlwin/frame/TsApp.h>
 #include <KORVAutlwin/options/BasePropertyPageHelper.h>
 #include <KORVAutlwin/options/TsPropertySheet.h>
 #include <KORVAutlwin/options/XMLOptionsPage.h>
 
+#include <KORVAutl/AuditTrail.h>
 #include <KORVAutl/ConfigurationSection.h>
 #include <KORVAutl/Exception.h>
 #include <KORVAutl/LanguageString.h>
@@ -60,6 +62,12 @@ void ShowOptions(QWidget* parent)
     TsPropertySheet sheet(eOptionsCaption, parent);
     sheet.AddPage(&model);
     sheet.AddPage(&files);
+    // The session's audit trail has its settings page here too, when the workbench keeps one.
+    std::unique_ptr<AuditTrailPage> audit;
+    if (AuditTrail* trail = AuditTrail::GetActiveAuditTrail()) {
+        audit = std::make_unique<AuditTrailPage>(trail);
+        sheet.AddPage(audit.get());
+    }
     sheet.resize(520, 480);
     sheet.exec();
 }
