@@ -33,7 +33,7 @@ public:
     static bool ValidateFormatString(const std::string& format);
     /// Asks the user for the format of `sampleDate` until a valid one is given;
     /// false when the user cancels. Shows a dialog, so it lives in KORVAutlwin
-    /// (toolkit/SpecifyDateFormat.cpp): only programs that link it may call it.
+    /// (toolkit/DateFormatDialog.cpp): only programs that link it may call it.
     static bool GetUserFormatString(const std::string& heading, const std::string& sampleDate,
                                     const std::string& format, std::string& result);
 };

@@ -1,6 +1,6 @@
 #include "WidgetTestSupport.h"
 
-#include <KORVAutlwin/toolkit/SpecifyDateFormat.h>
+#include <KORVAutlwin/toolkit/DateFormatDialog.h>
 
 #include <KORVAutl/TsTimeUtl.h>
 

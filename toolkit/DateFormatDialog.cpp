@@ -1,4 +1,4 @@
-#include <KORVAutlwin/toolkit/SpecifyDateFormat.h>
+#include <KORVAutlwin/toolkit/DateFormatDialog.h>
 
 #include <KORVAutlwin/toolkit/DateFormatHistory.h>
 
